@@ -1,0 +1,37 @@
+#!/usr/bin/env bash
+# Installs the Debian packages Vantrope needs that are missing. Usage: scripts/deps.sh [build|test|bench]...
+set -euo pipefail
+
+build_packages=(
+    cmake g++ make pkg-config
+    qt6-base-dev qt6-base-dev-tools libgl-dev
+    libx11-dev libxi-dev libxfixes-dev libx11-xcb-dev libxcb1-dev
+    qt6-qpa-plugins libqt6svg6
+)
+test_packages=(xvfb xauth openbox xdotool x11-utils dbus-daemon dbus-x11)
+
+wanted=("${build_packages[@]}")
+for group in "$@"; do
+    case "$group" in
+        build|bench) ;;
+        test) wanted+=("${test_packages[@]}") ;;
+        *) echo "deps.sh: unknown group '$group'" >&2; exit 2 ;;
+    esac
+done
+
+missing=()
+for package in "${wanted[@]}"; do
+    status=$(dpkg-query -W -f='${db:Status-Status}' "$package" 2>/dev/null || true)
+    [ "$status" = "installed" ] || missing+=("$package")
+done
+[ ${#missing[@]} -eq 0 ] && exit 0
+
+echo "Installing missing packages: ${missing[*]}" >&2
+sudo=()
+if [ "$(id -u)" -ne 0 ]; then
+    command -v sudo >/dev/null || { echo "deps.sh: need root or sudo to install ${missing[*]}" >&2; exit 1; }
+    sudo=(sudo)
+fi
+export DEBIAN_FRONTEND=noninteractive
+"${sudo[@]}" apt-get update -qq
+"${sudo[@]}" apt-get install -y -qq --no-install-recommends "${missing[@]}" >&2

@@ -1,0 +1,3 @@
+#include "DragSessionLogging.h"
+
+Q_LOGGING_CATEGORY(lcDragSession, "vantrope.dragsession")

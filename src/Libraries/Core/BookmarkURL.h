@@ -1,0 +1,16 @@
+#pragma once
+
+#include <QByteArray>
+#include <QUrl>
+
+namespace Vantrope {
+
+// A file bookmark with the location it last resolved to.
+struct BookmarkURL {
+    QByteArray bookmark;
+    QUrl url;
+
+    friend bool operator==(const BookmarkURL&, const BookmarkURL&) = default;
+};
+
+} // namespace Vantrope

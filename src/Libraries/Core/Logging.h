@@ -1,0 +1,23 @@
+#pragma once
+
+#include <QLoggingCategory>
+#include <QString>
+
+Q_DECLARE_LOGGING_CATEGORY(lcCore)
+
+namespace Vantrope {
+
+// The process-wide message handler: every line carries time, level, category, file, function and line.
+// While a log folder is set the same lines also go to "<folder>/vantrope-<date>.log".
+class Logging final {
+public:
+    static void install();
+    static void setFileLoggingDirectory(const QString& directory);
+    static QString fileLoggingDirectory();
+    static QString currentLogFilePath();
+
+    // The line as the handler writes it; public so that its shape can be checked.
+    static QString formatLine(QtMsgType type, const QMessageLogContext& context, const QString& message);
+};
+
+} // namespace Vantrope

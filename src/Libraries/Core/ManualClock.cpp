@@ -1,0 +1,61 @@
+#include "ManualClock.h"
+
+#include <algorithm>
+
+namespace Vantrope {
+
+ManualClock::ManualClock(const QDateTime& start)
+    : m_start(start)
+{}
+
+double ManualClock::now() const
+{
+    QMutexLocker lock(&m_mutex);
+    return m_now;
+}
+
+QDateTime ManualClock::currentDateTime() const
+{
+    QMutexLocker lock(&m_mutex);
+    return m_start.addMSecs(static_cast<qint64>(m_now * 1000.0));
+}
+
+void ManualClock::schedule(double seconds, DispatchQueue& queue, DispatchQueue::Work work)
+{
+    QMutexLocker lock(&m_mutex);
+    m_timers.push_back({m_now + std::max(0.0, seconds), m_nextOrder++, &queue, std::move(work)});
+}
+
+void ManualClock::advance(double seconds)
+{
+    double target;
+    {
+        QMutexLocker lock(&m_mutex);
+        target = m_now + seconds;
+    }
+    for (;;) {
+        Timer next;
+        {
+            QMutexLocker lock(&m_mutex);
+            auto due = std::min_element(m_timers.begin(), m_timers.end(), [](const Timer& a, const Timer& b) {
+                return a.due < b.due || (a.due == b.due && a.order < b.order);
+            });
+            if (due == m_timers.end() || due->due > target) {
+                m_now = target;
+                return;
+            }
+            next = std::move(*due);
+            m_timers.erase(due);
+            m_now = std::max(m_now, next.due);
+        }
+        next.queue->sync(next.work);
+    }
+}
+
+int ManualClock::pendingCount() const
+{
+    QMutexLocker lock(&m_mutex);
+    return static_cast<int>(m_timers.size());
+}
+
+} // namespace Vantrope

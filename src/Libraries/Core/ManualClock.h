@@ -1,0 +1,38 @@
+#pragma once
+
+#include "Clock.h"
+
+#include <QMutex>
+#include <vector>
+
+namespace Vantrope {
+
+// A clock that stands still until told to move. Scheduled work runs, in due order and synchronously on
+// its queue, while `advance()` passes its time.
+class ManualClock final : public Clock {
+public:
+    explicit ManualClock(const QDateTime& start = QDateTime(QDate(2026, 1, 1), QTime(12, 0), Qt::UTC));
+
+    double now() const override;
+    QDateTime currentDateTime() const override;
+    void schedule(double seconds, DispatchQueue& queue, DispatchQueue::Work work) override;
+
+    void advance(double seconds);
+    int pendingCount() const;
+
+private:
+    struct Timer {
+        double due;
+        quint64 order;
+        DispatchQueue* queue;
+        DispatchQueue::Work work;
+    };
+
+    mutable QMutex m_mutex;
+    double m_now = 0;
+    QDateTime m_start;
+    quint64 m_nextOrder = 0;
+    std::vector<Timer> m_timers;
+};
+
+} // namespace Vantrope

@@ -1,0 +1,14 @@
+#pragma once
+
+#include <QByteArray>
+#include <QString>
+
+namespace Vantrope {
+
+class X11Display final {
+public:
+    // Opens and closes a connection to `display`; returns why it failed, or an empty string.
+    static QString probe(const QByteArray& display);
+};
+
+} // namespace Vantrope

@@ -1,0 +1,273 @@
+#include "Libraries/Core/FileBookmark.h"
+#include "Libraries/Core/URL.h"
+#include "support/TestSupport.h"
+
+#include <fcntl.h>
+#include <linux/capability.h>
+#include <QDir>
+#include <QFile>
+#include <QStandardPaths>
+#include <QTest>
+#include <sys/syscall.h>
+#include <unistd.h>
+
+using namespace Vantrope;
+using namespace Qt::StringLiterals;
+using Kind = FileBookmark::Error::Kind;
+
+namespace {
+
+// QVERIFY2 builds its message even when the check passes, so the error may only be read on failure.
+template<typename Result> QByteArray failure(const Result& result)
+{
+    return result ? QByteArray() : result.error().description().toUtf8();
+}
+
+// Root reads any folder whatever its mode; without the override capabilities it sees what a user sees.
+class AsOrdinaryUser final {
+public:
+    AsOrdinaryUser()
+    {
+        if (::geteuid() == 0 && ::syscall(SYS_capget, &m_header, m_saved) == 0) {
+            __user_cap_data_struct reduced[2] = {m_saved[0], m_saved[1]};
+            reduced[0].effective &= ~((1u << CAP_DAC_OVERRIDE) | (1u << CAP_DAC_READ_SEARCH));
+            m_dropped = ::syscall(SYS_capset, &m_header, reduced) == 0;
+        }
+    }
+    ~AsOrdinaryUser()
+    {
+        if (m_dropped) {
+            ::syscall(SYS_capset, &m_header, m_saved);
+        }
+    }
+    AsOrdinaryUser(const AsOrdinaryUser&) = delete;
+    AsOrdinaryUser& operator=(const AsOrdinaryUser&) = delete;
+
+private:
+    __user_cap_header_struct m_header{_LINUX_CAPABILITY_VERSION_3, 0};
+    __user_cap_data_struct m_saved[2]{};
+    bool m_dropped = false;
+};
+
+bool canList(const QString& folder)
+{
+    const int fd = ::open(QFile::encodeName(folder).constData(), O_RDONLY | O_DIRECTORY);
+    return fd >= 0 && ::close(fd) == 0;
+}
+
+} // namespace
+
+class TestFileBookmark final : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void initTestCase();
+    void init();
+    void cleanup();
+    void resolve_data();
+    void resolve();
+    void unreadable_data();
+    void unreadable();
+    void createFails();
+    void malformedBytes_data();
+    void malformedBytes();
+    void everyTruncationFails();
+
+private:
+    static QString home(const QString& relative) { return QDir::homePath() + QLatin1Char('/') + relative; }
+    QByteArray bookmarkOriginal() const
+    {
+        return FileBookmark::create(QUrl::fromLocalFile(m_original)).value_or(QByteArray());
+    }
+
+    QString m_original;
+};
+
+void TestFileBookmark::initTestCase()
+{
+    Test::isolateStandardPaths();
+    // The home trash is only made inside an existing data folder.
+    QVERIFY(QDir().mkpath(QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation)));
+    m_original = home(u"work/project/report.txt"_s);
+}
+
+void TestFileBookmark::init()
+{
+    for (const char* folder : {"work/project/sibling", "work/other/deep", "Documents/archive", "far/a/b"}) {
+        QVERIFY(QDir().mkpath(home(QLatin1String(folder))));
+    }
+    QVERIFY(Test::writeFile(m_original, "first draft"));
+}
+
+void TestFileBookmark::cleanup()
+{
+    const QString trash = QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation) + u"/Trash"_s;
+    for (const QString& folder : {home(u"work"_s), home(u"Documents"_s), home(u"far"_s), trash}) {
+        QDir(folder).removeRecursively();
+    }
+    QFile::remove(home(u"report.txt"_s));
+}
+
+void TestFileBookmark::resolve_data()
+{
+    // What happens to the file: a new place relative to home, or <edited>, <trashed>, <folder trashed>,
+    // <folder renamed>, <deleted>, <replaced>. Expected relative to home, or <trash> for where the trash
+    // put it; empty expects notFound.
+    QTest::addColumn<QString>("change");
+    QTest::addColumn<QString>("expected");
+    QTest::addColumn<bool>("stale");
+
+    const QString original = u"work/project/report.txt"_s;
+    QTest::newRow("unmoved") << QString() << original << false;
+    QTest::newRow("edited in place") << u"<edited>"_s << original << false;
+    const QStringList found{u"work/project/renamed.txt"_s,
+                            u"work/project/sibling/report.txt"_s,
+                            u"work/other/report.txt"_s,
+                            u"work/report.txt"_s,
+                            u"report.txt"_s,
+                            u"Documents/report.txt"_s,
+                            u"Documents/archive/report.txt"_s};
+    for (const QString& place : found) {
+        QTest::addRow("moved to %s", qPrintable(place)) << place << place << true;
+    }
+    QTest::newRow("folder renamed") << u"<folder renamed>"_s << u"work/renamed/report.txt"_s << true;
+    QTest::newRow("trashed") << u"<trashed>"_s << u"<trash>"_s << true;
+    QTest::newRow("folder trashed") << u"<folder trashed>"_s << u"<trash>/report.txt"_s << true;
+    QTest::newRow("below a sibling's child") << u"work/other/deep/report.txt"_s << QString() << false;
+    QTest::newRow("far away") << u"far/a/b/report.txt"_s << QString() << false;
+    QTest::newRow("deleted") << u"<deleted>"_s << QString() << false;
+    // ext4 tends to give the freed inode number straight to the new file: only the birth time differs.
+    QTest::newRow("replaced at the same path") << u"<replaced>"_s << QString() << false;
+}
+
+void TestFileBookmark::resolve()
+{
+    QFETCH(QString, change);
+    QFETCH(QString, expected);
+    QFETCH(bool, stale);
+
+    const QByteArray bookmark = bookmarkOriginal();
+    QVERIFY(!bookmark.isEmpty());
+    QString trashed;
+    if (change == u"<edited>"_s) {
+        QVERIFY(Test::writeFile(m_original, "second, longer draft"));
+    } else if (change == u"<trashed>"_s || change == u"<folder trashed>"_s) {
+        QFile file(change == u"<trashed>"_s ? m_original : home(u"work/project"_s));
+        QVERIFY2(file.moveToTrash(), qPrintable(file.errorString()));
+        trashed = file.fileName();
+        QVERIFY(URL::isInTrash(QUrl::fromLocalFile(trashed)));
+    } else if (change == u"<folder renamed>"_s) {
+        QVERIFY(QFile::rename(home(u"work/project"_s), home(u"work/renamed"_s)));
+    } else if (change == u"<deleted>"_s || change == u"<replaced>"_s) {
+        QVERIFY(QFile::remove(m_original));
+        QVERIFY(change == u"<deleted>"_s || Test::writeFile(m_original, "someone else's file"));
+    } else if (!change.isEmpty()) {
+        QVERIFY(QFile::rename(m_original, home(change)));
+    }
+
+    const auto resolution = FileBookmark::resolve(bookmark);
+    if (expected.isEmpty()) {
+        QVERIFY(!resolution.has_value());
+        QCOMPARE(resolution.error().kind, Kind::notFound);
+        QCOMPARE(resolution.error().path, m_original);
+        return;
+    }
+    QVERIFY2(resolution.has_value(), failure(resolution).constData());
+    const QString path = expected.startsWith(u"<trash>"_s) ? trashed + expected.mid(7) : home(expected);
+    QCOMPARE(resolution->url, QUrl::fromLocalFile(path));
+    QCOMPARE(resolution->isStale, stale);
+}
+
+void TestFileBookmark::unreadable_data()
+{
+    QTest::addColumn<QString>("locked");
+    QTest::addColumn<QString>("expected"); // empty expects the unreadable error
+    // The file itself cannot be looked at: a different answer from "gone".
+    QTest::newRow("its folder") << u"work/project"_s << QString();
+    // A folder looked at before the one the file went to is skipped, not fatal.
+    QTest::newRow("a folder on the way") << u"work/project/sibling"_s << u"work/other/report.txt"_s;
+}
+
+void TestFileBookmark::unreadable()
+{
+    QFETCH(QString, locked);
+    QFETCH(QString, expected);
+    const QByteArray bookmark = bookmarkOriginal();
+    if (!expected.isEmpty()) {
+        QVERIFY(QFile::rename(m_original, home(expected)));
+    }
+    QVERIFY(QFile::setPermissions(home(locked), QFileDevice::Permissions()));
+    std::expected<FileBookmark::Resolution, FileBookmark::Error> resolution;
+    {
+        AsOrdinaryUser user;
+        if (canList(home(locked))) {
+            QSKIP("Folder permissions are not enforced for this process");
+        }
+        resolution = FileBookmark::resolve(bookmark);
+    }
+    QVERIFY(QFile::setPermissions(home(locked),
+                                  QFileDevice::ReadOwner | QFileDevice::WriteOwner | QFileDevice::ExeOwner));
+    if (expected.isEmpty()) {
+        QVERIFY(!resolution.has_value());
+        QCOMPARE(resolution.error().kind, Kind::unreadable);
+    } else {
+        QVERIFY2(resolution.has_value(), failure(resolution).constData());
+        QCOMPARE(resolution->url, QUrl::fromLocalFile(home(expected)));
+    }
+}
+
+void TestFileBookmark::createFails()
+{
+    const auto missing = FileBookmark::create(QUrl::fromLocalFile(home(u"never-written.txt"_s)));
+    QVERIFY(!missing.has_value());
+    QCOMPARE(missing.error().kind, Kind::notFound);
+    const auto remote = FileBookmark::create(QUrl(u"https://example.org/report.txt"_s));
+    QVERIFY(!remote.has_value());
+    QCOMPARE(remote.error().kind, Kind::invalidData);
+}
+
+void TestFileBookmark::malformedBytes_data()
+{
+    QTest::addColumn<QByteArray>("data");
+    // Runs before init(), so it brings its own file.
+    const QString source = home(u"data-source.txt"_s);
+    QVERIFY(Test::writeFile(source, "bytes"));
+    const QByteArray valid = FileBookmark::create(QUrl::fromLocalFile(source)).value_or(QByteArray());
+    QVERIFY(!valid.isEmpty());
+
+    QByteArray newer = valid;
+    newer[5] = char(newer.at(5) + 1);
+    QByteArray flipped = valid;
+    flipped[20] = char(flipped.at(20) ^ 0x40);
+    // A correct checksum over a record one byte too long: only the length check can catch it.
+    QByteArray padded = valid.left(valid.size() - 2) + '\0';
+    const quint16 sum = qChecksum(padded);
+    padded.append(char(sum >> 8)).append(char(sum & 0xff));
+
+    QTest::newRow("empty") << QByteArray();
+    QTest::newRow("text") << QByteArray("file:///home/user/report.txt");
+    QTest::newRow("newer format") << newer;
+    QTest::newRow("flipped bit") << flipped;
+    QTest::newRow("extra byte") << valid + 'x';
+    QTest::newRow("padded record") << padded;
+}
+
+void TestFileBookmark::malformedBytes()
+{
+    QFETCH(QByteArray, data);
+    const auto resolution = FileBookmark::resolve(data);
+    QVERIFY(!resolution.has_value());
+    QCOMPARE(resolution.error().kind, Kind::invalidData);
+}
+
+void TestFileBookmark::everyTruncationFails()
+{
+    const QByteArray valid = bookmarkOriginal();
+    QVERIFY(FileBookmark::decode(valid).has_value());
+    for (qsizetype length = 0; length < valid.size(); ++length) {
+        QVERIFY2(!FileBookmark::decode(valid.left(length)).has_value(), qPrintable(QString::number(length)));
+    }
+}
+
+QTEST_GUILESS_MAIN(TestFileBookmark)
+#include "TestFileBookmark.moc"

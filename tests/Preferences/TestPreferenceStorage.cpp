@@ -1,0 +1,316 @@
+#include "Preferences/Preferences.h"
+#include "Preferences/SettingsPreferenceStorage.h"
+#include "support/TestSupport.h"
+
+#include <cstdio>
+#include <QCoreApplication>
+#include <QDir>
+#include <QFile>
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QProcess>
+#include <QStandardPaths>
+#include <QTemporaryDir>
+#include <QTest>
+#include <QUrl>
+
+using namespace Vantrope;
+
+namespace {
+
+// What the helper process writes, so that both sides know what to expect.
+const QDateTime s_helperDate(QDate(2023, 11, 5), QTime(6, 7, 8, 90), Qt::UTC);
+const QStringList s_helperApplications{QStringLiteral("org.example.editor"),
+                                       QStringLiteral("org.example.viewer")};
+constexpr int s_helperDrops = 123456;
+
+// The other process: "--write <file>" writes the values above; "--read <file> <stored name>" prints
+// the type and value it finds.
+int runHelper(const QStringList& arguments)
+{
+    SettingsPreferenceStorage storage(arguments.at(2));
+    if (arguments.at(1) == u"--write") {
+        storage.setValue(PreferenceKey::numberOfDrops, s_helperDrops);
+        storage.setValue(PreferenceKey::lastRatingPromptDate, s_helperDate);
+        storage.setValue(PreferenceKey::ignoredApplication, s_helperApplications);
+        return 0;
+    }
+    const auto key = preferenceKeyFromStoredName(arguments.value(3));
+    const auto value = key ? storage.value(*key) : std::nullopt;
+    const QString line = value ? QString::fromLatin1(value->metaType().name()) + u' ' + value->toString()
+                               : QStringLiteral("absent");
+    std::fputs(line.toUtf8().constData(), stdout);
+    return 0;
+}
+
+QString runHelperProcess(const QStringList& arguments)
+{
+    QProcess process;
+    process.start(QCoreApplication::applicationFilePath(), arguments);
+    if (!process.waitForFinished(30000) || process.exitCode() != 0) {
+        return QStringLiteral("helper failed: ") + QString::fromUtf8(process.readAllStandardError());
+    }
+    return QString::fromUtf8(process.readAllStandardOutput());
+}
+
+QJsonObject fileObject(const QString& path)
+{
+    return QJsonDocument::fromJson(Test::readFile(path)).object();
+}
+
+} // namespace
+
+class TestPreferenceStorage final : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void initTestCase() { Test::isolateStandardPaths(); }
+
+    void valuesComeBackWithTheirType_data()
+    {
+        QTest::addColumn<PreferenceKey>("key");
+        QTest::addColumn<QVariant>("value");
+
+        const QDateTime utc(QDate(2024, 2, 29), QTime(23, 59, 58, 7), Qt::UTC);
+        const QByteArray binary("\x00\x01\x7f\x80\xfe\xff", 6);
+        using K = PreferenceKey;
+
+        QTest::newRow("bool") << K::launchAtLogin << QVariant(false);
+        QTest::newRow("int") << K::numberOfDrops << QVariant(-17);
+        QTest::newRow("largest int") << K::numberOfDrops << QVariant(std::numeric_limits<int>::max());
+        QTest::newRow("unicode") << K::lastSeenWhatsNewVersion << QVariant(QStringLiteral("2.4 “Ünïcødé” ✓"));
+        QTest::newRow("text like a tag")
+            << K::cloudLinkType << QVariant(QStringLiteral("{\"$date\": \"x\"}"));
+        QTest::newRow("list") << K::recentActions << QVariant(QStringList{QStringLiteral("a"), QString()});
+        QTest::newRow("empty list") << K::recentActions << QVariant(QStringList());
+        QTest::newRow("date") << K::lastRatingPromptDate << QVariant(utc);
+        QTest::newRow("date with offset")
+            << K::lastRatingPromptDate
+            << QVariant(QDateTime(QDate(2024, 7, 1), QTime(9, 15), Qt::OffsetFromUTC, 7200));
+        QTest::newRow("data") << K::bucketDestinationPath << QVariant(binary);
+        QTest::newRow("empty data") << K::bucketDestinationPath << QVariant(QByteArray(""));
+        QTest::newRow("dictionary") << K::showHideHotKeyCombo
+                                    << QVariant(QVariantMap{
+                                           {QStringLiteral("keyCode"), 49},
+                                           {QStringLiteral("title"), QStringLiteral("⇧⌘Space")},
+                                           {QStringLiteral("when"), utc},
+                                           {QStringLiteral("blob"), binary},
+                                           {QStringLiteral("list"),
+                                            QVariantList{1, QStringLiteral("x"), false}},
+                                           {QStringLiteral("$date"), QStringLiteral("a key, not a tag")},
+                                           {QStringLiteral("nothing"), QVariant()},
+                                       });
+        QTest::newRow("dictionary like a tag")
+            << K::showHideClipboardHotKeyCombo
+            << QVariant(QVariantMap{{QStringLiteral("$data"), QStringLiteral("AAEC")}});
+        QTest::newRow("dictionaries")
+            << K::registeredKeyboardActionCombinations
+            << QVariant(QVariantMap{
+                   {QStringLiteral("custom_pin"), QVariantMap{{QStringLiteral("keyCode"), 35}}},
+                   {QStringLiteral("custom_unpin"), QVariantMap()},
+               });
+    }
+
+    void valuesComeBackWithTheirType()
+    {
+        QFETCH(PreferenceKey, key);
+        QFETCH(QVariant, value);
+
+        QTemporaryDir folder;
+        const QString path = folder.filePath(QStringLiteral("preferences.json"));
+        SettingsPreferenceStorage(path).setValue(key, value);
+        // A copy under another name is parsed from disk: within a process QSettings shares what it
+        // read among all objects on the same path.
+        const QString copy = folder.filePath(QStringLiteral("copy.json"));
+        QVERIFY(QFile::copy(path, copy));
+
+        const std::optional<QVariant> read = SettingsPreferenceStorage(copy).value(key);
+        QVERIFY(read);
+        QCOMPARE(read->metaType(), value.metaType());
+        QCOMPARE(*read, value);
+    }
+
+    void fileIsPlainJson()
+    {
+        QTemporaryDir folder;
+        const QString path = folder.filePath(QStringLiteral("preferences.json"));
+        SettingsPreferenceStorage storage(path);
+        storage.setValue(PreferenceKey::hasLaunchedApp, true);
+        storage.setValue(PreferenceKey::numberOfDrops, 12);
+        storage.setValue(PreferenceKey::lastTemporaryDataSanitationDate,
+                         QDateTime(QDate(2024, 3, 1), QTime(13, 34, 56, 789), Qt::OffsetFromUTC, 3600));
+        storage.setValue(PreferenceKey::bucketDestinationPath, QByteArray("bookmark"));
+        storage.setValue(PreferenceKey::showHideHotKeyCombo, QVariantMap{{QStringLiteral("$date"), 1}});
+        storage.setValue(PreferenceKey::launchAtLogin, true);
+        storage.setValue(PreferenceKey::launchAtLogin, QVariant());
+
+        QCOMPARE(fileObject(path),
+                 QJsonObject({
+                     {QStringLiteral("IsFirstLaunch"), true},
+                     {QStringLiteral("NumberOfDrops"), 12},
+                     {QStringLiteral("LastTemporaryDataSanitationDate"),
+                      QJsonObject{{QStringLiteral("$date"), QStringLiteral("2024-03-01T12:34:56.789Z")}}},
+                     {QStringLiteral("BucketDestinationPath"),
+                      QJsonObject{{QStringLiteral("$data"), QStringLiteral("Ym9va21hcms=")}}},
+                     {QStringLiteral("ShowHideHotKeyCombo"), QJsonObject{{QStringLiteral("$$date"), 1}}},
+                 }));
+    }
+
+    void wholeNumbersReadAsIntegers_data()
+    {
+        QTest::addColumn<QByteArray>("json");
+        QTest::addColumn<QVariant>("expected"); // null: no int
+        QTest::newRow("integer") << QByteArray("5") << QVariant(5);
+        QTest::newRow("written as fraction") << QByteArray("5.0") << QVariant(5);
+        QTest::newRow("exponent") << QByteArray("-1e3") << QVariant(-1000);
+        QTest::newRow("fraction") << QByteArray("5.5") << QVariant();
+        QTest::newRow("beyond int") << QByteArray("4294967296") << QVariant();
+        QTest::newRow("text") << QByteArray("\"5\"") << QVariant();
+        QTest::newRow("bool") << QByteArray("true") << QVariant();
+    }
+
+    void wholeNumbersReadAsIntegers()
+    {
+        QFETCH(QByteArray, json);
+        QFETCH(QVariant, expected);
+
+        QTemporaryDir folder;
+        const QString path = folder.filePath(QStringLiteral("preferences.json"));
+        QVERIFY(Test::writeFile(path, "{\"NumberOfDrops\": " + json + "}"));
+        const Preferences preferences(std::make_unique<SettingsPreferenceStorage>(path));
+        QVERIFY(preferences.storage().value(PreferenceKey::numberOfDrops));
+        QCOMPARE(preferences.storedValue(PreferenceKeys::numberOfDrops),
+                 expected.isNull() ? std::nullopt : std::optional(expected.toInt()));
+    }
+
+    void entriesOfOthersSurviveWrites()
+    {
+        QTemporaryDir folder;
+        const QString path = folder.filePath(QStringLiteral("preferences.json"));
+        const QJsonObject before{
+            {QStringLiteral("SomethingElse"),
+             QJsonObject{{QStringLiteral("deep"), QJsonArray{1, QStringLiteral("x"), QJsonValue::Null}},
+                         {QStringLiteral("$date"), QStringLiteral("not a date")}}},
+            {QStringLiteral("$odd"), 1},
+            {QStringLiteral("IsFirstLaunch"), QStringLiteral("yes")},
+        };
+        QVERIFY(Test::writeFile(path, QJsonDocument(before).toJson()));
+
+        SettingsPreferenceStorage(path).setValue(PreferenceKey::launchAtLogin, true);
+        QJsonObject after = fileObject(path);
+        QCOMPARE(after.take(QStringLiteral("LaunchAtLogin")), QJsonValue(true));
+        QCOMPARE(after, before);
+    }
+
+    void unreadableFileIsSetAside_data()
+    {
+        QTest::addColumn<QByteArray>("content");
+        QTest::newRow("not JSON") << QByteArray("{not json");
+        QTest::newRow("truncated") << QByteArray("{\"NumberOfDrops\": 3,\n\"IsFirstLaunch\": tr");
+        QTest::newRow("array") << QByteArray("[1, 2]");
+        QTest::newRow("INI") << QByteArray("[General]\nIsFirstLaunch=true\n");
+        QTest::newRow("binary") << QByteArray("\xff\xfe\x00\x01", 4);
+    }
+
+    void unreadableFileIsSetAside()
+    {
+        QFETCH(QByteArray, content);
+
+        QTemporaryDir folder;
+        const QString path = folder.filePath(QStringLiteral("preferences.json"));
+        QVERIFY(Test::writeFile(path, content));
+
+        Test::LogCapture log;
+        SettingsPreferenceStorage storage(path);
+        QCOMPARE(log.count(QStringLiteral("is not valid JSON")), 1);
+        QVERIFY(log.contains(path));
+        for (const PreferenceKey key : allPreferenceKeys()) {
+            QCOMPARE(storage.value(key), std::nullopt);
+        }
+        const QStringList aside =
+            QDir(folder.path()).entryList({QStringLiteral("preferences.json.corrupt-*")}, QDir::Files);
+        QCOMPARE(aside.size(), 1);
+
+        storage.setValue(PreferenceKey::numberOfDrops, 1);
+        storage.sync();
+        QCOMPARE(fileObject(path), QJsonObject({{QStringLiteral("NumberOfDrops"), 1}}));
+        QCOMPARE(Test::readFile(folder.filePath(aside.constFirst())), content);
+        QCOMPARE(log.count(QStringLiteral("is not valid JSON")), 1);
+    }
+
+    void refusedAndFailedWritesAreLogged()
+    {
+        QTemporaryDir folder;
+        const QString path = folder.filePath(QStringLiteral("preferences.json"));
+        SettingsPreferenceStorage storage(path);
+        storage.setValue(PreferenceKey::cloudLinkType, QStringLiteral("short"));
+
+        Test::LogCapture log;
+        storage.setValue(PreferenceKey::cloudLinkType, QUrl(QStringLiteral("https://example.org")));
+        QVERIFY(log.contains(QStringLiteral("cannot be stored")));
+        QCOMPARE(storage.value(PreferenceKey::cloudLinkType),
+                 std::optional(QVariant(QStringLiteral("short"))));
+        QCOMPARE(fileObject(path).value(QStringLiteral("CloudLinkType")),
+                 QJsonValue(QStringLiteral("short")));
+
+        // A folder where the file should be: nothing can be saved there, whoever runs the test.
+        const QString blocked = folder.filePath(QStringLiteral("blocked.json"));
+        QVERIFY(QDir().mkpath(blocked));
+        SettingsPreferenceStorage(blocked).setValue(PreferenceKey::numberOfDrops, 1);
+        QVERIFY(log.contains(QStringLiteral("Could not save NumberOfDrops to ") + blocked));
+    }
+
+    void otherProcessSeesWrites()
+    {
+        QTemporaryDir folder;
+        const QString path = folder.filePath(QStringLiteral("preferences.json"));
+        SettingsPreferenceStorage storage(path);
+        storage.setValue(PreferenceKey::numberOfDrops, 1);
+        storage.setValue(PreferenceKey::cloudLinkType, QStringLiteral("long"));
+
+        QCOMPARE(runHelperProcess({QStringLiteral("--write"), path}), QString());
+        storage.sync();
+        QCOMPARE(storage.value(PreferenceKey::numberOfDrops), std::optional(QVariant(s_helperDrops)));
+        QCOMPARE(storage.value(PreferenceKey::lastRatingPromptDate), std::optional(QVariant(s_helperDate)));
+        QCOMPARE(storage.value(PreferenceKey::ignoredApplication),
+                 std::optional(QVariant(s_helperApplications)));
+        QCOMPARE(storage.value(PreferenceKey::cloudLinkType),
+                 std::optional(QVariant(QStringLiteral("long"))));
+
+        // Written here without a sync first: the other process's values must survive it.
+        storage.setValue(PreferenceKey::launchAtLogin, true);
+        const QString read = QStringLiteral("--read");
+        QCOMPARE(runHelperProcess({read, path, QStringLiteral("LaunchAtLogin")}),
+                 QStringLiteral("bool true"));
+        QCOMPARE(runHelperProcess({read, path, QStringLiteral("NumberOfDrops")}),
+                 QStringLiteral("int %1").arg(s_helperDrops));
+        QCOMPARE(runHelperProcess({read, path, QStringLiteral("LastRatingPromptDate")}),
+                 QStringLiteral("QDateTime ") + s_helperDate.toString(Qt::ISODateWithMs));
+    }
+
+    void defaultFileIsInTheConfigFolder()
+    {
+        const QString expected = QStandardPaths::writableLocation(QStandardPaths::GenericConfigLocation) +
+                                 QStringLiteral("/vantrope/preferences.json");
+        QVERIFY(expected.startsWith(QString::fromLocal8Bit(qgetenv("HOME"))));
+        SettingsPreferenceStorage storage;
+        QCOMPARE(storage.filePath(), expected);
+        storage.setValue(PreferenceKey::hasLaunchedApp, true);
+        QCOMPARE(fileObject(expected).value(QStringLiteral("IsFirstLaunch")), QJsonValue(true));
+    }
+};
+
+int main(int argc, char** argv)
+{
+    QCoreApplication app(argc, argv);
+    const QStringList arguments = QCoreApplication::arguments();
+    if (arguments.size() >= 3 && (arguments.at(1) == u"--write" || arguments.at(1) == u"--read")) {
+        return runHelper(arguments);
+    }
+    TestPreferenceStorage test;
+    QTEST_SET_MAIN_SOURCE_PATH
+    return QTest::qExec(&test, argc, argv);
+}
+
+#include "TestPreferenceStorage.moc"
