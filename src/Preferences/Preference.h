@@ -153,30 +153,6 @@ template<> struct PreferenceValueTraits<QByteArray> {
     static QVariant toVariant(const QByteArray& value) { return value; }
 };
 
-// Whether `value` reads as present for a preference of `type`.
-inline bool preferenceValueHasType(const QVariant& value, PreferenceValueType type)
-{
-    switch (type) {
-    case PreferenceValueType::Bool:
-        return PreferenceValueTraits<bool>::fromVariant(value).has_value();
-    case PreferenceValueType::Int:
-        return PreferenceValueTraits<int>::fromVariant(value).has_value();
-    case PreferenceValueType::String:
-        return PreferenceValueTraits<QString>::fromVariant(value).has_value();
-    case PreferenceValueType::StringList:
-        return PreferenceValueTraits<QStringList>::fromVariant(value).has_value();
-    case PreferenceValueType::Dictionary:
-        return PreferenceValueTraits<PreferenceDictionary>::fromVariant(value).has_value();
-    case PreferenceValueType::DictionaryOfDictionaries:
-        return PreferenceValueTraits<PreferenceDictionaryOfDictionaries>::fromVariant(value).has_value();
-    case PreferenceValueType::Date:
-        return PreferenceValueTraits<QDateTime>::fromVariant(value).has_value();
-    case PreferenceValueType::Data:
-        return PreferenceValueTraits<QByteArray>::fromVariant(value).has_value();
-    }
-    return false;
-}
-
 // Lets `Preferences` keep preferences of different value types side by side.
 class PreferenceBase {
 public:
