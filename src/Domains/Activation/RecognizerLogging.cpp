@@ -1,0 +1,3 @@
+#include "RecognizerLogging.h"
+
+Q_LOGGING_CATEGORY(lcRecognizer, "vantrope.recognizer")

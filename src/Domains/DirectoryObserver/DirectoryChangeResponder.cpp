@@ -1,0 +1,16 @@
+#include "DirectoryChangeResponder.h"
+
+namespace Vantrope {
+
+QList<DirectoryChangeResponder*> DirectoryChangeResponder::descendants() const
+{
+    QList<DirectoryChangeResponder*> result;
+    const QList<DirectoryChangeResponder*> children = childResponders();
+    for (DirectoryChangeResponder* child : children) {
+        result.append(child->descendants());
+        result.append(child);
+    }
+    return result;
+}
+
+} // namespace Vantrope

@@ -1,0 +1,3 @@
+#include "DirectoryObserverLogging.h"
+
+Q_LOGGING_CATEGORY(lcDirectoryObserver, "vantrope.directoryobserver")

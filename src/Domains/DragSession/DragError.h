@@ -1,0 +1,24 @@
+#pragma once
+
+#include <QString>
+
+namespace Vantrope {
+
+// Why a drop was refused.
+struct DragError {
+    enum class Kind { rejected, other };
+    enum class RejectionType { empty, existing, combined };
+
+    Kind kind = Kind::other;
+    RejectionType rejection = RejectionType::empty;
+
+    static DragError rejected(RejectionType type) { return {Kind::rejected, type}; }
+    static DragError other() { return {Kind::other, RejectionType::empty}; }
+
+    // The text a shelf shows for it.
+    QString message() const;
+
+    bool operator==(const DragError&) const = default;
+};
+
+} // namespace Vantrope

@@ -1,0 +1,17 @@
+#pragma once
+
+#include "DragError.h"
+#include "Models/Draggable/Draggable.h"
+
+#include <optional>
+
+namespace Vantrope {
+
+// Rules on a drop: absent means the shelf takes it.
+class DragSessionDropValidator final {
+public:
+    static std::optional<DragError> validateDrop(const DraggableList& shelfItems,
+                                                 const DraggableList& droppedItems);
+};
+
+} // namespace Vantrope

@@ -1,0 +1,35 @@
+#pragma once
+
+#include "Platform/Linux/InotifyWatcher.h"
+
+#include <functional>
+#include <memory>
+#include <QString>
+#include <QUrl>
+
+namespace Vantrope {
+
+// Follows one file of a shelf and calls `onChange` when it is renamed, moved or deleted.
+// `onChange` runs on the file event thread.
+class DraggableFileObserver final {
+public:
+    DraggableFileObserver(const QUrl& url, const QString& identifier);
+
+    QUrl url() const { return m_url; }
+    QString identifier() const { return m_identifier; }
+    bool hasSource() const { return m_watch != nullptr; }
+
+    std::function<void()> onChange;
+
+    // Starts following the file. When it cannot be followed the change is reported at once, so the
+    // shelf learns where the file went, or that it is gone.
+    void configure();
+    void cancel();
+
+private:
+    QUrl m_url;
+    QString m_identifier;
+    std::unique_ptr<InotifyWatcher::Watch> m_watch;
+};
+
+} // namespace Vantrope

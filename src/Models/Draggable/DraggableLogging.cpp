@@ -1,0 +1,3 @@
+#include "DraggableLogging.h"
+
+Q_LOGGING_CATEGORY(lcDraggable, "vantrope.draggable")

@@ -1,0 +1,117 @@
+#include "DraggableWebImage.h"
+
+#include "DraggableFile.h"
+#include "DraggableLogging.h"
+#include "DraggableStorage.h"
+#include "Libraries/Core/AtomicFileWriter.h"
+#include "Libraries/Core/FileImages.h"
+#include "Libraries/Core/URL.h"
+#include "Models/Pasteboard/PasteboardTypes.h"
+
+#include <QBuffer>
+#include <QFileInfo>
+#include <QImageReader>
+#include <QPainter>
+#include <QUuid>
+
+namespace Vantrope {
+
+namespace {
+
+// JPEG keeps no transparency; without this, clear pixels would come out black.
+QImage flattened(const QImage& image)
+{
+    if (!image.hasAlphaChannel()) {
+        return image;
+    }
+    QImage opaque(image.size(), QImage::Format_RGB32);
+    opaque.setDevicePixelRatio(image.devicePixelRatio());
+    opaque.fill(Qt::white);
+    QPainter painter(&opaque);
+    painter.drawImage(0, 0, image);
+    painter.end();
+    return opaque;
+}
+
+} // namespace
+
+QStringList DraggableWebImage::readableTypes()
+{
+    QStringList types{PasteboardTypes::png, PasteboardTypes::jpeg};
+    for (const QByteArray& mime : QImageReader::supportedMimeTypes()) {
+        const QString type = QString::fromLatin1(mime);
+        if (!types.contains(type)) {
+            types.append(type);
+        }
+    }
+    return types;
+}
+
+std::shared_ptr<DraggableWebImage>
+DraggableWebImage::fromPasteboard(const PasteboardItem& item, const QString& type, const DraggableContext&)
+{
+    const std::optional<QByteArray> data = item.data(type);
+    if (!data) {
+        qCWarning(lcDraggable) << "Initialized object is not data";
+        return nullptr;
+    }
+    const QImage image = QImage::fromData(*data);
+    if (image.isNull()) {
+        qCWarning(lcDraggable) << "Failed to obtain image representation from data";
+        return nullptr;
+    }
+    QByteArray jpeg;
+    QBuffer buffer(&jpeg);
+    buffer.open(QIODevice::WriteOnly);
+    if (!flattened(image).save(&buffer, "JPEG")) {
+        qCWarning(lcDraggable) << "Failed to convert to JPG";
+        return nullptr;
+    }
+    const std::optional<QString> path = DraggableStorage::filePath(
+        ReservedTemporaryDirectory::promises,
+        QUuid::createUuid().toString(QUuid::WithoutBraces) + QStringLiteral(".jpg"));
+    if (!path) {
+        qCWarning(lcDraggable) << "Failed to save compressed image to disk with error no temporary folder";
+        return nullptr;
+    }
+    if (const auto written = AtomicFileWriter::write(*path, jpeg); !written) {
+        qCWarning(lcDraggable).noquote()
+            << QStringLiteral("Failed to save compressed image to disk with error ") +
+                   written.error().description();
+        return nullptr;
+    }
+    return std::make_shared<DraggableWebImage>(Tag{}, QUrl::fromLocalFile(*path));
+}
+
+DraggableWebImage::DraggableWebImage(Tag, const QUrl& url)
+    : m_url(url)
+    , m_cacheKey(DraggableFile::standardizedKey(url))
+    , m_systemFileNumber(URL::systemFileNumber(url))
+{}
+
+QImage DraggableWebImage::image(bool iconOnly, const QSize& size) const
+{
+    const QString path = m_url.toLocalFile();
+    return iconOnly ? FileImages::iconImage(path, size) : FileImages::previewImage(path, size);
+}
+
+void DraggableWebImage::resolveUrl(ResolveCompletion completion)
+{
+    resolveOnMain(std::move(completion), m_url);
+}
+
+PasteboardItem DraggableWebImage::pasteboardItem() const
+{
+    PasteboardItem item;
+    item.setData(PasteboardTypes::uriList, m_url.toEncoded());
+    return item;
+}
+
+QString DraggableWebImage::description() const
+{
+    return QStringLiteral("<DraggableWebImage: 0x%1, file: %2>")
+        .arg(quintptr(this), 0, 16)
+        .arg(QFileInfo(m_url.toLocalFile()).fileName());
+}
+
+} // namespace Vantrope

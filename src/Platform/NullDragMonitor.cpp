@@ -1,0 +1,13 @@
+#include "NullDragMonitor.h"
+
+#include "Domains/Activation/RecognizerLogging.h"
+
+namespace Vantrope {
+
+NullDragMonitor::NullDragMonitor(QString reason)
+    : m_reason(std::move(reason))
+{
+    qCWarning(lcRecognizer).noquote() << "Drag gestures are unavailable:" << m_reason;
+}
+
+} // namespace Vantrope

@@ -1,0 +1,474 @@
+#include "Domains/Activation/DragRecognizer.h"
+#include "Domains/Activation/DragRecognizerConfiguration.h"
+#include "Domains/Activation/DragRecognizerDelegate.h"
+#include "Domains/Activation/TransientProperties.h"
+#include "Libraries/Core/ManualClock.h"
+#include "Platform/DragMonitorFactory.h"
+#include "Preferences/MemoryPreferenceStorage.h"
+#include "Preferences/Preferences.h"
+#include "support/TestSupport.h"
+
+#include <QTest>
+
+using namespace Vantrope;
+
+namespace {
+
+constexpr quint64 appWindow = 0x100;
+constexpr quint64 ignoredWindow = 0x200;
+constexpr quint64 dockWindow = 0x300;
+constexpr double step = 0.02;
+
+class FakeDragMonitor final : public DragMonitor {
+public:
+    bool isAvailable() const override { return true; }
+    QString unavailableReason() const override { return {}; }
+    QPointF mouseLocation() override { return pointer; }
+    qint64 dragPasteboardChangeCount() override
+    {
+        ++changeCountReads;
+        return changeCount;
+    }
+    std::vector<WindowEntry> windowList() override
+    {
+        ++listings;
+        return windows;
+    }
+
+    void drag(QPointF point, quint64 window, EventModifierFlags modifiers = {})
+    {
+        deliver({GlobalMouseEvent::Type::leftMouseDragged, point, window, modifiers});
+    }
+    void up() { deliver({GlobalMouseEvent::Type::leftMouseUp, pointer, 0, {}}); }
+
+    QPointF pointer{777, 333};
+    qint64 changeCount = 40;
+    int changeCountReads = 0;
+    int listings = 0;
+    std::vector<WindowEntry> windows{{appWindow, QStringLiteral("Files"), false},
+                                     {ignoredWindow, QStringLiteral("Terminal"), false},
+                                     {dockWindow, QStringLiteral("Plank"), true},
+                                     {0x400, QString(), false}};
+};
+
+class RecordingDelegate final : public DragRecognizerDelegate {
+public:
+    void dragRecognizerDidBegin(std::optional<QPointF> location) override { began.append(location); }
+    void dragRecognizerDidEnd(SessionCloseFilter filter) override { ended.append(filter); }
+
+    QList<std::optional<QPointF>> began;
+    QList<SessionCloseFilter> ended;
+};
+
+// x positions of a normal shake that completes on its last point: three set-up points, then six runs.
+QList<double> completingShake()
+{
+    QList<double> xs{400, 400, 400};
+    double x = 400;
+    for (int run = 0; run < 6; ++run) {
+        for (int i = 0; i < (run == 5 ? 1 : 3); ++i) {
+            x += run % 2 == 0 ? 10 : -10;
+            xs.append(x);
+        }
+    }
+    return xs;
+}
+
+} // namespace
+
+// The recognizer's decisions, fed from a fake monitor on a manual clock.
+class TestDragRecognizer final : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void initTestCase() { Test::isolateStandardPaths(); }
+
+    void init()
+    {
+        m_clock = std::make_unique<ManualClock>();
+        m_monitor = std::make_unique<FakeDragMonitor>();
+        m_properties = std::make_unique<TransientProperties>();
+        m_recognizer =
+            std::make_unique<DragRecognizer>(*m_monitor, *m_clock, DispatchQueue::main(), m_properties.get());
+        m_delegate = std::make_unique<RecordingDelegate>();
+        m_recognizer->setDelegate(m_delegate.get());
+        m_recognizer->setIgnoredApplications({QStringLiteral("Terminal")});
+    }
+
+    void cleanup()
+    {
+        m_recognizer.reset();
+        m_monitor.reset();
+    }
+
+    void begins_data()
+    {
+        QTest::addColumn<bool>("modifierHeld");
+        QTest::addColumn<bool>("content");
+        QTest::addColumn<quint64>("window");
+        QTest::addColumn<bool>("shakeDisabled");
+        QTest::addColumn<bool>("cancelled");
+        QTest::addColumn<bool>("began");
+
+        QTest::newRow("shake with content") << false << true << appWindow << false << false << true;
+        QTest::newRow("shake without content") << false << false << appWindow << false << false << false;
+        QTest::newRow("shake from a dock without content") << false << false << dockWindow << false << false
+                                                           << true;
+        QTest::newRow("shake in an ignored application") << false << true << ignoredWindow << false << false
+                                                         << false;
+        QTest::newRow("shake switched off") << false << true << appWindow << true << false << false;
+        QTest::newRow("shake while cancelled") << false << true << appWindow << false << true << false;
+        QTest::newRow("modifier with content") << true << true << appWindow << false << false << true;
+        QTest::newRow("modifier with shaking switched off") << true << true << appWindow << true << false << true;
+        QTest::newRow("modifier without content") << true << false << appWindow << false << false << false;
+        QTest::newRow("modifier from a dock") << true << false << dockWindow << false << false << true;
+        QTest::newRow("modifier in an ignored application") << true << true << ignoredWindow << false << false
+                                                            << false;
+        QTest::newRow("modifier while cancelled") << true << true << appWindow << false << true << false;
+    }
+
+    void begins()
+    {
+        QFETCH(bool, modifierHeld);
+        QFETCH(bool, content);
+        QFETCH(quint64, window);
+        QFETCH(bool, shakeDisabled);
+        QFETCH(bool, cancelled);
+        QFETCH(bool, began);
+
+        m_recognizer->setModifierFlags(EventModifierFlag::control);
+        m_recognizer->setShakeGestureDetectionDisabled(shakeDisabled);
+        // A dock's window is known as one only after a listing: an earlier drag lists the windows.
+        m_monitor->drag({0, 0}, 0x999);
+        m_monitor->up();
+        m_clock->advance(2);
+        if (cancelled) {
+            m_recognizer->setState(DragRecognizer::State::cancelled());
+        }
+
+        m_monitor->drag({400, 300}, window);
+        if (content) {
+            ++m_monitor->changeCount;
+        }
+        m_clock->advance(PasteboardWatchDog::pollInterval);
+        QCOMPARE(m_recognizer->didUpdatePasteboardContent(), content);
+
+        const EventModifierFlags held = modifierHeld ? EventModifierFlags(EventModifierFlag::control |
+                                                                         EventModifierFlag::shift)
+                                                     : EventModifierFlags(EventModifierFlag::shift);
+        const QList<double> xs = modifierHeld ? QList<double>{420} : completingShake();
+        for (const double x : xs) {
+            m_monitor->drag({x, 300}, window, held);
+            m_clock->advance(step);
+        }
+
+        QCOMPARE(m_delegate->began.size(), began ? 1 : 0);
+        QCOMPARE(m_recognizer->state().kind == DragRecognizer::State::Kind::began, began);
+        if (began) {
+            QCOMPARE(m_delegate->began.first(), std::optional(QPointF(xs.last(), 300)));
+            const DragRecognizer::State& state = m_recognizer->state();
+            QVERIFY(state.event);
+            QCOMPARE(state.event->locationInWindow, QPointF(xs.last(), 300));
+        }
+        QCOMPARE(m_properties->isDragging(), !cancelled);
+        QCOMPARE(m_properties->isDraggingPasteboardContent(), began || (content && !cancelled));
+    }
+
+    void dockNeedsAListingFirst()
+    {
+        m_recognizer->setModifierFlags(EventModifierFlag::control);
+        // The first drag from a dock window nobody has listed yet opens nothing, but lists the windows.
+        m_monitor->drag({400, 300}, dockWindow, EventModifierFlag::control);
+        QVERIFY(!m_recognizer->isDockSession());
+        QCOMPARE(m_delegate->began.size(), 0);
+        QVERIFY(m_recognizer->ownerNameCache().dockWindowNumbers().contains(dockWindow));
+        m_monitor->up();
+        m_clock->advance(1);
+
+        m_monitor->drag({400, 300}, dockWindow, EventModifierFlag::control);
+        QVERIFY(m_recognizer->isDockSession());
+        QCOMPARE(m_delegate->began.size(), 1);
+    }
+
+    void lateContentBeginsAtThePointer_data()
+    {
+        QTest::addColumn<quint64>("window");
+        QTest::addColumn<bool>("complete");
+
+        QTest::newRow("complete shake") << appWindow << true;
+        QTest::newRow("complete shake in an ignored application") << ignoredWindow << true;
+        QTest::newRow("incomplete shake") << appWindow << false;
+    }
+
+    void lateContentBeginsAtThePointer()
+    {
+        QFETCH(quint64, window);
+        QFETCH(bool, complete);
+
+        QList<double> xs = completingShake();
+        if (!complete) {
+            xs.removeLast();
+        }
+        for (const double x : xs) {
+            m_monitor->drag({x, 300}, window);
+            m_clock->advance(step);
+        }
+        QCOMPARE(m_recognizer->session().complete, complete);
+        QCOMPARE(m_delegate->began.size(), 0);
+
+        ++m_monitor->changeCount;
+        m_clock->advance(PasteboardWatchDog::pollInterval);
+        QVERIFY(m_recognizer->didUpdatePasteboardContent());
+        QCOMPARE(m_delegate->began.size(), complete ? 1 : 0);
+        if (complete) {
+            QCOMPARE(m_delegate->began.first(), std::optional(m_monitor->pointer));
+            QVERIFY(!m_recognizer->state().event);
+        }
+    }
+
+    void endsAfterTheRelease()
+    {
+        m_monitor->drag({400, 300}, appWindow);
+        ++m_monitor->changeCount;
+        m_clock->advance(PasteboardWatchDog::pollInterval);
+        m_recognizer->setModifierFlags(EventModifierFlag::shift);
+        m_monitor->drag({410, 300}, appWindow, EventModifierFlag::shift);
+        QCOMPARE(m_delegate->began.size(), 1);
+
+        m_monitor->up();
+        QVERIFY(!m_properties->isDragging());
+        QVERIFY(!m_properties->isDraggingPasteboardContent());
+        QVERIFY(!m_recognizer->pasteboardWatchDog().polling());
+        const int reads = m_monitor->changeCountReads;
+        m_clock->advance(DragRecognizer::finishDelay - 0.01);
+        QVERIFY(m_delegate->ended.isEmpty());
+        m_clock->advance(0.02);
+        QCOMPARE(m_delegate->ended, QList<SessionCloseFilter>{SessionCloseFilter::empty});
+        QVERIFY(m_recognizer->state().kind == DragRecognizer::State::Kind::none);
+        QVERIFY(!m_recognizer->session().initialPosition);
+        QVERIFY(!m_recognizer->session().lastDirection);
+        m_clock->advance(5);
+        QCOMPARE(m_monitor->changeCountReads, reads);
+
+        // The next drag starts from scratch and polls again.
+        m_monitor->drag({500, 300}, appWindow, EventModifierFlag::shift);
+        QCOMPARE(m_delegate->began.size(), 1);
+        QVERIFY(m_recognizer->pasteboardWatchDog().polling());
+    }
+
+    void releaseWithoutGestureKeepsTheSession()
+    {
+        const QList<double> xs = completingShake().mid(0, 12);
+        for (const double x : xs) {
+            m_monitor->drag({x, 300}, appWindow);
+            m_clock->advance(step);
+        }
+        const int turns = m_recognizer->session().currentNumberOfTurns;
+        QVERIFY(turns > 0);
+        m_monitor->up();
+        m_clock->advance(DragRecognizer::finishDelay);
+        QVERIFY(m_delegate->ended.isEmpty());
+        QCOMPARE(m_recognizer->session().currentNumberOfTurns, turns);
+        QCOMPARE(m_recognizer->session().initialPosition, std::optional(QPointF(400, 300)));
+
+        // Past the one-second window the next drag's events clear the old count.
+        m_clock->advance(1);
+        m_monitor->drag({300, 300}, appWindow);
+        QCOMPARE(m_recognizer->session().currentNumberOfTurns, 0);
+    }
+
+    void watchDogPollsOnlyWhenAsked()
+    {
+        qint64 count = 5;
+        int reads = 0;
+        int updates = 0;
+        PasteboardWatchDog watchDog([&] {
+            ++reads;
+            return count;
+        }, *m_clock, DispatchQueue::main());
+        watchDog.setUpdateHandler([&] { ++updates; });
+        m_clock->advance(1);
+        QCOMPARE(reads, 0);
+
+        watchDog.setPolling(true);
+        m_clock->advance(0.5);
+        QCOMPARE(reads, 3);
+        count = 6;
+        m_clock->advance(0.2);
+        // The count is read again after the handler, so one change is reported once.
+        m_clock->advance(1);
+        QCOMPARE(updates, 1);
+        QCOMPARE(watchDog.changeCount(), 6);
+
+        watchDog.setPolling(false);
+        const int readsWhenStopped = reads;
+        m_clock->advance(2);
+        QCOMPARE(reads, readsWhenStopped);
+        // A stop and a start within one interval leave a single tick running.
+        watchDog.setPolling(true);
+        watchDog.setPolling(false);
+        watchDog.setPolling(true);
+        m_clock->advance(0.3);
+        QCOMPARE(reads, readsWhenStopped + 3);
+    }
+
+    void ownerNamesAreListedOncePerWindow()
+    {
+        EventWindowOwnerNameCache cache([this] { return m_monitor->windowList(); });
+        QCOMPARE(cache.ownerName(appWindow), std::optional(QStringLiteral("Files")));
+        QCOMPARE(m_monitor->listings, 1);
+        // Served from the last listing, then from the cache.
+        QCOMPARE(cache.ownerName(ignoredWindow), std::optional(QStringLiteral("Terminal")));
+        QCOMPARE(cache.ownerName(appWindow), std::optional(QStringLiteral("Files")));
+        QCOMPARE(m_monitor->listings, 1);
+        QCOMPARE(cache.dockWindowNumbers(), QSet<quint64>{dockWindow});
+
+        // A window no listing names is listed for once, and stays nameless.
+        QCOMPARE(cache.ownerName(0x400), std::nullopt);
+        QCOMPARE(cache.ownerName(0x400), std::nullopt);
+        QCOMPARE(m_monitor->listings, 2);
+
+        // A name in the cache survives the window's disappearance from later listings.
+        m_monitor->windows = {{0x500, QStringLiteral("Editor"), false}};
+        QCOMPARE(cache.ownerName(0x500), std::optional(QStringLiteral("Editor")));
+        QCOMPARE(cache.ownerName(appWindow), std::optional(QStringLiteral("Files")));
+        QCOMPARE(cache.ownerName(ignoredWindow), std::optional(QStringLiteral("Terminal")));
+        QCOMPARE(m_monitor->listings, 3);
+    }
+
+    void configuration_data()
+    {
+        QTest::addColumn<QVariantMap>("stored");
+        QTest::addColumn<DragRecognizer::Sensitivity>("sensitivity");
+        QTest::addColumn<bool>("shakeDisabled");
+        QTest::addColumn<QStringList>("ignored");
+        QTest::addColumn<std::optional<EventModifierFlags>>("modifier");
+
+        using S = DragRecognizer::Sensitivity;
+        const auto flags = [](EventModifierFlag flag) { return std::optional(EventModifierFlags(flag)); };
+        QTest::newRow("nothing stored") << QVariantMap{} << S::normal << false << QStringList{}
+                                        << std::optional<EventModifierFlags>();
+        QTest::newRow("high") << QVariantMap{{QStringLiteral("ShakeGestureSensitivity"), 1}} << S::high << false
+                              << QStringList{} << std::optional<EventModifierFlags>();
+        QTest::newRow("ludicrous") << QVariantMap{{QStringLiteral("ShakeGestureSensitivity"), 2}} << S::ludicrous
+                                   << false << QStringList{} << std::optional<EventModifierFlags>();
+        QTest::newRow("unknown sensitivity") << QVariantMap{{QStringLiteral("ShakeGestureSensitivity"), 7}}
+                                             << S::normal << false << QStringList{}
+                                             << std::optional<EventModifierFlags>();
+        QTest::newRow("sensitivity of the wrong type")
+            << QVariantMap{{QStringLiteral("ShakeGestureSensitivity"), QStringLiteral("high")}} << S::normal
+            << false << QStringList{} << std::optional<EventModifierFlags>();
+        QTest::newRow("shake off") << QVariantMap{{QStringLiteral("ShakeGestureDisabled"), true}} << S::normal
+                                   << true << QStringList{} << std::optional<EventModifierFlags>();
+        QTest::newRow("ignored applications")
+            << QVariantMap{{QStringLiteral("IgnoredApplications"),
+                            QStringList{QStringLiteral("Terminal.app"), QStringLiteral("My.app.Tool.app"),
+                                        QStringLiteral("gimp")}}}
+            << S::normal << false
+            << QStringList{QStringLiteral("Terminal"), QStringLiteral("My.Tool"), QStringLiteral("gimp")}
+            << std::optional<EventModifierFlags>();
+        QTest::newRow("modifier off") << QVariantMap{{QStringLiteral("ShelfTriggerModifierKeyEnabled"), false},
+                                                     {QStringLiteral("ShelfTriggerModifierKey"),
+                                                      QStringLiteral("control")}}
+                                      << S::normal << false << QStringList{} << std::optional<EventModifierFlags>();
+        QTest::newRow("shift") << QVariantMap{{QStringLiteral("ShelfTriggerModifierKeyEnabled"), true},
+                                              {QStringLiteral("ShelfTriggerModifierKey"), QStringLiteral("shift")}}
+                               << S::normal << false << QStringList{} << flags(EventModifierFlag::shift);
+        QTest::newRow("command is Super")
+            << QVariantMap{{QStringLiteral("ShelfTriggerModifierKeyEnabled"), true},
+                           {QStringLiteral("ShelfTriggerModifierKey"), QStringLiteral("command")}}
+            << S::normal << false << QStringList{} << flags(EventModifierFlag::command);
+        QTest::newRow("control") << QVariantMap{{QStringLiteral("ShelfTriggerModifierKeyEnabled"), true},
+                                                {QStringLiteral("ShelfTriggerModifierKey"),
+                                                 QStringLiteral("control")}}
+                                 << S::normal << false << QStringList{} << flags(EventModifierFlag::control);
+        QTest::newRow("unknown key is shift")
+            << QVariantMap{{QStringLiteral("ShelfTriggerModifierKeyEnabled"), true},
+                           {QStringLiteral("ShelfTriggerModifierKey"), QStringLiteral("hyper")}}
+            << S::normal << false << QStringList{} << flags(EventModifierFlag::shift);
+    }
+
+    void configuration()
+    {
+        QFETCH(QVariantMap, stored);
+        QFETCH(DragRecognizer::Sensitivity, sensitivity);
+        QFETCH(bool, shakeDisabled);
+        QFETCH(QStringList, ignored);
+        QFETCH(std::optional<EventModifierFlags>, modifier);
+
+        Preferences preferences(std::make_unique<MemoryPreferenceStorage>());
+        for (auto it = stored.cbegin(); it != stored.cend(); ++it) {
+            preferences.storage().setValue(*preferenceKeyFromStoredName(it.key()), it.value());
+        }
+        m_recognizer->setIgnoredApplications({QStringLiteral("stale")});
+        DragRecognizerConfiguration configuration(preferences, *m_recognizer);
+
+        QCOMPARE(m_recognizer->sensitivity(), sensitivity);
+        QCOMPARE(m_recognizer->session().treshold, DragRecognizer::treshold(sensitivity));
+        QCOMPARE(m_recognizer->shakeGestureDetectionDisabled(), shakeDisabled);
+        QCOMPARE(m_recognizer->ignoredApplications(), ignored);
+        QCOMPARE(m_recognizer->modifierFlags(), modifier);
+    }
+
+    void configurationFollowsChanges()
+    {
+        Preferences preferences(std::make_unique<MemoryPreferenceStorage>());
+        preferences.setValue(PreferenceKeys::shakeGestureSensitivity, 1);
+        DragRecognizerConfiguration configuration(preferences, *m_recognizer);
+        QCOMPARE(m_recognizer->sensitivity(), DragRecognizer::Sensitivity::high);
+
+        // A change to an index beyond the table is ignored rather than read as normal.
+        preferences.setValue(PreferenceKeys::shakeGestureSensitivity, 3);
+        QCOMPARE(m_recognizer->sensitivity(), DragRecognizer::Sensitivity::high);
+        preferences.setValue(PreferenceKeys::shakeGestureSensitivity, 2);
+        QCOMPARE(m_recognizer->sensitivity(), DragRecognizer::Sensitivity::ludicrous);
+        QCOMPARE(m_recognizer->session().treshold.requiredNumberOfTurns, 1);
+
+        preferences.setValue(PreferenceKeys::shakeGestureDisabled, true);
+        QVERIFY(m_recognizer->shakeGestureDetectionDisabled());
+        preferences.setValue(PreferenceKeys::ignoredApplication, {QStringLiteral("Files.app")});
+        QCOMPARE(m_recognizer->ignoredApplications(), QStringList{QStringLiteral("Files")});
+
+        preferences.setValue(PreferenceKeys::shelfTriggerModifierKey, QStringLiteral("control"));
+        QCOMPARE(m_recognizer->modifierFlags(), std::nullopt);
+        preferences.setValue(PreferenceKeys::shelfTriggerModifierKeyEnabled, true);
+        QCOMPARE(m_recognizer->modifierFlags(), std::optional(EventModifierFlags(EventModifierFlag::control)));
+        preferences.setValue(PreferenceKeys::shelfTriggerModifierKeyEnabled, false);
+        QCOMPARE(m_recognizer->modifierFlags(), std::nullopt);
+    }
+
+    void unavailableMonitorSaysWhy_data()
+    {
+        QTest::addColumn<DisplayEnvironment::Kind>("kind");
+        QTest::addColumn<QByteArray>("display");
+
+        QTest::newRow("wayland") << DisplayEnvironment::Kind::wayland << QByteArray();
+        QTest::newRow("headless") << DisplayEnvironment::Kind::headless << QByteArray();
+#ifdef WITH_X11
+        QTest::newRow("unreachable X display") << DisplayEnvironment::Kind::x11 << QByteArray(":97531");
+#endif
+    }
+
+    void unavailableMonitorSaysWhy()
+    {
+        QFETCH(DisplayEnvironment::Kind, kind);
+        QFETCH(QByteArray, display);
+
+        Test::LogCapture log;
+        const std::unique_ptr<DragMonitor> monitor = DragMonitorFactory::create(kind, display);
+        QVERIFY(!monitor->isAvailable());
+        QVERIFY(!monitor->unavailableReason().isEmpty());
+        QCOMPARE(log.count(QStringLiteral("Drag gestures are unavailable: ")), 1);
+        QVERIFY(log.contains(monitor->unavailableReason()));
+    }
+
+private:
+    std::unique_ptr<ManualClock> m_clock;
+    std::unique_ptr<FakeDragMonitor> m_monitor;
+    std::unique_ptr<TransientProperties> m_properties;
+    std::unique_ptr<DragRecognizer> m_recognizer;
+    std::unique_ptr<RecordingDelegate> m_delegate;
+};
+
+QTEST_GUILESS_MAIN(TestDragRecognizer)
+#include "TestDragRecognizer.moc"

@@ -1,0 +1,209 @@
+#include "Domains/DirectoryObserver/DirectoryObserverCoordinator.h"
+#include "FolderTestSupport.h"
+#include "support/TestSupport.h"
+
+#include <QDir>
+#include <QTemporaryDir>
+
+using namespace Vantrope;
+using namespace Qt::StringLiterals;
+
+namespace {
+
+// Shelves as the root coordinator would keep them.
+class TestShelves final : public DirectoryObserverCoordinatorDataSource {
+public:
+    struct Shelf {
+        QString identifier;
+        QList<QUrl> files;
+        QStringList messages;
+        bool open = true;
+    };
+    QList<Shelf> shelves;
+
+    bool appendFiles(const QString& shelfIdentifier, const QList<QUrl>& files) override
+    {
+        Shelf* shelf = find(shelfIdentifier);
+        if (!shelf || !shelf->open) {
+            return false;
+        }
+        shelf->files.append(files);
+        return true;
+    }
+    std::optional<QString> createShelf(const QList<QUrl>& files) override
+    {
+        shelves.append({u"shelf-%1"_s.arg(shelves.size()), files, {}, true});
+        return shelves.last().identifier;
+    }
+    void showMessage(const QString& shelfIdentifier, const QString& text) override
+    {
+        if (Shelf* shelf = find(shelfIdentifier)) {
+            shelf->messages.append(text);
+        }
+    }
+
+private:
+    Shelf* find(const QString& identifier)
+    {
+        for (Shelf& shelf : shelves) {
+            if (shelf.identifier == identifier) {
+                return &shelf;
+            }
+        }
+        return nullptr;
+    }
+};
+
+struct Fixture {
+    QTemporaryDir root;
+    QString folder = root.path() + u"/Inbox"_s;
+    ManualClock clock;
+    TestShelves shelves;
+    DirectoryObserverCoordinator coordinator{clock};
+
+    Fixture()
+    {
+        QDir().mkpath(folder);
+        coordinator.setDataSource(&shelves);
+    }
+    ~Fixture() { coordinator.setDataSource(nullptr); }
+
+    QUrl url() const { return QUrl::fromLocalFile(folder); }
+    bool write(const QString& name) const { return Test::writeFile(folder + QLatin1Char('/') + name, "content"); }
+    bool pass()
+    {
+        DirectoryObserver& observer = coordinator.observer(url());
+        const bool ran = Test::runPass(clock, [&] { return Test::treePasses(observer); });
+        QCoreApplication::sendPostedEvents();
+        return ran;
+    }
+};
+
+} // namespace
+
+class TestDirectoryObserverCoordinator final : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void initTestCase() { Test::isolateStandardPaths(); }
+
+    void reportsBecomeShelves_data()
+    {
+        QTest::addColumn<bool>("appendsToInitialShelf");
+        // Shelves after two reports, and after a third that follows the closing of the last shelf.
+        QTest::addColumn<int>("shelvesAfterTwo");
+        QTest::addColumn<int>("shelvesAfterClose");
+        QTest::newRow("append to the folder's shelf") << true << 1 << 2;
+        QTest::newRow("a shelf per report") << false << 2 << 3;
+    }
+
+    void reportsBecomeShelves()
+    {
+        QFETCH(bool, appendsToInitialShelf);
+        QFETCH(int, shelvesAfterTwo);
+        QFETCH(int, shelvesAfterClose);
+
+        Fixture f;
+        ObservedDirectory stored = ObservedDirectory::make(f.url(), "bookmark");
+        stored.options.appendsToInitialShelf = appendsToInitialShelf;
+        f.coordinator.startObservingAtLaunch({stored});
+
+        QVERIFY(f.write(u"first.pdf"_s));
+        QVERIFY(f.pass());
+        QVERIFY(f.write(u"second.pdf"_s));
+        QVERIFY(f.pass());
+        QCOMPARE(f.shelves.shelves.size(), shelvesAfterTwo);
+        QCOMPARE(f.shelves.shelves.first().messages, QStringList{u"1 PDF from Inbox"_s});
+        QCOMPARE(f.shelves.shelves.last().messages.size(), 1);
+        QCOMPARE(f.shelves.shelves.first().files.size(), 3 - shelvesAfterTwo);
+
+        f.shelves.shelves.last().open = false;
+        QVERIFY(f.write(u"third.png"_s));
+        QVERIFY(f.pass());
+        QCOMPARE(f.shelves.shelves.size(), shelvesAfterClose);
+        QCOMPARE(f.shelves.shelves.last().files, QList<QUrl>{QUrl::fromLocalFile(f.folder + u"/third.png"_s)});
+        QCOMPARE(f.shelves.shelves.last().messages, QStringList{u"1 image from Inbox"_s});
+    }
+
+    void launchSkipsPausedFoldersAndCopiesOptions()
+    {
+        Fixture f;
+        const QString other = f.root.path() + u"/Paused"_s;
+        QVERIFY(QDir().mkpath(f.folder + u"/nested"_s) && QDir().mkpath(other));
+        ObservedDirectory running = ObservedDirectory::make(f.url(), "a");
+        running.options.observesNestedDirectories = true;
+        running.options.rulesCaseSensitive = true;
+        running.filters = {{DirectoryObserverFilter::OperatorType::And,
+                            DirectoryObserverItemMatcher::fileName(
+                                {DirectoryObserverItemMatcher::StringMatching::Comparison::endsWith, u".PDF"_s})}};
+        ObservedDirectory paused = ObservedDirectory::make(QUrl::fromLocalFile(other), "b");
+        paused.lifecycle.isStopped = true;
+
+        f.coordinator.startObservingAtLaunch({running, paused});
+        QCOMPARE(f.coordinator.observationStatus(QUrl::fromLocalFile(other)),
+                 DirectoryObserverCoordinator::ObservationStatus::notObserving);
+        QCOMPARE(f.coordinator.observationStatus(f.url()), DirectoryObserverCoordinator::ObservationStatus::observing);
+        QCOMPARE(f.coordinator.observer(f.url()).numberOfResponders(), 2);
+
+        QVERIFY(Test::writeFile(f.folder + u"/nested/lower.pdf"_s, "x") && f.write(u"UPPER.PDF"_s));
+        QVERIFY(f.pass());
+        QCOMPARE(f.shelves.shelves.size(), 1);
+        QCOMPARE(f.shelves.shelves.first().files, QList<QUrl>{QUrl::fromLocalFile(f.folder + u"/UPPER.PDF"_s)});
+    }
+
+    void restriction()
+    {
+        Fixture f;
+        DirectoryObserver& observer = f.coordinator.observer(f.url());
+        QVERIFY(f.coordinator.startObserving(observer).has_value());
+        QCOMPARE(f.coordinator.startObserving(observer).error(), ObservedDirectoryStartObservationError::alreadyObserving);
+        QVERIFY(f.write(u"first.txt"_s));
+        QVERIFY(f.pass());
+        QVERIFY(f.coordinator.shelfIdentifier(f.url()).has_value());
+
+        f.coordinator.restrictDirectory(QUrl::fromLocalFile(f.folder + u"/"_s));
+        QVERIFY(!observer.isRunning());
+        QVERIFY(!f.coordinator.shelfIdentifier(f.url()).has_value());
+        QCOMPARE(f.coordinator.observationStatus(f.url()), DirectoryObserverCoordinator::ObservationStatus::restricted);
+        QCOMPARE(f.coordinator.startObserving(observer).error(), ObservedDirectoryStartObservationError::restricted);
+
+        // Equality, not containment: a folder inside may still be watched.
+        const QUrl inner = QUrl::fromLocalFile(f.folder + u"/inner"_s);
+        QVERIFY(QDir().mkpath(inner.toLocalFile()));
+        QVERIFY(f.coordinator.startObserving(f.coordinator.observer(inner)).has_value());
+        QCOMPARE(f.coordinator.observationStatus(inner), DirectoryObserverCoordinator::ObservationStatus::observing);
+
+        QVERIFY(f.coordinator.removeObserver(inner));
+        QVERIFY(!f.coordinator.removeObserver(inner));
+        QCOMPARE(f.coordinator.observationStatus(inner), DirectoryObserverCoordinator::ObservationStatus::notObserving);
+    }
+
+    void changesWithNowhereToGoAreDropped()
+    {
+        Fixture f;
+        f.coordinator.setDataSource(nullptr);
+        QVERIFY(f.coordinator.startObserving(f.coordinator.observer(f.url())).has_value());
+        Test::LogCapture log;
+        QVERIFY(f.write(u"lost.txt"_s));
+        QVERIFY(f.pass());
+        QVERIFY(log.contains(u"but we don't have any datasource to obtain a drag session coordinator"_s));
+
+        // A file gone before its report is handled gives no item.
+        f.coordinator.setDataSource(&f.shelves);
+        QVERIFY(f.write(u"fleeting.txt"_s));
+        QTRY_VERIFY(f.clock.pendingCount() > 0);
+        f.clock.advance(0.4);
+        QVERIFY(QFile::remove(f.folder + u"/fleeting.txt"_s));
+        QCoreApplication::sendPostedEvents();
+        QVERIFY(f.shelves.shelves.isEmpty());
+        QVERIFY(log.contains(u"Failed to map the new items to draggable files"_s));
+
+        QVERIFY(f.write(u"kept.txt"_s));
+        QVERIFY(f.pass());
+        QCOMPARE(f.shelves.shelves.size(), 1);
+        QCOMPARE(f.shelves.shelves.first().files, QList<QUrl>{QUrl::fromLocalFile(f.folder + u"/kept.txt"_s)});
+    }
+};
+
+QTEST_GUILESS_MAIN(TestDirectoryObserverCoordinator)
+#include "TestDirectoryObserverCoordinator.moc"

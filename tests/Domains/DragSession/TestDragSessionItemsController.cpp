@@ -1,0 +1,158 @@
+#include "Domains/DragSession/DragSessionItemsController.h"
+#include "Models/Draggable/DraggableFile.h"
+#include "support/TestSupport.h"
+
+#include <QDir>
+#include <QFile>
+#include <QSignalSpy>
+#include <QStandardPaths>
+#include <QTemporaryDir>
+#include <QTest>
+
+using namespace Vantrope;
+
+class TestDragSessionItemsController final : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void initTestCase()
+    {
+        Test::isolateStandardPaths();
+        // Qt's trash wants the data folder to exist before it puts anything there.
+        QDir().mkpath(QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation));
+    }
+
+    void init() { QVERIFY(m_dir.isValid()); }
+
+    void renameGivesOneChangeWithTheNewUrl()
+    {
+        DragSessionItemsController controller;
+        QSignalSpy changes(&controller, &DragSessionItemsController::itemChanged);
+        QSignalSpy deletions(&controller, &DragSessionItemsController::itemsDeleted);
+        const auto item = addProcessed(controller, QStringLiteral("draft.txt"));
+        QVERIFY(item);
+        QVERIFY(controller.bookmark(*item->systemFileNumber()));
+
+        const QString renamed = m_dir.filePath(QStringLiteral("final.txt"));
+        QVERIFY(QFile::rename(m_dir.filePath(QStringLiteral("draft.txt")), renamed));
+        QTRY_COMPARE(changes.size(), 1);
+        const auto context = changes.first().first().value<DragSessionItemsController::ItemChangeContext>();
+        QCOMPARE(context.newUrl, QUrl::fromLocalFile(renamed));
+        QCOMPARE(context.oldUrl, item->url().value());
+        QCOMPARE(context.draggable.get(), item.get());
+        // Nothing else follows: no deletion, no second change.
+        QTest::qWait(1300);
+        QCOMPARE(changes.size(), 1);
+        QCOMPARE(deletions.size(), 0);
+    }
+
+    void trashIsADeletion()
+    {
+        DragSessionItemsController controller;
+        QSignalSpy changes(&controller, &DragSessionItemsController::itemChanged);
+        QSignalSpy deletions(&controller, &DragSessionItemsController::itemsDeleted);
+        const auto item = addProcessed(controller, QStringLiteral("old.txt"));
+        QVERIFY(item);
+        QVERIFY(QFile::moveToTrash(m_dir.filePath(QStringLiteral("old.txt"))));
+        QTRY_COMPARE_WITH_TIMEOUT(deletions.size(), 1, 5000);
+        const auto batch =
+            deletions.first().first().value<QList<DragSessionItemsController::DeleteContext>>();
+        QCOMPARE(batch.size(), 1);
+        QCOMPARE(batch.first().draggable.get(), item.get());
+        QCOMPARE(changes.size(), 0);
+    }
+
+    void deletionsWithinASecondComeAsOneBatch()
+    {
+        DragSessionItemsController controller;
+        QSignalSpy deletions(&controller, &DragSessionItemsController::itemsDeleted);
+        for (int i = 0; i < 10; ++i) {
+            QVERIFY(addProcessed(controller, QStringLiteral("file-%1.txt").arg(i)));
+        }
+        for (int i = 0; i < 10; ++i) {
+            QVERIFY(QFile::remove(m_dir.filePath(QStringLiteral("file-%1.txt").arg(i))));
+        }
+        QTRY_COMPARE_WITH_TIMEOUT(deletions.size(), 1, 5000);
+        QTest::qWait(1300);
+        QCOMPARE(deletions.size(), 1);
+        QCOMPARE(deletions.first().first().value<QList<DragSessionItemsController::DeleteContext>>().size(),
+                 10);
+    }
+
+    void removingAnItemHeldTwiceRemovesBoth()
+    {
+        DragSessionItemsController controller;
+        const auto first = addProcessed(controller, QStringLiteral("twice.txt"));
+        const auto other = addProcessed(controller, QStringLiteral("other.txt"));
+        QVERIFY(first && other);
+        const auto second = DraggableFile::make(first->url().value());
+        controller.addItems({second, other});
+        const quint64 before = controller.changeCount();
+        QCOMPARE(controller.items().size(), 4);
+
+        controller.remove(second);
+        QCOMPARE(controller.items().size(), 2);
+        QCOMPARE(controller.changeCount(), before + 2);
+        QVERIFY(!controller.isObserving(first->cacheKey()));
+        // Removing what is not there changes nothing.
+        controller.remove(second);
+        QCOMPARE(controller.changeCount(), before + 2);
+
+        controller.removeAllItems();
+        QVERIFY(controller.items().isEmpty());
+        QCOMPARE(controller.changeCount(), before + 4);
+    }
+
+    void itemWithoutFileNumberStaysWhenDeleted()
+    {
+        DragSessionItemsController controller;
+        QSignalSpy deletions(&controller, &DragSessionItemsController::itemsDeleted);
+        // Made while the file did not exist yet: it has no file number, so no bookmark can be found for it.
+        const QString path = m_dir.filePath(QStringLiteral("late.txt"));
+        const auto item = DraggableFile::make(QUrl::fromLocalFile(path));
+        QVERIFY(!item->systemFileNumber());
+        QVERIFY(Test::writeFile(path, "now here"));
+
+        Test::LogCapture log;
+        controller.addItems({item});
+        QTRY_VERIFY(controller.processingItems().isEmpty());
+        QTRY_VERIFY(controller.isObserving(item->cacheKey()));
+        QVERIFY(QFile::remove(path));
+        QTRY_VERIFY(
+            log.contains(QStringLiteral("Attempted to reload bookmark, but we dont have an existing one")));
+        QTest::qWait(1300);
+        QCOMPARE(deletions.size(), 0);
+        QCOMPARE(controller.items().size(), 1);
+    }
+
+    void closedShelfDropsPendingWork()
+    {
+        QSignalSpy* spy = nullptr;
+        {
+            auto controller = std::make_unique<DragSessionItemsController>();
+            spy = new QSignalSpy(controller.get(), &DragSessionItemsController::itemsDeleted);
+            QVERIFY(addProcessed(*controller, QStringLiteral("closing.txt")));
+            QVERIFY(QFile::remove(m_dir.filePath(QStringLiteral("closing.txt"))));
+        }
+        QTest::qWait(1500);
+        QCOMPARE(spy->size(), 0);
+        delete spy;
+    }
+
+private:
+    DraggablePtr addProcessed(DragSessionItemsController& controller, const QString& name)
+    {
+        const QString path = m_dir.filePath(name);
+        Test::writeFile(path, "some bytes");
+        auto item = DraggableFile::make(QUrl::fromLocalFile(path));
+        controller.addItems({item});
+        // Null when the file never came under watch, which fails the caller.
+        const bool observed = QTest::qWaitFor([&] { return controller.isObserving(item->cacheKey()); }, 5000);
+        return observed ? item : nullptr;
+    }
+
+    QTemporaryDir m_dir;
+};
+
+QTEST_GUILESS_MAIN(TestDragSessionItemsController)
+#include "TestDragSessionItemsController.moc"

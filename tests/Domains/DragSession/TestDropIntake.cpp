@@ -1,0 +1,224 @@
+#include "Domains/DragSession/DraggablePasteboardReader.h"
+#include "Domains/DragSession/DragSessionDropValidator.h"
+#include "Domains/DragSession/DragSessionPasteboardController.h"
+#include "Models/Draggable/DraggableFile.h"
+#include "Models/Draggable/DraggableText.h"
+#include "Models/Draggable/DraggableWeblocation.h"
+#include "Models/Pasteboard/PasteboardTypes.h"
+#include "support/TestSupport.h"
+
+#include <QDir>
+#include <QFile>
+#include <QTemporaryDir>
+#include <QTest>
+
+using namespace Vantrope;
+using Kind = DraggablePasteboardReader::Kind;
+
+Q_DECLARE_METATYPE(Vantrope::DraggablePasteboardReader::Kind)
+Q_DECLARE_METATYPE(std::optional<Vantrope::DragError>)
+
+namespace {
+
+PasteboardItem itemWith(std::initializer_list<std::pair<QString, QByteArray>> entries)
+{
+    PasteboardItem item;
+    for (const auto& [type, data] : entries) {
+        item.setData(type, data);
+    }
+    return item;
+}
+
+class FakeClipboard final : public PasteboardSource {
+public:
+    int changeCount() const override { return m_pasteboard.changeCount(); }
+    Pasteboard pasteboard() const override { return m_pasteboard; }
+    void set(QList<PasteboardItem> items)
+    {
+        m_pasteboard = Pasteboard(std::move(items), m_pasteboard.changeCount() + 1);
+    }
+
+private:
+    Pasteboard m_pasteboard;
+};
+
+} // namespace
+
+class TestDropIntake final : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void initTestCase()
+    {
+        Test::isolateStandardPaths();
+        QVERIFY(m_dir.isValid());
+        m_full = writeFile(QStringLiteral("report.txt"), "contents");
+        m_empty = writeFile(QStringLiteral("empty.txt"), "");
+    }
+
+    void chosenKinds_data()
+    {
+        QTest::addColumn<QStringList>("types");
+        QTest::addColumn<QList<Kind>>("expected");
+        const QList<Kind> base{Kind::promise, Kind::weblocation, Kind::file, Kind::text};
+        QTest::newRow("files") << QStringList{PasteboardTypes::uriList} << base;
+        QTest::newRow("browser native image")
+            << QStringList{PasteboardTypes::uriList, PasteboardTypes::mozillaNativeImage,
+                           PasteboardTypes::png}
+            << QList<Kind>{Kind::webImage};
+        QTest::newRow("browser image with promise url")
+            << QStringList{PasteboardTypes::mozillaFilePromiseURL, PasteboardTypes::jpeg}
+            << QList<Kind>{Kind::webImage};
+        QTest::newRow("promise url without an image")
+            << QStringList{PasteboardTypes::mozillaFilePromiseURL} << base;
+        QTest::newRow("bare image") << QStringList{PasteboardTypes::png} << base;
+    }
+
+    void chosenKinds()
+    {
+        QFETCH(QStringList, types);
+        QFETCH(QList<Kind>, expected);
+        PasteboardItem item;
+        for (const QString& type : types) {
+            item.setData(type, "x");
+        }
+        QCOMPARE(DraggablePasteboardReader::kinds(Pasteboard({item})), expected);
+    }
+
+    void readsEachItemAsTheFirstKindThatTakesIt()
+    {
+        const Pasteboard pasteboard({
+            itemWith({{PasteboardTypes::uriList, QUrl::fromLocalFile(m_full).toEncoded()}}),
+            itemWith({{PasteboardTypes::uriList, "https://www.example.org/page"},
+                      {PasteboardTypes::plainText, "https://www.example.org/page"}}),
+            itemWith({{PasteboardTypes::utf8PlainText, "Shopping list\nmilk"}}),
+            itemWith({{QStringLiteral("application/x-unknown"), "?"}}),
+            itemWith({{PasteboardTypes::uriList, "file:///tmp/bad%zzname"}}),
+        });
+        const DraggableList items = DraggablePasteboardReader::read(pasteboard, {});
+        QCOMPARE(items.size(), 3);
+        QVERIFY(std::dynamic_pointer_cast<DraggableFile>(items[0]));
+        QCOMPARE(items[0]->url(), QUrl::fromLocalFile(m_full));
+        QVERIFY(std::dynamic_pointer_cast<DraggableWeblocation>(items[1]));
+        QVERIFY(std::dynamic_pointer_cast<DraggableText>(items[2]));
+    }
+
+    void validation_data()
+    {
+        QTest::addColumn<QStringList>("shelf");
+        QTest::addColumn<QStringList>("dropped");
+        QTest::addColumn<std::optional<DragError>>("expected");
+        // Entries are file names in the test folder, or "text:" followed by a text.
+        QTest::newRow("nothing dropped")
+            << QStringList{} << QStringList{} << std::optional(DragError::other());
+        QTest::newRow("one empty file")
+            << QStringList{} << QStringList{QStringLiteral("empty.txt")}
+            << std::optional(DragError::rejected(DragError::RejectionType::empty));
+        QTest::newRow("empty file with a text")
+            << QStringList{} << QStringList{QStringLiteral("empty.txt"), QStringLiteral("text:hello there")}
+            << std::optional<DragError>();
+        QTest::newRow("empty file with a full one")
+            << QStringList{} << QStringList{QStringLiteral("empty.txt"), QStringLiteral("report.txt")}
+            << std::optional<DragError>();
+        QTest::newRow("one already held refuses the whole drop")
+            << QStringList{QStringLiteral("report.txt")}
+            << QStringList{QStringLiteral("new.txt"), QStringLiteral("report.txt")}
+            << std::optional(DragError::rejected(DragError::RejectionType::existing));
+        QTest::newRow("new items") << QStringList{QStringLiteral("report.txt")}
+                                   << QStringList{QStringLiteral("new.txt")} << std::optional<DragError>();
+    }
+
+    void validation()
+    {
+        QFETCH(QStringList, shelf);
+        QFETCH(QStringList, dropped);
+        QFETCH(std::optional<DragError>, expected);
+        writeFile(QStringLiteral("new.txt"), "new");
+        QCOMPARE(DragSessionDropValidator::validateDrop(make(shelf), make(dropped)), expected);
+    }
+
+    void clipboardIsCachedPerChange()
+    {
+        FakeClipboard clipboard;
+        DragSessionPasteboardController::clearSharedCache();
+        DragSessionPasteboardController controller(clipboard);
+        clipboard.set({itemWith({{PasteboardTypes::uriList, QUrl::fromLocalFile(m_full).toEncoded()}})});
+
+        const DraggableList first = controller.draggables();
+        QCOMPARE(first.size(), 1);
+        QCOMPARE(controller.draggables().first().get(), first.first().get());
+
+        // The shelf emptied the clipboard itself: nothing until the next change.
+        controller.invalidate();
+        QVERIFY(controller.draggables().isEmpty());
+        clipboard.set({itemWith({{PasteboardTypes::utf8PlainText, "a note to keep"}})});
+        QCOMPARE(controller.draggables().size(), 1);
+    }
+
+    void clipboardWithAMissingFileGivesNothing()
+    {
+        FakeClipboard clipboard;
+        DragSessionPasteboardController::clearSharedCache();
+        DragSessionPasteboardController controller(clipboard);
+        const QString doomed = writeFile(QStringLiteral("doomed.txt"), "soon gone");
+        clipboard.set({itemWith({{PasteboardTypes::uriList, QUrl::fromLocalFile(doomed).toEncoded()}}),
+                       itemWith({{PasteboardTypes::uriList, QUrl::fromLocalFile(m_full).toEncoded()}})});
+        QCOMPARE(controller.draggables().size(), 2);
+        QVERIFY(QFile::remove(doomed));
+        QVERIFY(controller.draggables().isEmpty());
+    }
+
+    void largeClipboardIsNotRead_data()
+    {
+        QTest::addColumn<int>("count");
+        QTest::addColumn<int>("expected");
+        QTest::newRow("99 items") << 99 << 99;
+        QTest::newRow("100 items") << 100 << 0;
+    }
+
+    void largeClipboardIsNotRead()
+    {
+        QFETCH(int, count);
+        QFETCH(int, expected);
+        FakeClipboard clipboard;
+        DragSessionPasteboardController::clearSharedCache();
+        DragSessionPasteboardController controller(clipboard);
+        QList<PasteboardItem> items;
+        for (int i = 0; i < count; ++i) {
+            items.append(
+                itemWith({{PasteboardTypes::uriList, "https://example.org/" + QByteArray::number(i)}}));
+        }
+        clipboard.set(items);
+        QCOMPARE(controller.draggables().size(), expected);
+    }
+
+private:
+    QString writeFile(const QString& name, const QByteArray& data)
+    {
+        const QString path = m_dir.filePath(name);
+        Test::writeFile(path, data);
+        return path;
+    }
+
+    DraggableList make(const QStringList& entries)
+    {
+        DraggableList result;
+        for (const QString& entry : entries) {
+            if (entry.startsWith(QStringLiteral("text:"))) {
+                result.append(DraggableText::fromPasteboard(
+                    itemWith({{PasteboardTypes::utf8PlainText, entry.mid(5).toUtf8()}}),
+                    PasteboardTypes::utf8PlainText, {}));
+            } else {
+                result.append(DraggableFile::make(QUrl::fromLocalFile(m_dir.filePath(entry))));
+            }
+        }
+        return result;
+    }
+
+    QTemporaryDir m_dir;
+    QString m_full;
+    QString m_empty;
+};
+
+QTEST_MAIN(TestDropIntake)
+#include "TestDropIntake.moc"

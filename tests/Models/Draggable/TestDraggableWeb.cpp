@@ -1,0 +1,211 @@
+#include "Libraries/Core/ReservedTemporaryDirectory.h"
+#include "Libraries/Core/URL.h"
+#include "Models/Draggable/DraggableContext.h"
+#include "Models/Draggable/DraggableWebImage.h"
+#include "Models/Draggable/DraggableWeblocation.h"
+#include "Models/Pasteboard/PasteboardTypes.h"
+#include "support/TestSupport.h"
+
+#include <QBuffer>
+#include <QFileInfo>
+#include <QImage>
+#include <QImageReader>
+#include <QTemporaryDir>
+#include <QTest>
+
+using namespace Vantrope;
+using namespace Qt::StringLiterals;
+
+namespace {
+
+QByteArray utf16(const QString& text)
+{
+    return QByteArray(reinterpret_cast<const char*>(text.utf16()), text.size() * 2);
+}
+
+QByteArray encoded(const QImage& image, const char* format)
+{
+    QByteArray bytes;
+    QBuffer buffer(&bytes);
+    buffer.open(QIODevice::WriteOnly);
+    image.save(&buffer, format);
+    return bytes;
+}
+
+} // namespace
+
+class TestDraggableWeb final : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void initTestCase()
+    {
+        Test::isolateStandardPaths();
+        QVERIFY(m_dir.isValid());
+    }
+
+    void weblocation_data()
+    {
+        QTest::addColumn<QString>("type");
+        QTest::addColumn<QByteArray>("value");
+        QTest::addColumn<QString>("address"); // empty: no item
+        QTest::addColumn<QString>("fileName");
+        QTest::addColumn<QString>("title");
+
+        QTest::newRow("www. removed")
+            << PasteboardTypes::uriList << "https://www.example.com/page?q=1&r=2\r\n"_ba
+            << u"https://www.example.com/page?q=1&r=2"_s << u"example.com.webloc"_s << u"example.com"_s;
+        QTest::newRow("every www. removed")
+            << PasteboardTypes::uriList << "https://www.sub.www.example.org/"_ba
+            << u"https://www.sub.www.example.org/"_s << u"sub.example.org.webloc"_s << u"sub.example.org"_s;
+        QTest::newRow("Mozilla form, UTF-16 with title")
+            << PasteboardTypes::mozillaURL << utf16(u"https://www.kde.org/news\nKDE News"_s)
+            << u"https://www.kde.org/news"_s << u"kde.org.webloc"_s << u"kde.org"_s;
+        QTest::newRow("Netscape form")
+            << PasteboardTypes::netscapeURL << "https://example.net/a\nTitle"_ba << u"https://example.net/a"_s
+            << u"example.net.webloc"_s << u"example.net"_s;
+        QTest::newRow("no host") << PasteboardTypes::uriList << "mailto:someone@example.com"_ba
+                                 << u"mailto:someone@example.com"_s << u"Link.webloc"_s << u"Link.webloc"_s;
+        QTest::newRow("file URL is a file")
+            << PasteboardTypes::uriList << "file:///etc/hostname"_ba << QString() << QString() << QString();
+        QTest::newRow("words") << PasteboardTypes::uriList << "just some words"_ba << QString() << QString()
+                               << QString();
+        QTest::newRow("not UTF-8") << PasteboardTypes::uriList << "https://example.com/\xff"_ba << QString()
+                                   << QString() << QString();
+        QTest::newRow("odd UTF-16") << PasteboardTypes::mozillaURL << "h\0t"_ba << QString() << QString()
+                                    << QString();
+    }
+
+    void weblocation()
+    {
+        QFETCH(QString, type);
+        QFETCH(QByteArray, value);
+        QFETCH(QString, address);
+        QFETCH(QString, fileName);
+        QFETCH(QString, title);
+
+        PasteboardItem item;
+        item.setData(type, value);
+        const auto location = DraggableWeblocation::fromPasteboard(item, type, DraggableContext{});
+        if (address.isEmpty()) {
+            QVERIFY(!location);
+            return;
+        }
+        QVERIFY(location);
+        QVERIFY(location->isWebLocation());
+        QCOMPARE(location->address(), QUrl(address));
+        QCOMPARE(location->locationTitle(), std::optional(title));
+        const QString path = location->url()->toLocalFile();
+        QCOMPARE(QFileInfo(path).fileName(), fileName);
+        QCOMPARE(QFileInfo(path).path(), *TemporaryDirectories::path(ReservedTemporaryDirectory::textFiles));
+        QCOMPARE(location->systemFileNumber(), URL::systemFileNumber(*location->url()));
+
+        // Restoring reads back what was written.
+        QCOMPARE(DraggableWeblocation::fromWeblocFile(*location->url())->address(), location->address());
+    }
+
+    void sameHostOverwritesInPlace()
+    {
+        // Another shelf follows the first file by its inode; the second address must not take it away.
+        const auto first = DraggableWeblocation::make(QUrl(u"https://same.example/a"_s));
+        const auto second = DraggableWeblocation::make(QUrl(u"https://same.example/b"_s));
+        QCOMPARE(first->url(), second->url());
+        QCOMPARE(URL::systemFileNumber(*second->url()), first->systemFileNumber());
+        QCOMPARE(DraggableWeblocation::address(Test::readFile(second->url()->toLocalFile())),
+                 std::optional(QUrl(u"https://same.example/b"_s)));
+        QVERIFY(!first->isEqual(*second));
+    }
+
+    void restoreReadsWithoutRewriting()
+    {
+        const QByteArray contents = R"(<?xml version="1.0" encoding="UTF-8"?>
+    <plist version="1.0"><dict>
+    <key>Other</key><dict><key>URL</key><string>https://nested.example/</string></dict>
+    <key>URL</key><string>https://right.example/x?a=1&amp;b=2</string>
+    </dict></plist>
+    )"_ba;
+        const QString path = m_dir.path() + u"/Saved.webloc"_s;
+        QVERIFY(Test::writeFile(path, contents));
+        const auto inode = URL::systemFileNumber(QUrl::fromLocalFile(path));
+
+        const auto location = DraggableWeblocation::fromWeblocFile(QUrl::fromLocalFile(path));
+        QVERIFY(location);
+        QCOMPARE(location->address(), QUrl(u"https://right.example/x?a=1&b=2"_s));
+        QCOMPARE(location->url(), QUrl::fromLocalFile(path));
+        QCOMPARE(Test::readFile(path), contents);
+        QCOMPARE(URL::systemFileNumber(QUrl::fromLocalFile(path)), inode);
+    }
+
+    void restoreRefusesWhatIsNoWebLocation_data()
+    {
+        QTest::addColumn<QByteArray>("contents"); // empty: no file at all
+        QTest::newRow("missing file") << QByteArray();
+        QTest::newRow("no URL key")
+            << "<plist version=\"1.0\"><dict><key>Name</key><string>x</string></dict></plist>"_ba;
+        QTest::newRow("file address")
+            << "<plist version=\"1.0\"><dict><key>URL</key><string>file:///etc/passwd</string></dict></plist>"_ba;
+    }
+
+    void restoreRefusesWhatIsNoWebLocation()
+    {
+        QFETCH(QByteArray, contents);
+        const QString path =
+            m_dir.path() + u"/"_s + QString::fromLatin1(QTest::currentDataTag()) + u".webloc"_s;
+        if (!contents.isEmpty()) {
+            QVERIFY(Test::writeFile(path, contents));
+        }
+        QVERIFY(!DraggableWeblocation::fromWeblocFile(QUrl::fromLocalFile(path)));
+    }
+
+    void webImage_data()
+    {
+        QTest::addColumn<QString>("type");
+        QTest::addColumn<QByteArray>("data"); // empty: the item lacks the type
+        QTest::addColumn<QString>("logged");  // empty: an item is made
+
+        QImage clear(40, 20, QImage::Format_ARGB32);
+        clear.fill(Qt::transparent);
+        QImage photo(30, 60, QImage::Format_RGB32);
+        photo.fill(Qt::white);
+        QTest::newRow("transparent PNG") << PasteboardTypes::png << encoded(clear, "PNG") << QString();
+        QTest::newRow("JPEG") << PasteboardTypes::jpeg << encoded(photo, "JPEG") << QString();
+        QTest::newRow("garbage") << PasteboardTypes::png << "\x89PNG\r\n\x1a\ngarbage"_ba
+                                 << u"Failed to obtain image representation from data"_s;
+        QTest::newRow("no data") << PasteboardTypes::png << QByteArray()
+                                 << u"Initialized object is not data"_s;
+    }
+
+    void webImage()
+    {
+        QFETCH(QString, type);
+        QFETCH(QByteArray, data);
+        QFETCH(QString, logged);
+
+        PasteboardItem item;
+        if (!data.isEmpty()) {
+            item.setData(type, data);
+        }
+        Test::LogCapture log;
+        const auto image = DraggableWebImage::fromPasteboard(item, type, DraggableContext{});
+        if (!logged.isEmpty()) {
+            QVERIFY(!image);
+            QVERIFY(log.contains(logged));
+            return;
+        }
+        QVERIFY(image);
+        const QString path = image->url()->toLocalFile();
+        QCOMPARE(QFileInfo(path).suffix(), u"jpg"_s);
+        QCOMPARE(QFileInfo(path).path(), *TemporaryDirectories::path(ReservedTemporaryDirectory::promises));
+        QImageReader reader(path);
+        QCOMPARE(reader.format(), "jpeg"_ba);
+        const QImage written = reader.read();
+        QCOMPARE(written.size(), QImage::fromData(data).size());
+        QVERIFY(qGray(written.pixel(5, 5)) > 240); // clear pixels turn white, not black
+    }
+
+private:
+    QTemporaryDir m_dir;
+};
+
+QTEST_MAIN(TestDraggableWeb)
+#include "TestDraggableWeb.moc"
