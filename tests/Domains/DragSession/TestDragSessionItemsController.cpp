@@ -1,5 +1,7 @@
 #include "Domains/DragSession/DragSessionItemsController.h"
 #include "Models/Draggable/DraggableFile.h"
+#include "Models/Draggable/DraggablePromise.h"
+#include "Models/Draggable/FilePromiseTransport.h"
 #include "support/TestSupport.h"
 
 #include <QDir>
@@ -10,6 +12,34 @@
 #include <QTest>
 
 using namespace Vantrope;
+
+namespace {
+
+// A drag source that writes one file into the folder it is given, or reports that it could not.
+class OneFileTransport final : public FilePromiseTransport {
+public:
+    explicit OneFileTransport(bool delivers)
+        : m_delivers(delivers)
+    {}
+    QStringList fileNames() const override { return {QStringLiteral("promised.txt")}; }
+    QStringList fileTypes() const override { return {}; }
+    void receive(const QString& destination, FileHandler onFile, FinishedHandler onFinished) override
+    {
+        const QString path = destination + QStringLiteral("/promised.txt");
+        if (m_delivers && Test::writeFile(path, "delivered")) {
+            onFile(QUrl::fromLocalFile(path));
+        } else {
+            onFile(std::unexpected(
+                DraggableError{DraggableError::Kind::underlying, QStringLiteral("source gave up")}));
+        }
+        onFinished();
+    }
+
+private:
+    bool m_delivers;
+};
+
+} // namespace
 
 class TestDragSessionItemsController final : public QObject {
     Q_OBJECT
@@ -123,6 +153,31 @@ private Q_SLOTS:
         QTest::qWait(1300);
         QCOMPARE(deletions.size(), 0);
         QCOMPARE(controller.items().size(), 1);
+    }
+
+    void promiseIsProcessedOnlyWhenReceived_data()
+    {
+        QTest::addColumn<bool>("delivers");
+        QTest::newRow("received") << true;
+        QTest::newRow("failed") << false;
+    }
+
+    void promiseIsProcessedOnlyWhenReceived()
+    {
+        QFETCH(bool, delivers);
+        DragSessionItemsController controller;
+        Test::LogCapture log;
+        auto promise = DraggablePromise::make(std::make_unique<OneFileTransport>(delivers));
+        controller.addItems({promise});
+        QCOMPARE(controller.processingItems().size(), 1);
+
+        promise->receiveFiles();
+        QTRY_VERIFY(controller.processingItems().isEmpty());
+        QCOMPARE(controller.items().size(), 1);
+        QCOMPARE(log.contains(QStringLiteral("Promise failed to receive, will not process item")), !delivers);
+        if (delivers) {
+            QTRY_VERIFY(controller.isObserving(promise->cacheKey()));
+        }
     }
 
     void closedShelfDropsPendingWork()
