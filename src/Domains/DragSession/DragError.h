@@ -15,9 +15,6 @@ struct DragError {
     static DragError rejected(RejectionType type) { return {Kind::rejected, type}; }
     static DragError other() { return {Kind::other, RejectionType::empty}; }
 
-    // The text a shelf shows for it.
-    QString message() const;
-
     bool operator==(const DragError&) const = default;
 };
 

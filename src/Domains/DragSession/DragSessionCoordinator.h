@@ -1,0 +1,140 @@
+#pragma once
+
+#include "DragSessionItemsController.h"
+#include "DragSessionLabel.h"
+#include "DragSessionPasteboardController.h"
+#include "DragSessionSource.h"
+#include "DragSessionUserInterface.h"
+#include "Libraries/Core/Clock.h"
+#include "Libraries/Core/Throttler.h"
+#include "Message.h"
+
+#include <functional>
+#include <memory>
+#include <optional>
+#include <QObject>
+#include <QPointer>
+
+namespace Vantrope {
+
+class DragSessionCoordinator;
+class MessageWindowCenter;
+class PersistentDragSessionStore;
+class Preferences;
+
+class DragSessionCoordinatorDelegate {
+public:
+    virtual ~DragSessionCoordinatorDelegate() = default;
+    virtual void coordinatorDidStop(DragSessionCoordinator& coordinator) = 0;
+    // Files that should go on a new shelf of their own, on the given screen.
+    virtual void openNewSession(const DraggableList& draggables, const std::optional<Screen>& screen) = 0;
+};
+
+// The controller of one shelf, from the moment it is shown until its window closes: it owns the window,
+// the view and the items, answers what the view reports and keeps the shelf's saved copy up to date.
+class DragSessionCoordinator final : public QObject, public DragSessionViewDelegate {
+    Q_OBJECT
+public:
+    struct Dependencies {
+        PersistentDragSessionStore& sessionStore;
+        Preferences& preferences;
+        DragSessionUserInterface& userInterface;
+        MessageWindowCenter& messages;
+        const PasteboardSource& clipboard;
+        Clock& clock;
+    };
+
+    static constexpr double saveDelay = 1.0;
+    static constexpr double itemsUpdateDelay = 0.5;
+    static constexpr double failureMessageDuration = 5.0;
+
+    DragSessionCoordinator(DragSessionSource source, const DragSessionLabel& label,
+                           std::unique_ptr<DragSessionItemsController> itemsController,
+                           const Dependencies& dependencies, QObject* parent = nullptr);
+    ~DragSessionCoordinator() override;
+
+    const QString& id() const { return m_id; }
+    const DragSessionSource& source() const { return m_source; }
+    bool isStopping() const { return m_isStopping; }
+    bool hasStopped() const { return m_hasStopped; }
+    const DragSessionLabel& label() const { return m_label; }
+    // Replaces the label, shows it and saves it with the throttle.
+    void setLabel(const DragSessionLabel& label);
+    std::optional<int> tag() const { return m_tag; }
+    void setTag(std::optional<int> tag) { m_tag = tag; }
+    DragSessionCoordinatorDelegate* delegate() const { return m_delegate; }
+    void setDelegate(DragSessionCoordinatorDelegate* delegate) { m_delegate = delegate; }
+
+    DragSessionItemsController& itemsController() const { return *m_itemsController; }
+    DragSessionWindow& window() const { return *m_window; }
+    DragSessionView& view() const { return *m_view; }
+    DragSessionPasteboardController& pasteboardController() { return m_pasteboardController; }
+
+    // An instant action chosen before the items arrived; it keeps an empty shelf open.
+    const std::optional<QString>& pendingInstantAction() const { return m_pendingInstantAction; }
+    void setPendingInstantAction(std::optional<QString> action)
+    {
+        m_pendingInstantAction = std::move(action);
+    }
+
+    void start(const QPointF& origin);
+    // `save` true writes the recent copy first. The completion runs once the shelf is gone.
+    void stop(bool save, std::function<void()> completion = {});
+    // Empties the shelf but keeps it open.
+    void clear();
+    void saveSession(std::function<void()> completion = {});
+    void throttleSave();
+    // Adds items to the shelf (and its view).
+    void appendItems(const DraggableList& draggables, bool isRestoration = false);
+    void replaceContent(const QList<QUrl>& urls);
+    void playAttention();
+
+    // The order-independent hash of the item identifiers the action machinery was last prepared for.
+    std::optional<size_t> preparedItemsHash() const { return m_preparedItemsHash; }
+
+    // DragSessionViewDelegate
+    void didBeginDragging(bool inbound) override;
+    void didConcludeDrop(const DraggableList& draggables) override;
+    void didDragItems(const DragEvent& event, bool hasMoved) override;
+    void didFailDraggingItems(bool outbound, const DragError& error, int rejectedCount) override;
+    void didSelectCloseButton(bool alternateModifier) override;
+    void didSelectRestoreButton() override;
+
+Q_SIGNALS:
+    void labelChanged();
+
+private:
+    void refreshLabel();
+    void scheduleItemsUpdate();
+    void itemsUpdate();
+    void prepareActionsIfNeeded(const DraggableList& items);
+    void handleDeletedItems(const QList<DragSessionItemsController::DeleteContext>& contexts);
+    void handleChangedItem(const DragSessionItemsController::ItemChangeContext& context);
+    void showMessage(const QString& text, Message::Icon icon, double duration);
+    void teardown(const std::function<void()>& completion);
+
+    const QString m_id;
+    const DragSessionSource m_source;
+    bool m_isStopping = false;
+    bool m_hasStopped = false;
+    DragSessionLabel m_label;
+    std::optional<int> m_tag;
+    DragSessionCoordinatorDelegate* m_delegate = nullptr;
+    PersistentDragSessionStore& m_sessionStore;
+    Preferences& m_preferences;
+    MessageWindowCenter& m_messages;
+    Clock& m_clock;
+    std::unique_ptr<DragSessionItemsController> m_itemsController;
+    std::unique_ptr<DragSessionWindow> m_window;
+    std::unique_ptr<DragSessionView> m_view;
+    DragSessionPasteboardController m_pasteboardController;
+    std::optional<QString> m_pendingInstantAction;
+    bool m_supressItemPreparationOnItemsUpdate = false;
+    bool m_retractOnItemDrop = false;
+    std::optional<size_t> m_preparedItemsHash;
+    qsizetype m_preparedItemsCount = 0;
+    Throttler m_saveThrottler;
+    quint64 m_itemsUpdateGeneration = 0;
+};
+
+} // namespace Vantrope

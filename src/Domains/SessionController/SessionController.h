@@ -1,0 +1,92 @@
+#pragma once
+
+#include "Domains/DragSession/DragSessionCoordinator.h"
+#include "Domains/DragSession/DragSessionLabelColorController.h"
+#include "Domains/DragSession/Screen.h"
+#include "Libraries/Core/DispatchQueue.h"
+
+#include <functional>
+#include <memory>
+#include <optional>
+#include <QObject>
+#include <QPointF>
+#include <QUrl>
+
+namespace Vantrope {
+
+class MessageWindowCenter;
+class PersistentDragSessionStore;
+class Preferences;
+
+// Owns every open shelf: opens them for gestures, hot keys, the tray, restored and handed-over files,
+// screenshots and the top drop zone, and closes them by filter.
+class SessionController final : public QObject, public DragSessionCoordinatorDelegate {
+    Q_OBJECT
+public:
+    enum class CloseFilter {
+        // No items, no pending instant action, no drop being read, nothing dragged out.
+        empty = 0,
+        withItems = 1,
+        all = 2,
+    };
+
+    // Marks the shelf that collects screenshots.
+    static constexpr int screenshotShelfTag = 99;
+
+    struct Dependencies {
+        PersistentDragSessionStore& sessionStore;
+        Preferences& preferences;
+        DragSessionUserInterface& userInterface;
+        ScreenEnvironment& screens;
+        MessageWindowCenter& messages;
+        const PasteboardSource& clipboard;
+        Clock& clock = Clock::system();
+    };
+
+    explicit SessionController(const Dependencies& dependencies, QObject* parent = nullptr);
+    ~SessionController() override;
+
+    // A copy of the open shelves, in order of creation; safe to call from any thread.
+    QList<std::shared_ptr<DragSessionCoordinator>> coordinators() const;
+
+    std::shared_ptr<DragSessionCoordinator> startSession(DragSessionSource source);
+
+    // The gesture recognizer's two ends: a shake or modifier drag began at a point, the drag ended.
+    void gestureBegan(std::optional<QPointF> point);
+    void gestureEnded() { closeSessions(CloseFilter::empty); }
+
+    void closeSessions(CloseFilter filter);
+    bool openDragSession(const QString& identifier);
+    bool openMostRecentClosedDragSession();
+    // Files handed over by another program or the command line.
+    void openFiles(const QList<QUrl>& urls, const std::optional<Screen>& screen = std::nullopt);
+    void handleScreenshot(const QUrl& url);
+    // A drop on the top drop zone.
+    void handleDropZoneDrop(const DraggableList& draggables, const QPointF& point, const Screen& screen);
+
+    // Puts a file on the clipboard; set by the program, absent in tests that don't care.
+    std::function<void(const QUrl&)> copyToClipboard;
+
+    // DragSessionCoordinatorDelegate
+    void coordinatorDidStop(DragSessionCoordinator& coordinator) override;
+    void openNewSession(const DraggableList& draggables, const std::optional<Screen>& screen) override;
+
+Q_SIGNALS:
+    // The set of open shelves changed.
+    void sessionsChanged();
+
+private:
+    QPointF originFor(const DragSessionSource& source) const;
+    DragSessionLabel newLabel();
+    void relabel();
+    void setCoordinators(QList<std::shared_ptr<DragSessionCoordinator>> coordinators);
+    bool isClosable(const DragSessionCoordinator& coordinator, CloseFilter filter) const;
+
+    Dependencies m_dependencies;
+    DragSessionLabelColorController m_labelController;
+    QPointF m_lastDraggingPoint;
+    mutable DispatchQueue m_coordinatorsQueue;
+    QList<std::shared_ptr<DragSessionCoordinator>> m_coordinators; // on m_coordinatorsQueue only
+};
+
+} // namespace Vantrope

@@ -1,0 +1,276 @@
+#include "Domains/DragSession/MessageWindowCenter.h"
+#include "Domains/DragSession/PersistentDragSessionStore.h"
+#include "Domains/SessionController/SessionController.h"
+#include "Libraries/Core/ManualClock.h"
+#include "Models/Draggable/DraggableFile.h"
+#include "Preferences/MemoryPreferenceStorage.h"
+#include "Preferences/Preferences.h"
+#include "support/FakeShelfInterface.h"
+#include "support/TestSupport.h"
+
+#include <QFile>
+#include <QSignalSpy>
+#include <QTemporaryDir>
+#include <QTest>
+
+using namespace Vantrope;
+
+// Runs the shelf logic on fake windows, with real files, a real recent-shelves file and a hand-moved clock.
+class TestSessionController final : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void initTestCase() { Test::isolateStandardPaths(); }
+
+    void init()
+    {
+        m_dir = std::make_unique<QTemporaryDir>();
+        m_clock = std::make_unique<ManualClock>();
+        m_preferences = std::make_unique<Preferences>(std::make_unique<MemoryPreferenceStorage>());
+        m_store = std::make_unique<PersistentDragSessionStore>(
+            m_dir->filePath(QStringLiteral(".drag_sessions")), nullptr, *m_clock);
+        m_ui = std::make_unique<Test::FakeShelfInterface>();
+        m_messages = std::make_unique<MessageWindowCenter>(*m_clock);
+        m_controller = std::make_unique<SessionController>(SessionController::Dependencies{
+            *m_store, *m_preferences, *m_ui, m_screens, *m_messages, m_clipboard, *m_clock});
+    }
+
+    void cleanup()
+    {
+        m_controller.reset();
+        m_store.reset();
+    }
+
+    void gestureOpensAShelfUnlessAnEmptyOneIsVisible_data()
+    {
+        QTest::addColumn<QString>("existing");
+        QTest::addColumn<bool>("opens");
+        QTest::newRow("no shelf") << QString() << true;
+        QTest::newRow("empty visible shelf") << QStringLiteral("empty") << false;
+        QTest::newRow("empty hidden shelf") << QStringLiteral("hidden") << true;
+        QTest::newRow("full visible shelf") << QStringLiteral("full") << true;
+    }
+
+    void gestureOpensAShelfUnlessAnEmptyOneIsVisible()
+    {
+        QFETCH(QString, existing);
+        QFETCH(bool, opens);
+        if (!existing.isEmpty()) {
+            auto shelf = m_controller->startSession(DragSessionSource::MenuBar{});
+            if (existing == QStringLiteral("hidden")) {
+                m_ui->m_windows.last()->m_visible = false;
+            } else if (existing == QStringLiteral("full")) {
+                shelf->appendItems({file(QStringLiteral("held.txt"))});
+            }
+        }
+        const auto before = m_controller->coordinators().size();
+        m_controller->gestureBegan(QPointF(300, 300));
+        QCOMPARE(m_controller->coordinators().size(), before + (opens ? 1 : 0));
+        if (opens) {
+            const auto shelf = m_controller->coordinators().last();
+            QVERIFY(shelf->source().is<DragSessionSource::Gesture>());
+            // Centred on the point of the gesture.
+            QCOMPARE(shelf->window().frame().center(), QPointF(300, 300));
+        }
+    }
+
+    void dragEndClosesOnlyUntouchedEmptyShelves_data()
+    {
+        QTest::addColumn<QString>("state");
+        QTest::addColumn<bool>("closes");
+        QTest::newRow("empty") << QString() << true;
+        QTest::newRow("showing a message") << QStringLiteral("message") << false;
+        QTest::newRow("pending instant action") << QStringLiteral("instant") << false;
+        QTest::newRow("drop being read") << QStringLiteral("reading") << false;
+        QTest::newRow("holding items") << QStringLiteral("items") << false;
+    }
+
+    void dragEndClosesOnlyUntouchedEmptyShelves()
+    {
+        QFETCH(QString, state);
+        QFETCH(bool, closes);
+        m_controller->gestureBegan(QPointF(500, 500));
+        auto shelf = m_controller->coordinators().first();
+        if (state == QStringLiteral("message")) {
+            m_messages->show(shelf->window().windowNumber(),
+                             Message::plain(Message::Icon::info, QStringLiteral("hi")), 0);
+        } else if (state == QStringLiteral("instant")) {
+            shelf->setPendingInstantAction(QStringLiteral("mail"));
+        } else if (state == QStringLiteral("reading")) {
+            m_ui->m_views.first()->m_dragInProgress = true;
+        } else if (state == QStringLiteral("items")) {
+            shelf->appendItems({file(QStringLiteral("kept.txt"))});
+        }
+        m_controller->gestureEnded();
+        QTRY_COMPARE(m_controller->coordinators().isEmpty(), closes);
+        QCOMPARE(m_ui->m_windows.first()->m_closed, closes);
+    }
+
+    void changesWithinASecondSaveOnce()
+    {
+        auto shelf = m_controller->startSession(DragSessionSource::MenuBar{});
+        shelf->appendItems({file(QStringLiteral("a.txt"))});
+        QTRY_VERIFY(shelf->itemsController().processingItems().isEmpty());
+        QSignalSpy saved(m_store.get(), &PersistentDragSessionStore::sessionsChanged);
+
+        shelf->throttleSave();
+        m_clock->advance(0.6);
+        shelf->throttleSave();
+        m_clock->advance(0.5);
+        QTRY_COMPARE(saved.size(), 1);
+        QVERIFY(m_store->session(shelf->id()));
+
+        shelf->throttleSave();
+        m_clock->advance(1.1);
+        QTRY_COMPARE(saved.size(), 2);
+    }
+
+    void outboundDragClosesOnlyByItsRules_data()
+    {
+        QTest::addColumn<bool>("endedInDrop");
+        QTest::addColumn<bool>("hasMoved");
+        QTest::addColumn<bool>("alwaysClose");
+        QTest::addColumn<bool>("closes");
+        QTest::addColumn<int>("drops");
+        QTest::newRow("moved out") << true << true << false << true << 1;
+        QTest::newRow("copied out") << true << false << false << false << 1;
+        QTest::newRow("copied out, always close") << true << false << true << true << 1;
+        QTest::newRow("no drop") << false << true << true << false << 0;
+    }
+
+    void outboundDragClosesOnlyByItsRules()
+    {
+        QFETCH(bool, endedInDrop);
+        QFETCH(bool, hasMoved);
+        QFETCH(bool, alwaysClose);
+        QFETCH(bool, closes);
+        QFETCH(int, drops);
+        m_preferences->setValue(PreferenceKeys::alwaysCloseShelf, alwaysClose);
+        auto shelf = m_controller->startSession(DragSessionSource::MenuBar{});
+        shelf->appendItems({file(QStringLiteral("out.txt"))});
+        // A pinned shelf closes like any other.
+        DragSessionLabel label = shelf->label();
+        label.pinned = true;
+        shelf->setLabel(label);
+
+        shelf->didDragItems({endedInDrop, 1}, hasMoved);
+        QTRY_COMPARE(shelf->hasStopped(), closes);
+        QCOMPARE(m_preferences->value(PreferenceKeys::numberOfDrops, 0), drops);
+        QCOMPARE(m_controller->coordinators().size(), closes ? 0 : 1);
+    }
+
+    void failedDropKeepsTheShelfAndOffersClose()
+    {
+        auto shelf = m_controller->startSession(DragSessionSource::Gesture{});
+        QVERIFY(!m_ui->m_views.first()->m_permanentClose);
+        shelf->didFailDraggingItems(false, DragError::rejected(DragError::RejectionType::empty), 1);
+        QVERIFY(m_ui->m_views.first()->m_permanentClose);
+        QVERIFY(m_messages->hasMessage(shelf->window().windowNumber()));
+        // The message keeps the empty shelf through the end of the drag, and goes after five seconds.
+        m_controller->gestureEnded();
+        QCOMPARE(m_controller->coordinators().size(), 1);
+        m_clock->advance(5.1);
+        QVERIFY(!m_messages->hasMessage(shelf->window().windowNumber()));
+    }
+
+    void alternateCloseEmptiesUnlessSharing_data()
+    {
+        QTest::addColumn<bool>("sharing");
+        QTest::newRow("idle") << false;
+        QTest::newRow("share in progress") << true;
+    }
+
+    void alternateCloseEmptiesUnlessSharing()
+    {
+        QFETCH(bool, sharing);
+        auto shelf = m_controller->startSession(DragSessionSource::Gesture{});
+        shelf->appendItems({file(QStringLiteral("x.txt"))});
+        if (sharing) {
+            m_ui->m_views.first()->m_shareState = {
+                DragSessionActionState::Loading{0.5, QStringLiteral("Uploading")}};
+        }
+        shelf->didSelectCloseButton(true);
+        QTRY_COMPARE(shelf->hasStopped(), sharing);
+        QCOMPARE(shelf->itemsController().items().isEmpty(), true);
+        if (!sharing) {
+            QVERIFY(m_ui->m_views.first()->m_permanentClose);
+            QCOMPARE(m_controller->coordinators().size(), 1);
+        }
+    }
+
+    void recentShelvesReopen()
+    {
+        auto shelf = m_controller->startSession(DragSessionSource::MenuBar{});
+        const QString id = shelf->id();
+        shelf->appendItems({file(QStringLiteral("one.txt")), file(QStringLiteral("two.txt"))});
+        QTRY_VERIFY(shelf->itemsController().processingItems().isEmpty());
+        shelf->didSelectCloseButton(false);
+        QTRY_VERIFY(m_controller->coordinators().isEmpty());
+        m_store->flush();
+        QVERIFY(m_store->session(id));
+
+        QVERIFY(m_controller->openMostRecentClosedDragSession());
+        const auto reopened = m_controller->coordinators().first();
+        QCOMPARE(reopened->id(), id);
+        QCOMPARE(reopened->itemsController().items().size(), 2);
+
+        // Everything recent is open now; opening it by identifier only draws attention to it.
+        QVERIFY(!m_controller->openMostRecentClosedDragSession());
+        const int attention = m_ui->m_views.last()->m_attentionCount;
+        QVERIFY(m_controller->openDragSession(id));
+        QCOMPARE(m_controller->coordinators().size(), 1);
+        QCOMPARE(m_ui->m_views.last()->m_attentionCount, attention + 1);
+        QVERIFY(!m_controller->openDragSession(QStringLiteral("no-such-shelf")));
+    }
+
+    void vanishedFilesLeaveWithOneMessage()
+    {
+        auto shelf = m_controller->startSession(DragSessionSource::MenuBar{});
+        const auto a = file(QStringLiteral("gone-a.txt"));
+        const auto b = file(QStringLiteral("gone-b.txt"));
+        const auto c = file(QStringLiteral("stays.txt"));
+        shelf->appendItems({a, b, c});
+        QTRY_VERIFY(shelf->itemsController().isObserving(b->cacheKey()));
+        QVERIFY(QFile::remove(a->url()->toLocalFile()));
+        QVERIFY(QFile::remove(b->url()->toLocalFile()));
+        // Deletions are gathered on the shelf's clock: move it on while the file events come in.
+        QTRY_VERIFY_WITH_TIMEOUT((m_clock->advance(0.25), shelf->itemsController().items().size() == 1),
+                                 5000);
+        QCOMPARE(m_ui->m_views.first()->m_shown, DraggableList{c});
+        const auto message = m_messages->message(shelf->window().windowNumber());
+        QVERIFY(message);
+        QVERIFY2(message->text.contains(QStringLiteral("2 items")), qPrintable(message->text));
+    }
+
+    void labelsFollowThePreference()
+    {
+        auto plain = m_controller->startSession(DragSessionSource::MenuBar{});
+        QCOMPARE(plain->label().color.id(), DragSessionLabelColor::Identifier::monochrome);
+        m_preferences->setValue(PreferenceKeys::shelfLabelsEnabled, true);
+        QVERIFY(plain->label().color.id() != DragSessionLabelColor::Identifier::monochrome);
+        auto coloured = m_controller->startSession(DragSessionSource::MenuBar{});
+        QVERIFY(coloured->label().color.id() != DragSessionLabelColor::Identifier::monochrome);
+        QVERIFY(coloured->label().color.id() != plain->label().color.id());
+    }
+
+private:
+    DraggablePtr file(const QString& name)
+    {
+        const QString path = m_dir->filePath(name);
+        Test::writeFile(path, "bytes of " + name.toUtf8());
+        return DraggableFile::make(QUrl::fromLocalFile(path));
+    }
+
+    std::unique_ptr<QTemporaryDir> m_dir;
+    std::unique_ptr<ManualClock> m_clock;
+    std::unique_ptr<Preferences> m_preferences;
+    std::unique_ptr<PersistentDragSessionStore> m_store;
+    std::unique_ptr<Test::FakeShelfInterface> m_ui;
+    std::unique_ptr<MessageWindowCenter> m_messages;
+    Test::FakeScreens m_screens;
+    Test::FakeClipboard m_clipboard;
+    std::unique_ptr<SessionController> m_controller;
+};
+
+QTEST_GUILESS_MAIN(TestSessionController)
+#include "TestSessionController.moc"

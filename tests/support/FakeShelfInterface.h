@@ -1,0 +1,111 @@
+#pragma once
+
+#include "Domains/DragSession/DragSessionUserInterface.h"
+#include "Domains/DragSession/Screen.h"
+#include "Models/Pasteboard/PasteboardSource.h"
+
+#include <QList>
+
+namespace Vantrope::Test {
+
+// Shelf windows and views that only remember what they were told, for running the shelf logic
+// without a display.
+class FakeShelfWindow final : public DragSessionWindow {
+public:
+    bool isVisible() const override { return m_visible && !m_closed; }
+    double alphaValue() const override { return m_alpha; }
+    void setAlphaValue(double alpha, bool) override { m_alpha = alpha; }
+    QRectF frame() const override { return m_frame; }
+    void setFrameOrigin(const QPointF& origin) override { m_frame.moveTopLeft(origin); }
+    void makeKeyAndOrderFront() override { m_visible = true; }
+    quint64 windowNumber() const override { return m_number; }
+    void close() override { m_closed = true; }
+    void setTitle(const QString& title) override { m_title = title; }
+    void applyLabel(const DragSessionLabel& label) override { m_label = label; }
+    bool isRetracted() const override { return m_retracted; }
+    void retract() override { m_retracted = true; }
+    std::optional<Screen> screen() const override { return std::nullopt; }
+    bool containsMouse() const override { return false; }
+
+    bool m_visible = false;
+    bool m_closed = false;
+    bool m_retracted = false;
+    double m_alpha = 1.0;
+    QRectF m_frame{0, 0, 180, 188};
+    QString m_title;
+    DragSessionLabel m_label;
+    quint64 m_number = 0;
+};
+
+class FakeShelfView final : public DragSessionView {
+public:
+    void addDraggables(const DraggableList& draggables, bool) override { m_shown.append(draggables); }
+    void removeDraggable(const DraggablePtr& draggable) override { m_shown.removeAll(draggable); }
+    void replaceDraggable(const DraggablePtr& oldDraggable, const DraggablePtr& newDraggable) override
+    {
+        const auto index = m_shown.indexOf(oldDraggable);
+        if (index >= 0) {
+            m_shown[index] = newDraggable;
+        }
+    }
+    void removeAllDraggables(bool) override { m_shown.clear(); }
+    void setLabel(const DragSessionLabel& label) override { m_label = label; }
+    void setHasPermanentCloseButton(bool permanent) override { m_permanentClose = permanent; }
+    bool hasPermanentCloseButton() const override { return m_permanentClose; }
+    void updateHoverState(bool) override {}
+    void playAttentionAnimation() override { ++m_attentionCount; }
+    DragSessionActionState shareState() const override { return m_shareState; }
+    void setShareState(const DragSessionActionState& state) override { m_shareState = state; }
+    bool hasDraggedOutItems() const override { return m_draggedOut; }
+    bool isDragInProgress() const override { return m_dragInProgress; }
+    bool isAsyncDragInProgress() const override { return false; }
+
+    DraggableList m_shown;
+    DragSessionLabel m_label;
+    bool m_permanentClose = false;
+    int m_attentionCount = 0;
+    DragSessionActionState m_shareState;
+    bool m_draggedOut = false;
+    bool m_dragInProgress = false;
+};
+
+class FakeShelfInterface final : public DragSessionUserInterface {
+public:
+    Parts makeShelf(DragSessionViewDelegate&, const QSizeF& size) override
+    {
+        auto window = std::make_unique<FakeShelfWindow>();
+        window->m_number = ++m_nextNumber;
+        window->m_frame.setSize(size);
+        auto view = std::make_unique<FakeShelfView>();
+        m_windows.append(window.get());
+        m_views.append(view.get());
+        return {std::move(window), std::move(view)};
+    }
+
+    QList<FakeShelfWindow*> m_windows;
+    QList<FakeShelfView*> m_views;
+    quint64 m_nextNumber = 0;
+};
+
+class FakeScreens final : public ScreenEnvironment {
+public:
+    QList<Screen> screens() const override { return m_screens; }
+    QPointF mouseLocation() const override { return m_mouse; }
+    std::optional<Screen> mainScreen() const override
+    {
+        return m_screens.isEmpty() ? std::nullopt : std::optional<Screen>(m_screens.first());
+    }
+
+    QList<Screen> m_screens{{QStringLiteral("main"), QRectF(0, 0, 1440, 900), QRectF(0, 0, 1440, 875)}};
+    QPointF m_mouse{700, 400};
+};
+
+class FakeClipboard final : public PasteboardSource {
+public:
+    int changeCount() const override { return m_pasteboard.changeCount(); }
+    Pasteboard pasteboard() const override { return m_pasteboard; }
+
+    Pasteboard m_pasteboard;
+};
+
+} // namespace Vantrope::Test
