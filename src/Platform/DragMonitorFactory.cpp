@@ -15,7 +15,8 @@ std::unique_ptr<DragMonitor> DragMonitorFactory::create(const DisplayEnvironment
     return create(environment.kind(), qgetenv("DISPLAY"));
 }
 
-std::unique_ptr<DragMonitor> DragMonitorFactory::create(DisplayEnvironment::Kind kind, const QByteArray& x11Display)
+std::unique_ptr<DragMonitor> DragMonitorFactory::create(DisplayEnvironment::Kind kind,
+                                                        const QByteArray& x11Display)
 {
     switch (kind) {
     case DisplayEnvironment::Kind::x11:

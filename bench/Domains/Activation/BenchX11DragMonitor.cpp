@@ -30,8 +30,8 @@ double cpuMilliseconds()
 {
     rusage usage{};
     getrusage(RUSAGE_SELF, &usage);
-    return (usage.ru_utime.tv_sec + usage.ru_stime.tv_sec) * 1e3
-         + (usage.ru_utime.tv_usec + usage.ru_stime.tv_usec) / 1e3;
+    return (usage.ru_utime.tv_sec + usage.ru_stime.tv_sec) * 1e3 +
+           (usage.ru_utime.tv_usec + usage.ru_stime.tv_usec) / 1e3;
 }
 
 QStringList dragScript()
@@ -91,7 +91,8 @@ double measureIdle(X11DragMonitor& monitor)
     xdotool.start(QStringLiteral("xdotool"),
                   {QStringLiteral("mousemove"), QStringLiteral("100"), QStringLiteral("100"),
                    QStringLiteral("mousedown"), QStringLiteral("1"), QStringLiteral("mousemove_relative"),
-                   QStringLiteral("40"), QStringLiteral("0"), QStringLiteral("mouseup"), QStringLiteral("1")});
+                   QStringLiteral("40"), QStringLiteral("0"), QStringLiteral("mouseup"),
+                   QStringLiteral("1")});
     xdotool.waitForFinished();
     QEventLoop settle;
     QTimer::singleShot(500, &settle, &QEventLoop::quit);
@@ -101,18 +102,21 @@ double measureIdle(X11DragMonitor& monitor)
         return -1;
     }
 
+    // Hover motion outlasting the window, started before it so that starting a process is not counted.
     QStringList hover;
-    for (int i = 0; i < idleSeconds * 50; ++i) {
+    for (int i = 0; i < idleSeconds * 60; ++i) {
         hover << QStringLiteral("mousemove_relative") << QStringLiteral("--")
               << QString::number(i % 2 == 0 ? 5 : -5) << QStringLiteral("0") << QStringLiteral("sleep")
               << QStringLiteral("0.02");
     }
     xdotool.start(QStringLiteral("xdotool"), hover);
+    xdotool.waitForStarted();
     const double start = cpuMilliseconds();
     QEventLoop idle;
     QTimer::singleShot(idleSeconds * 1000, &idle, &QEventLoop::quit);
     idle.exec();
     const double used = cpuMilliseconds() - start;
+    xdotool.kill();
     xdotool.waitForFinished();
     return used * 60.0 / idleSeconds;
 }

@@ -16,8 +16,9 @@ DragRecognizer::DragRecognizer(DragMonitor& monitor, Clock& clock, DispatchQueue
     , m_self(std::make_shared<DragRecognizer*>(this))
 {
     m_pasteboardWatchDog.setUpdateHandler([this] { pasteboardDidChange(); });
-    m_draggedToken = m_monitor.addGlobalMonitor(GlobalMouseEvent::Type::leftMouseDragged,
-                                                [this](const GlobalMouseEvent& event) { leftMouseDragged(event); });
+    m_draggedToken =
+        m_monitor.addGlobalMonitor(GlobalMouseEvent::Type::leftMouseDragged,
+                                   [this](const GlobalMouseEvent& event) { leftMouseDragged(event); });
     m_upToken = m_monitor.addGlobalMonitor(GlobalMouseEvent::Type::leftMouseUp,
                                            [this](const GlobalMouseEvent& event) { leftMouseUp(event); });
 }

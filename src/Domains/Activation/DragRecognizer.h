@@ -32,8 +32,14 @@ public:
         Kind kind = Kind::none;
         std::optional<GlobalMouseEvent> event;
 
-        static State began(std::optional<GlobalMouseEvent> event = std::nullopt) { return {Kind::began, event}; }
-        static State ended(std::optional<GlobalMouseEvent> event = std::nullopt) { return {Kind::ended, event}; }
+        static State began(std::optional<GlobalMouseEvent> event = std::nullopt)
+        {
+            return {Kind::began, event};
+        }
+        static State ended(std::optional<GlobalMouseEvent> event = std::nullopt)
+        {
+            return {Kind::ended, event};
+        }
         static State none() { return {}; }
         static State cancelled() { return {Kind::cancelled, std::nullopt}; }
         static State rejected() { return {Kind::rejected, std::nullopt}; }

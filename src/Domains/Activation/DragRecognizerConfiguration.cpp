@@ -30,7 +30,8 @@ DragRecognizerConfiguration::DragRecognizerConfiguration(Preferences& preference
 {
     m_recognizer.setSensitivity(
         sensitivityAtStart(m_preferences.value(PreferenceKeys::shakeGestureSensitivity, 0)));
-    m_recognizer.setShakeGestureDetectionDisabled(m_preferences.value(PreferenceKeys::shakeGestureDisabled, false));
+    m_recognizer.setShakeGestureDetectionDisabled(
+        m_preferences.value(PreferenceKeys::shakeGestureDisabled, false));
     applyIgnoredApplications();
     m_recognizer.setModifierFlags(modifierFlags(m_preferences));
 
@@ -66,8 +67,8 @@ std::optional<EventModifierFlags> DragRecognizerConfiguration::modifierFlags(con
     if (!preferences.value(PreferenceKeys::shelfTriggerModifierKeyEnabled, false)) {
         return std::nullopt;
     }
-    const auto key = SettingsItem::shelfTriggerModifierKey(preferences.value(
-                                                               PreferenceKeys::shelfTriggerModifierKey, QString()))
+    const auto key = SettingsItem::shelfTriggerModifierKey(
+                         preferences.value(PreferenceKeys::shelfTriggerModifierKey, QString()))
                          .value_or(SettingsItem::ShelfTriggerModifierKey::shift);
     switch (key) {
     case SettingsItem::ShelfTriggerModifierKey::shift:

@@ -37,8 +37,8 @@ void DragRecognizerSession::update(QPointF point, double now)
             turnDistance = 0;
             initialPositionTimestamp = now;
         }
-        if (lastPositionUpdateTimestamp && !complete
-            && exceeds(now - *lastPositionUpdateTimestamp, treshold.resetSessionTimeInterval)) {
+        if (lastPositionUpdateTimestamp && !complete &&
+            exceeds(now - *lastPositionUpdateTimestamp, treshold.resetSessionTimeInterval)) {
             currentNumberOfTurns = 0;
             turnDistance = 0;
         }

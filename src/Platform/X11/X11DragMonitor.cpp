@@ -12,8 +12,8 @@
 #include <QSet>
 #include <QSocketNotifier>
 #include <unistd.h>
-#include <X11/extensions/XInput2.h>
 #include <X11/extensions/Xfixes.h>
+#include <X11/extensions/XInput2.h>
 #include <X11/Xatom.h>
 #include <X11/Xlib.h>
 #include <X11/Xutil.h>
@@ -64,7 +64,7 @@ struct X11DragMonitor::Connection {
     Window root = 0;
     int xiOpcode = 0;
     int fixesEventBase = 0;
-    int clientPointer = 0;
+    int masterPointer = 0;
     std::array<Atom, atomCount> atoms{};
 
     ~Connection()
@@ -80,7 +80,6 @@ struct X11DragMonitor::PointerState {
     QPointF rootPosition;
     Window child = 0;
     EventModifierFlags modifiers;
-    bool button1 = false;
 };
 
 std::expected<std::unique_ptr<X11DragMonitor>, QString> X11DragMonitor::open(const QByteArray& displayName)
@@ -89,8 +88,8 @@ std::expected<std::unique_ptr<X11DragMonitor>, QString> X11DragMonitor::open(con
     connection->display = XOpenDisplay(displayName.isEmpty() ? nullptr : displayName.constData());
     Display* display = connection->display;
     if (!display) {
-        return std::unexpected(
-            QStringLiteral("the X display \"%1\" cannot be reached").arg(QString::fromLocal8Bit(displayName)));
+        return std::unexpected(QStringLiteral("the X display \"%1\" cannot be reached")
+                                   .arg(QString::fromLocal8Bit(displayName)));
     }
     if (ownDisplays().isEmpty()) {
         // Installed once and left: chaining keeps whatever handler Qt or anyone else set before.
@@ -125,7 +124,21 @@ std::expected<std::unique_ptr<X11DragMonitor>, QString> X11DragMonitor::open(con
         const_cast<char*>("_NET_WM_WINDOW_TYPE"), const_cast<char*>("_NET_WM_WINDOW_TYPE_DOCK")};
     XInternAtoms(display, names.data(), Connection::atomCount, False, connection->atoms.data());
     connection->root = DefaultRootWindow(display);
-    XIGetClientPointer(display, 0, &connection->clientPointer);
+    // Our connection has no client pointer of its own until it asks for one; the first master pointer
+    // is the one that moves.
+    int count = 0;
+    if (XIDeviceInfo* devices = XIQueryDevice(display, XIAllMasterDevices, &count)) {
+        for (int i = 0; i < count; ++i) {
+            if (devices[i].use == XIMasterPointer) {
+                connection->masterPointer = devices[i].deviceid;
+                break;
+            }
+        }
+        XIFreeDeviceInfo(devices);
+    }
+    if (connection->masterPointer == 0) {
+        return std::unexpected(QStringLiteral("no master pointer"));
+    }
 
     return std::unique_ptr<X11DragMonitor>(new X11DragMonitor(std::move(connection)));
 }
@@ -188,19 +201,24 @@ void X11DragMonitor::dispatchPendingEvents()
             }
             continue;
         }
-        if (event.type != GenericEvent || event.xcookie.extension != m_x->xiOpcode
-            || !XGetEventData(display, &event.xcookie)) {
+        if (event.type != GenericEvent || event.xcookie.extension != m_x->xiOpcode) {
+            continue;
+        }
+        const int evtype = event.xcookie.evtype;
+        if (evtype == XI_RawMotion) {
+            // The type is all that is needed; decoding the valuators would only allocate.
+            motion = true;
+            continue;
+        }
+        if (!XGetEventData(display, &event.xcookie)) {
             continue;
         }
         const auto* raw = static_cast<const XIRawEvent*>(event.xcookie.data);
-        const int evtype = event.xcookie.evtype;
         const int device = raw->deviceid;
-        const int button = evtype == XI_RawMotion ? 0 : logicalButton(raw->detail);
+        const int button = logicalButton(raw->detail);
         XFreeEventData(display, &event.xcookie);
 
-        if (evtype == XI_RawMotion) {
-            motion = true;
-        } else if (evtype == XI_RawButtonPress && button == 1) {
+        if (evtype == XI_RawButtonPress && button == 1) {
             motion = false;
             buttonPressed(device);
         } else if (evtype == XI_RawButtonRelease && button == 1) {
@@ -218,8 +236,8 @@ void X11DragMonitor::dispatchPendingEvents()
 
 void X11DragMonitor::buttonPressed(int device)
 {
-    if (!isMonitored(GlobalMouseEvent::Type::leftMouseDragged)
-        && !isMonitored(GlobalMouseEvent::Type::leftMouseUp)) {
+    if (!isMonitored(GlobalMouseEvent::Type::leftMouseDragged) &&
+        !isMonitored(GlobalMouseEvent::Type::leftMouseUp)) {
         return;
     }
     const std::optional<PointerState> pointer = queryPointer(device);
@@ -260,9 +278,10 @@ void X11DragMonitor::deliverDrag()
     if (!m_buttonDown || m_ownDrag || !isMonitored(GlobalMouseEvent::Type::leftMouseDragged)) {
         return;
     }
+    // The button may be up already when we read a late motion; its release is still queued behind it,
+    // so the motion still belongs to the drag.
     const std::optional<PointerState> pointer = queryPointer(m_pressDevice);
-    // Released already: its event is on the way.
-    if (!pointer || !pointer->button1) {
+    if (!pointer) {
         return;
     }
     resolvePressWindow();
@@ -276,7 +295,8 @@ void X11DragMonitor::deliverDrag()
     }
     m_lastPosition = pointer->rootPosition;
     m_lastModifiers = pointer->modifiers;
-    deliver({GlobalMouseEvent::Type::leftMouseDragged, toPoints(m_lastPosition), m_pressWindow, m_lastModifiers});
+    deliver(
+        {GlobalMouseEvent::Type::leftMouseDragged, toPoints(m_lastPosition), m_pressWindow, m_lastModifiers});
 }
 
 void X11DragMonitor::resolvePressWindow()
@@ -310,7 +330,6 @@ std::optional<X11DragMonitor::PointerState> X11DragMonitor::queryPointer(int dev
         state.rootPosition = QPointF(rootX, rootY);
         state.child = child;
         state.modifiers = modifierFlags(modifiers.effective);
-        state.button1 = buttons.mask_len > 0 && XIMaskIsSet(buttons.mask, 1);
     }
     if (buttons.mask) {
         XFree(buttons.mask);
@@ -337,7 +356,7 @@ QPointF X11DragMonitor::toPoints(QPointF rootPixels) const
 
 QPointF X11DragMonitor::mouseLocation()
 {
-    const std::optional<PointerState> pointer = queryPointer(m_x->clientPointer);
+    const std::optional<PointerState> pointer = queryPointer(m_x->masterPointer);
     dispatchLaterIfQueued();
     return toPoints(pointer ? pointer->rootPosition : m_lastPosition);
 }
@@ -436,7 +455,8 @@ bool X11DragMonitor::isDock(quint64 window) const
 
 std::optional<qint64> X11DragMonitor::processId(quint64 window) const
 {
-    const std::vector<quint64> values = propertyValues(window, m_x->atoms[Connection::netWmPid], XA_CARDINAL, 1);
+    const std::vector<quint64> values =
+        propertyValues(window, m_x->atoms[Connection::netWmPid], XA_CARDINAL, 1);
     if (values.empty() || values.front() == 0 || values.front() > 0x7fffffff) {
         return std::nullopt;
     }
@@ -468,9 +488,8 @@ std::vector<quint64> X11DragMonitor::propertyValues(quint64 window, quint64 prop
     unsigned char* data = nullptr;
     std::vector<quint64> values;
     if (XGetWindowProperty(m_x->display, window, property, 0, maximum, False, type, &actualType, &format,
-                           &count, &remaining, &data)
-            == Success
-        && data && actualType == type && format == 32) {
+                           &count, &remaining, &data) == Success &&
+        data && actualType == type && format == 32) {
         // Xlib hands 32-bit items over as longs.
         const auto* items = reinterpret_cast<const unsigned long*>(data);
         values.assign(items, items + count);

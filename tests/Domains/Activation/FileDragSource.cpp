@@ -44,9 +44,9 @@ protected:
 
     void mouseMoveEvent(QMouseEvent* event) override
     {
-        if (m_delay < 0 && (event->buttons() & Qt::LeftButton)
-            && (event->position().toPoint() - m_pressPosition).manhattanLength()
-                   >= QApplication::startDragDistance()) {
+        if (m_delay < 0 && (event->buttons() & Qt::LeftButton) &&
+            (event->position().toPoint() - m_pressPosition).manhattanLength() >=
+                QApplication::startDragDistance()) {
             startDrag();
         }
     }

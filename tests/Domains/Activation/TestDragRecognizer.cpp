@@ -112,18 +112,19 @@ private Q_SLOTS:
 
         QTest::newRow("shake with content") << false << true << appWindow << false << false << true;
         QTest::newRow("shake without content") << false << false << appWindow << false << false << false;
-        QTest::newRow("shake from a dock without content") << false << false << dockWindow << false << false
-                                                           << true;
-        QTest::newRow("shake in an ignored application") << false << true << ignoredWindow << false << false
-                                                         << false;
+        QTest::newRow("shake from a dock without content")
+            << false << false << dockWindow << false << false << true;
+        QTest::newRow("shake in an ignored application")
+            << false << true << ignoredWindow << false << false << false;
         QTest::newRow("shake switched off") << false << true << appWindow << true << false << false;
         QTest::newRow("shake while cancelled") << false << true << appWindow << false << true << false;
         QTest::newRow("modifier with content") << true << true << appWindow << false << false << true;
-        QTest::newRow("modifier with shaking switched off") << true << true << appWindow << true << false << true;
+        QTest::newRow("modifier with shaking switched off")
+            << true << true << appWindow << true << false << true;
         QTest::newRow("modifier without content") << true << false << appWindow << false << false << false;
         QTest::newRow("modifier from a dock") << true << false << dockWindow << false << false << true;
-        QTest::newRow("modifier in an ignored application") << true << true << ignoredWindow << false << false
-                                                            << false;
+        QTest::newRow("modifier in an ignored application")
+            << true << true << ignoredWindow << false << false << false;
         QTest::newRow("modifier while cancelled") << true << true << appWindow << false << true << false;
     }
 
@@ -153,9 +154,9 @@ private Q_SLOTS:
         m_clock->advance(PasteboardWatchDog::pollInterval);
         QCOMPARE(m_recognizer->didUpdatePasteboardContent(), content);
 
-        const EventModifierFlags held = modifierHeld ? EventModifierFlags(EventModifierFlag::control |
-                                                                         EventModifierFlag::shift)
-                                                     : EventModifierFlags(EventModifierFlag::shift);
+        const EventModifierFlags held =
+            modifierHeld ? EventModifierFlags(EventModifierFlag::control | EventModifierFlag::shift)
+                         : EventModifierFlags(EventModifierFlag::shift);
         const QList<double> xs = modifierHeld ? QList<double>{420} : completingShake();
         for (const double x : xs) {
             m_monitor->drag({x, 300}, window, held);
@@ -282,10 +283,12 @@ private Q_SLOTS:
         qint64 count = 5;
         int reads = 0;
         int updates = 0;
-        PasteboardWatchDog watchDog([&] {
-            ++reads;
-            return count;
-        }, *m_clock, DispatchQueue::main());
+        PasteboardWatchDog watchDog(
+            [&] {
+                ++reads;
+                return count;
+            },
+            *m_clock, DispatchQueue::main());
         watchDog.setUpdateHandler([&] { ++updates; });
         m_clock->advance(1);
         QCOMPARE(reads, 0);
@@ -346,15 +349,16 @@ private Q_SLOTS:
 
         using S = DragRecognizer::Sensitivity;
         const auto flags = [](EventModifierFlag flag) { return std::optional(EventModifierFlags(flag)); };
-        QTest::newRow("nothing stored") << QVariantMap{} << S::normal << false << QStringList{}
-                                        << std::optional<EventModifierFlags>();
-        QTest::newRow("high") << QVariantMap{{QStringLiteral("ShakeGestureSensitivity"), 1}} << S::high << false
-                              << QStringList{} << std::optional<EventModifierFlags>();
-        QTest::newRow("ludicrous") << QVariantMap{{QStringLiteral("ShakeGestureSensitivity"), 2}} << S::ludicrous
-                                   << false << QStringList{} << std::optional<EventModifierFlags>();
-        QTest::newRow("unknown sensitivity") << QVariantMap{{QStringLiteral("ShakeGestureSensitivity"), 7}}
-                                             << S::normal << false << QStringList{}
-                                             << std::optional<EventModifierFlags>();
+        QTest::newRow("nothing stored")
+            << QVariantMap{} << S::normal << false << QStringList{} << std::optional<EventModifierFlags>();
+        QTest::newRow("high") << QVariantMap{{QStringLiteral("ShakeGestureSensitivity"), 1}} << S::high
+                              << false << QStringList{} << std::optional<EventModifierFlags>();
+        QTest::newRow("ludicrous") << QVariantMap{{QStringLiteral("ShakeGestureSensitivity"), 2}}
+                                   << S::ludicrous << false << QStringList{}
+                                   << std::optional<EventModifierFlags>();
+        QTest::newRow("unknown sensitivity")
+            << QVariantMap{{QStringLiteral("ShakeGestureSensitivity"), 7}} << S::normal << false
+            << QStringList{} << std::optional<EventModifierFlags>();
         QTest::newRow("sensitivity of the wrong type")
             << QVariantMap{{QStringLiteral("ShakeGestureSensitivity"), QStringLiteral("high")}} << S::normal
             << false << QStringList{} << std::optional<EventModifierFlags>();
@@ -367,12 +371,13 @@ private Q_SLOTS:
             << S::normal << false
             << QStringList{QStringLiteral("Terminal"), QStringLiteral("My.Tool"), QStringLiteral("gimp")}
             << std::optional<EventModifierFlags>();
-        QTest::newRow("modifier off") << QVariantMap{{QStringLiteral("ShelfTriggerModifierKeyEnabled"), false},
-                                                     {QStringLiteral("ShelfTriggerModifierKey"),
-                                                      QStringLiteral("control")}}
-                                      << S::normal << false << QStringList{} << std::optional<EventModifierFlags>();
+        QTest::newRow("modifier off")
+            << QVariantMap{{QStringLiteral("ShelfTriggerModifierKeyEnabled"), false},
+                           {QStringLiteral("ShelfTriggerModifierKey"), QStringLiteral("control")}}
+            << S::normal << false << QStringList{} << std::optional<EventModifierFlags>();
         QTest::newRow("shift") << QVariantMap{{QStringLiteral("ShelfTriggerModifierKeyEnabled"), true},
-                                              {QStringLiteral("ShelfTriggerModifierKey"), QStringLiteral("shift")}}
+                                              {QStringLiteral("ShelfTriggerModifierKey"),
+                                               QStringLiteral("shift")}}
                                << S::normal << false << QStringList{} << flags(EventModifierFlag::shift);
         QTest::newRow("command is Super")
             << QVariantMap{{QStringLiteral("ShelfTriggerModifierKeyEnabled"), true},
@@ -432,7 +437,8 @@ private Q_SLOTS:
         preferences.setValue(PreferenceKeys::shelfTriggerModifierKey, QStringLiteral("control"));
         QCOMPARE(m_recognizer->modifierFlags(), std::nullopt);
         preferences.setValue(PreferenceKeys::shelfTriggerModifierKeyEnabled, true);
-        QCOMPARE(m_recognizer->modifierFlags(), std::optional(EventModifierFlags(EventModifierFlag::control)));
+        QCOMPARE(m_recognizer->modifierFlags(),
+                 std::optional(EventModifierFlags(EventModifierFlag::control)));
         preferences.setValue(PreferenceKeys::shelfTriggerModifierKeyEnabled, false);
         QCOMPARE(m_recognizer->modifierFlags(), std::nullopt);
     }

@@ -53,29 +53,34 @@ private Q_SLOTS:
         using S = DragRecognizer::Sensitivity;
         // Six runs make five turns; the turn into run four is the event at index 3 + 3 * 3.
         const QList<double> six = shake(repeated(10, 6));
-        QTest::newRow("normal, four turns") << S::normal << shake(repeated(10, 5)) << 0.02 << -1 << 0.0 << 4
-                                            << false;
-        QTest::newRow("normal, the fifth turn completes") << S::normal << six << 0.02 << -1 << 0.0 << 5 << true;
+        QTest::newRow("normal, four turns")
+            << S::normal << shake(repeated(10, 5)) << 0.02 << -1 << 0.0 << 4 << false;
+        QTest::newRow("normal, the fifth turn completes")
+            << S::normal << six << 0.02 << -1 << 0.0 << 5 << true;
         QTest::newRow("normal, runs just short of 20 points")
             << S::normal << shake(repeated(9.9, 6)) << 0.02 << -1 << 0.0 << 1 << false;
         QTest::newRow("a short run neither counts nor clears the count")
             << S::normal << shake({10, 10, 5, 10, 10, 10, 10}) << 0.02 << -1 << 0.0 << 5 << true;
-        QTest::newRow("high, three turns") << S::high << shake(repeated(6, 4)) << 0.02 << -1 << 0.0 << 3 << false;
-        QTest::newRow("high, four turns") << S::high << shake(repeated(6, 5)) << 0.02 << -1 << 0.0 << 4 << true;
-        QTest::newRow("high, runs of 11 points") << S::high << shake(repeated(5.5, 5)) << 0.02 << -1 << 0.0 << 1
-                                                 << false;
-        QTest::newRow("ludicrous, one turn") << S::ludicrous << shake(repeated(2.5, 2)) << 0.02 << -1 << 0.0 << 1
-                                             << false;
-        QTest::newRow("ludicrous, two turns") << S::ludicrous << shake(repeated(2.5, 3)) << 0.02 << -1 << 0.0 << 2
-                                              << true;
-        QTest::newRow("a pause of 0.21 s clears the count") << S::normal << six << 0.02 << 12 << 0.21 << 2 << false;
-        QTest::newRow("a pause of exactly 0.2 s does not") << S::normal << six << 0.02 << 12 << 0.2 << 5 << true;
+        QTest::newRow("high, three turns")
+            << S::high << shake(repeated(6, 4)) << 0.02 << -1 << 0.0 << 3 << false;
+        QTest::newRow("high, four turns")
+            << S::high << shake(repeated(6, 5)) << 0.02 << -1 << 0.0 << 4 << true;
+        QTest::newRow("high, runs of 11 points")
+            << S::high << shake(repeated(5.5, 5)) << 0.02 << -1 << 0.0 << 1 << false;
+        QTest::newRow("ludicrous, one turn")
+            << S::ludicrous << shake(repeated(2.5, 2)) << 0.02 << -1 << 0.0 << 1 << false;
+        QTest::newRow("ludicrous, two turns")
+            << S::ludicrous << shake(repeated(2.5, 3)) << 0.02 << -1 << 0.0 << 2 << true;
+        QTest::newRow("a pause of 0.21 s clears the count")
+            << S::normal << six << 0.02 << 12 << 0.21 << 2 << false;
+        QTest::newRow("a pause of exactly 0.2 s does not")
+            << S::normal << six << 0.02 << 12 << 0.2 << 5 << true;
         // 21 events 0.05 s apart span exactly the one-second window.
         QTest::newRow("a shake within one second") << S::normal << six << 0.05 << -1 << 0.0 << 5 << true;
         QTest::newRow("a shake over one second never completes")
             << S::normal << six << 0.06 << -1 << 0.0 << 0 << false;
-        QTest::newRow("a complete shake ignores pauses") << S::normal << shake(repeated(10, 7)) << 0.02 << 20
-                                                         << 0.5 << 6 << true;
+        QTest::newRow("a complete shake ignores pauses")
+            << S::normal << shake(repeated(10, 7)) << 0.02 << 20 << 0.5 << 6 << true;
     }
 
     void countsTurns()
@@ -110,14 +115,14 @@ private Q_SLOTS:
 
         QTest::newRow("one point") << QList<QPointF>{{100, 0}} << std::optional<DragDirection>() << 0 << 0.0;
         // The third point is compared with the first, and far moves between them count for nothing.
-        QTest::newRow("three points") << QList<QPointF>{{100, 0}, {40, 0}, {300, 0}}
-                                      << std::optional(DragDirection::left) << 0 << 0.0;
+        QTest::newRow("three points")
+            << QList<QPointF>{{100, 0}, {40, 0}, {300, 0}} << std::optional(DragDirection::left) << 0 << 0.0;
         QTest::newRow("x falling from the first point is right")
             << QList<QPointF>{{100, 0}, {140, 0}, {90, 0}} << std::optional(DragDirection::right) << 0 << 0.0;
         // After a counted run to the right, a purely vertical step is a turn to the left.
         QTest::newRow("vertical motion turns")
-            << QList<QPointF>{{100, 0}, {100, 0}, {100, 0}, {130, 0}, {160, 0}, {130, 0}, {100, 0}, {70, 0},
-                              {70, 40}}
+            << QList<QPointF>{{100, 0}, {100, 0}, {100, 0}, {130, 0}, {160, 0},
+                              {130, 0}, {100, 0}, {70, 0},  {70, 40}}
             << std::optional(DragDirection::left) << 2 << 0.0;
         QTest::newRow("vertical motion adds no distance")
             << QList<QPointF>{{100, 0}, {100, 0}, {100, 0}, {100, 30}, {100, 60}, {130, 90}}
