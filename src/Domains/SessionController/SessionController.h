@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Domains/Activation/DragRecognizerDelegate.h"
 #include "Domains/DragSession/DragSessionCoordinator.h"
 #include "Domains/DragSession/DragSessionLabelColorController.h"
 #include "Domains/DragSession/Screen.h"
@@ -20,15 +21,14 @@ class Preferences;
 
 // Owns every open shelf: opens them for gestures, hot keys, the tray, restored and handed-over files,
 // screenshots and the top drop zone, and closes them by filter.
-class SessionController final : public QObject, public DragSessionCoordinatorDelegate {
+class SessionController final : public QObject,
+                                public DragSessionCoordinatorDelegate,
+                                public DragRecognizerDelegate {
     Q_OBJECT
 public:
-    enum class CloseFilter {
-        // No items, no pending instant action, no drop being read, nothing dragged out.
-        empty = 0,
-        withItems = 1,
-        all = 2,
-    };
+    // `empty` closes shelves with no items, no pending instant action, no drop being read and nothing
+    // dragged out.
+    using CloseFilter = SessionCloseFilter;
 
     // Marks the shelf that collects screenshots.
     static constexpr int screenshotShelfTag = 99;
@@ -66,6 +66,10 @@ public:
 
     // Puts a file on the clipboard; set by the program, absent in tests that don't care.
     std::function<void(const QUrl&)> copyToClipboard;
+
+    // DragRecognizerDelegate
+    void dragRecognizerDidBegin(std::optional<QPointF> location) override { gestureBegan(location); }
+    void dragRecognizerDidEnd(SessionCloseFilter filter) override { closeSessions(filter); }
 
     // DragSessionCoordinatorDelegate
     void coordinatorDidStop(DragSessionCoordinator& coordinator) override;
