@@ -50,7 +50,8 @@ void DirectoryObserver::stopTree()
 
 bool DirectoryObserver::shouldObserve(const QUrl&)
 {
-    return m_observesNestedDirectories && m_subdirectoryObserver->descendants().size() + 1 < maximumNumberOfResponders;
+    return m_observesNestedDirectories &&
+           m_subdirectoryObserver->descendants().size() + 1 < maximumNumberOfResponders;
 }
 
 void DirectoryObserver::didStartResponder(DirectoryChangeResponder*)
@@ -87,7 +88,8 @@ void DirectoryObserver::resolveAddedItems(const QList<Item>& items)
         << QStringLiteral("Resolving ") + QString::number(items.size()) + QStringLiteral(" added items...");
     QList<QUrl> urls;
     for (const Item& item : items) {
-        if (DirectoryObserverFilter::evaluate(item, m_caseSensitiveItemMatchers, m_filters) && !isExcludedAlways(item)) {
+        if (DirectoryObserverFilter::evaluate(item, m_caseSensitiveItemMatchers, m_filters) &&
+            !isExcludedAlways(item)) {
             urls.append(item.url);
         }
     }
@@ -95,8 +97,8 @@ void DirectoryObserver::resolveAddedItems(const QList<Item>& items)
         qCDebug(lcDirectoryObserver) << "No matching items found";
         return;
     }
-    qCDebug(lcDirectoryObserver).noquote()
-        << QStringLiteral("Matched ") + QString::number(urls.size()) + QStringLiteral(", notifying consumer...");
+    qCDebug(lcDirectoryObserver).noquote() << QStringLiteral("Matched ") + QString::number(urls.size()) +
+                                                  QStringLiteral(", notifying consumer...");
     // Queued on this object, so a call still pending when the observer goes is dropped with it.
     QMetaObject::invokeMethod(
         this,

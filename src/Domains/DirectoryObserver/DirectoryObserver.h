@@ -28,7 +28,8 @@ public:
     explicit DirectoryObserver(const QUrl& url, const QList<DirectoryObserverFilter>& filters = {},
                                bool observesNestedDirectories = false,
                                const std::optional<QString>& identifier = std::nullopt,
-                               Clock& clock = Clock::system(), DirectoryWatcher& watcher = DirectoryWatcher::system(),
+                               Clock& clock = Clock::system(),
+                               DirectoryWatcher& watcher = DirectoryWatcher::system(),
                                QObject* parent = nullptr);
     ~DirectoryObserver() override;
 

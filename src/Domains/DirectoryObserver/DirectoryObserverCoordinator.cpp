@@ -62,7 +62,8 @@ QString filesDescription(const QList<QUrl>& files)
     }
     for (const KindWords& words : kindWords) {
         if (common == words.kind) {
-            return count == 1 ? Localized(words.oneKey, words.one) : Localized(words.manyKey, words.many, count);
+            return count == 1 ? Localized(words.oneKey, words.one)
+                              : Localized(words.manyKey, words.many, count);
         }
     }
     return count == 1 ? Localized("files.description.file", "1 file")
@@ -126,7 +127,8 @@ DirectoryObserverCoordinator::startObserving(DirectoryObserver& observer)
         return std::unexpected(ObservedDirectoryStartObservationError::alreadyObserving);
     }
     // The observers are owned here, so their callbacks never outlive this coordinator.
-    observer.setOnChange([this, folder = &observer](const QList<QUrl>& urls) { handleChange(*folder, urls); });
+    observer.setOnChange(
+        [this, folder = &observer](const QList<QUrl>& urls) { handleChange(*folder, urls); });
     observer.start();
     return {};
 }
@@ -152,7 +154,8 @@ bool DirectoryObserverCoordinator::removeObserver(const QUrl& url)
     return true;
 }
 
-DirectoryObserverCoordinator::ObservationStatus DirectoryObserverCoordinator::observationStatus(const QUrl& url) const
+DirectoryObserverCoordinator::ObservationStatus
+DirectoryObserverCoordinator::observationStatus(const QUrl& url) const
 {
     const QUrl key = normalized(url);
     if (m_restrictedDirectories.contains(key)) {
@@ -168,7 +171,8 @@ DirectoryObserverCoordinator::ObservationStatus DirectoryObserverCoordinator::ob
 void DirectoryObserverCoordinator::restrictDirectory(const QUrl& url)
 {
     const QUrl key = normalized(url);
-    qCInfo(lcDirectoryObserver).noquote() << QStringLiteral("Restricting directory '") + key.toString() + QLatin1Char('\'');
+    qCInfo(lcDirectoryObserver).noquote()
+        << QStringLiteral("Restricting directory '") + key.toString() + QLatin1Char('\'');
     m_restrictedDirectories.append(key);
     int stopped = 0;
     for (const auto& [folder, observer] : m_observers) {
@@ -177,8 +181,8 @@ void DirectoryObserverCoordinator::restrictDirectory(const QUrl& url)
             ++stopped;
         }
     }
-    qCInfo(lcDirectoryObserver).noquote()
-        << QStringLiteral("Stopped ") + QString::number(stopped) + QStringLiteral(" which match the restricted directory...");
+    qCInfo(lcDirectoryObserver).noquote() << QStringLiteral("Stopped ") + QString::number(stopped) +
+                                                 QStringLiteral(" which match the restricted directory...");
 }
 
 std::optional<QString> DirectoryObserverCoordinator::shelfIdentifier(const QUrl& url) const
@@ -207,7 +211,8 @@ void DirectoryObserverCoordinator::handleChange(DirectoryObserver& observer, con
     const QUrl folder = observer.url();
     if (observer.appendsToExistingShelf()) {
         const auto shelf = m_observerShelves.constFind(folder);
-        if (shelf != m_observerShelves.constEnd() && m_dataSource && m_dataSource->appendFiles(*shelf, files)) {
+        if (shelf != m_observerShelves.constEnd() && m_dataSource &&
+            m_dataSource->appendFiles(*shelf, files)) {
             return;
         }
     }

@@ -44,13 +44,15 @@ DirectoryObserverFilter::fromJson(const QJsonValue& value)
     const QJsonObject object = value.toObject();
     const QString operatorType = object.value(operatorTypeKey).toString();
     if (operatorType != rawValue(OperatorType::And) && operatorType != rawValue(OperatorType::Or)) {
-        return std::unexpected(Error{Error::Kind::decodeError, QStringLiteral("unknown operator \"%1\"").arg(operatorType)});
+        return std::unexpected(
+            Error{Error::Kind::decodeError, QStringLiteral("unknown operator \"%1\"").arg(operatorType)});
     }
     auto matcher = DirectoryObserverItemMatcher::fromJson(object.value(matcherKey));
     if (!matcher) {
         return std::unexpected(matcher.error());
     }
-    return DirectoryObserverFilter{operatorType == rawValue(OperatorType::And) ? OperatorType::And : OperatorType::Or,
+    return DirectoryObserverFilter{operatorType == rawValue(OperatorType::And) ? OperatorType::And
+                                                                               : OperatorType::Or,
                                    std::move(*matcher)};
 }
 

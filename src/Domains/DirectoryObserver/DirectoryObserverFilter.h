@@ -22,7 +22,8 @@ struct DirectoryObserverFilter {
     static QString rawValue(OperatorType operatorType);
 
     QJsonObject toJson() const;
-    static std::expected<DirectoryObserverFilter, DirectoryObserverItemMatcher::Error> fromJson(const QJsonValue& value);
+    static std::expected<DirectoryObserverFilter, DirectoryObserverItemMatcher::Error>
+    fromJson(const QJsonValue& value);
 
     bool operator==(const DirectoryObserverFilter&) const = default;
 };

@@ -55,9 +55,9 @@ QString DirectoryObserverItem::pathExtension(const QUrl& url)
 QDebug operator<<(QDebug debug, const DirectoryObserverItem& item)
 {
     const QDebugStateSaver saver(debug);
-    debug.nospace().noquote() << "Item(" << item.url.toDisplayString(QUrl::PreferLocalFile) << ", " << item.size
-                              << " bytes, #" << item.systemNumber << (item.isQuarantined ? ", quarantined" : "")
-                              << ')';
+    debug.nospace().noquote() << "Item(" << item.url.toDisplayString(QUrl::PreferLocalFile) << ", "
+                              << item.size << " bytes, #" << item.systemNumber
+                              << (item.isQuarantined ? ", quarantined" : "") << ')';
     return debug;
 }
 

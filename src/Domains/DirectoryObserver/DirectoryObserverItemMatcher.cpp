@@ -213,8 +213,9 @@ const QStringList& DirectoryObserverItemMatcher::KindMatching::extensions(Kind k
     // Fixed data: rtf and csv belong to two kinds each, and gzip is listed where gz is not.
     static const QStringList none;
     static const QStringList application = {
-        QStringLiteral("app"), QStringLiteral("exe"), QStringLiteral("dmg"), QStringLiteral("apk"), QStringLiteral("msi"),
-        QStringLiteral("deb"), QStringLiteral("rpm"), QStringLiteral("bat"), QStringLiteral("sh")};
+        QStringLiteral("app"), QStringLiteral("exe"), QStringLiteral("dmg"),
+        QStringLiteral("apk"), QStringLiteral("msi"), QStringLiteral("deb"),
+        QStringLiteral("rpm"), QStringLiteral("bat"), QStringLiteral("sh")};
     static const QStringList archive = {QStringLiteral("zip"), QStringLiteral("rar"), QStringLiteral("gzip"),
                                         QStringLiteral("7z"),  QStringLiteral("tar"), QStringLiteral("tgz"),
                                         QStringLiteral("bz2"), QStringLiteral("xz")};
@@ -223,27 +224,26 @@ const QStringList& DirectoryObserverItemMatcher::KindMatching::extensions(Kind k
         QStringLiteral("tsv"),  QStringLiteral("numbers"), QStringLiteral("doc"),  QStringLiteral("docx"),
         QStringLiteral("docm"), QStringLiteral("dotx"),    QStringLiteral("dotm"), QStringLiteral("pages"),
         QStringLiteral("odt"),  QStringLiteral("rtf"),     QStringLiteral("wpd"),  QStringLiteral("wps")};
-    static const QStringList image = {
-        QStringLiteral("jpg"), QStringLiteral("jpeg"), QStringLiteral("png"), QStringLiteral("gif"),
-        QStringLiteral("tiff"), QStringLiteral("eps"), QStringLiteral("bmp"), QStringLiteral("heic"),
-        QStringLiteral("raw"), QStringLiteral("svg"),  QStringLiteral("webp"), QStringLiteral("ico")};
-    static const QStringList video = {
-        QStringLiteral("mp4"), QStringLiteral("mov"),   QStringLiteral("wmv"),  QStringLiteral("avi"),
-        QStringLiteral("flv"), QStringLiteral("mkv"),   QStringLiteral("avchd"), QStringLiteral("mpeg"),
-        QStringLiteral("webm"), QStringLiteral("3gp"), QStringLiteral("m4v")};
-    static const QStringList audio = {
-        QStringLiteral("wav"), QStringLiteral("aiff"), QStringLiteral("mp3"), QStringLiteral("aac"),
-        QStringLiteral("ogg"), QStringLiteral("wma"),  QStringLiteral("flac"), QStringLiteral("alac"),
-        QStringLiteral("m4a"), QStringLiteral("opus"), QStringLiteral("mid"), QStringLiteral("midi")};
+    static const QStringList image = {QStringLiteral("jpg"), QStringLiteral("jpeg"), QStringLiteral("png"),
+                                      QStringLiteral("gif"), QStringLiteral("tiff"), QStringLiteral("eps"),
+                                      QStringLiteral("bmp"), QStringLiteral("heic"), QStringLiteral("raw"),
+                                      QStringLiteral("svg"), QStringLiteral("webp"), QStringLiteral("ico")};
+    static const QStringList video = {QStringLiteral("mp4"),   QStringLiteral("mov"),  QStringLiteral("wmv"),
+                                      QStringLiteral("avi"),   QStringLiteral("flv"),  QStringLiteral("mkv"),
+                                      QStringLiteral("avchd"), QStringLiteral("mpeg"), QStringLiteral("webm"),
+                                      QStringLiteral("3gp"),   QStringLiteral("m4v")};
+    static const QStringList audio = {QStringLiteral("wav"),  QStringLiteral("aiff"), QStringLiteral("mp3"),
+                                      QStringLiteral("aac"),  QStringLiteral("ogg"),  QStringLiteral("wma"),
+                                      QStringLiteral("flac"), QStringLiteral("alac"), QStringLiteral("m4a"),
+                                      QStringLiteral("opus"), QStringLiteral("mid"),  QStringLiteral("midi")};
     static const QStringList pdf = {QStringLiteral("pdf")};
-    static const QStringList presentation = {QStringLiteral("keynote"), QStringLiteral("ppt"),
-                                             QStringLiteral("pptx"),    QStringLiteral("pptm"),
-                                             QStringLiteral("odp"),     QStringLiteral("pps"),
-                                             QStringLiteral("ppsx")};
+    static const QStringList presentation = {
+        QStringLiteral("keynote"), QStringLiteral("ppt"), QStringLiteral("pptx"), QStringLiteral("pptm"),
+        QStringLiteral("odp"),     QStringLiteral("pps"), QStringLiteral("ppsx")};
     static const QStringList text = {
-        QStringLiteral("txt"),  QStringLiteral("text"),     QStringLiteral("html"), QStringLiteral("htm"),
-        QStringLiteral("rtf"),  QStringLiteral("tex"),      QStringLiteral("md"),   QStringLiteral("markdown"),
-        QStringLiteral("json"), QStringLiteral("xml"),      QStringLiteral("csv"),  QStringLiteral("yaml"),
+        QStringLiteral("txt"),  QStringLiteral("text"), QStringLiteral("html"), QStringLiteral("htm"),
+        QStringLiteral("rtf"),  QStringLiteral("tex"),  QStringLiteral("md"),   QStringLiteral("markdown"),
+        QStringLiteral("json"), QStringLiteral("xml"),  QStringLiteral("csv"),  QStringLiteral("yaml"),
         QStringLiteral("yml"),  QStringLiteral("ini")};
     switch (kind) {
     case Kind::application:
@@ -344,7 +344,8 @@ QJsonObject DirectoryObserverItemMatcher::toJson() const
                                 ? QJsonValue(qint64(matching->bytes))
                                 : QJsonValue(double(matching->bytes)));
     } else if (const KindMatching* matching = kindMatching()) {
-        payload.insert(keyOf(kindComparisonKeys, matching->comparison), KindMatching::rawValue(matching->kind));
+        payload.insert(keyOf(kindComparisonKeys, matching->comparison),
+                       KindMatching::rawValue(matching->kind));
     }
     return QJsonObject{{keyOf(propertyKeys, m_property), payload}};
 }
@@ -378,8 +379,8 @@ DirectoryObserverItemMatcher::fromJson(const QJsonValue& value)
             break;
         }
     }
-    const QByteArray json = value.isObject() ? QJsonDocument(object).toJson(QJsonDocument::Compact)
-                                             : QByteArray("not an object");
+    const QByteArray json =
+        value.isObject() ? QJsonDocument(object).toJson(QJsonDocument::Compact) : QByteArray("not an object");
     return std::unexpected(Error{Error::Kind::decodeError, QString::fromUtf8(json.left(200))});
 }
 

@@ -43,7 +43,18 @@ public:
 
     struct KindMatching {
         enum class Comparison { equals, doesNotEqual };
-        enum class Kind { application, archive, document, folder, image, video, audio, pdf, presentation, text };
+        enum class Kind {
+            application,
+            archive,
+            document,
+            folder,
+            image,
+            video,
+            audio,
+            pdf,
+            presentation,
+            text
+        };
         Comparison comparison = Comparison::equals;
         Kind kind = Kind::application;
 
@@ -86,7 +97,8 @@ public:
     bool operator==(const DirectoryObserverItemMatcher&) const = default;
 
 private:
-    DirectoryObserverItemMatcher(Property property, std::variant<StringMatching, SizeMatching, KindMatching> payload)
+    DirectoryObserverItemMatcher(Property property,
+                                 std::variant<StringMatching, SizeMatching, KindMatching> payload)
         : m_property(property)
         , m_payload(std::move(payload))
     {}

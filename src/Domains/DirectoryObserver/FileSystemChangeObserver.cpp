@@ -44,8 +44,8 @@ qint64 identityOf(const struct statx& info)
 // was remembered with content under the same name and inode is taken from memory: examining every
 // entry of a large folder on each pass would cost more than the rest of the pass together. The price:
 // a known file emptied in place is not noticed, and stays known.
-std::optional<std::vector<Entry>> listDirectory(const QString& path,
-                                                const QHash<QString, FileSystemChangeObserver::KnownEntry>& known)
+std::optional<std::vector<Entry>>
+listDirectory(const QString& path, const QHash<QString, FileSystemChangeObserver::KnownEntry>& known)
 {
     DIR* directory = ::opendir(QFile::encodeName(path).constData());
     if (!directory) {
@@ -101,7 +101,8 @@ std::optional<std::vector<Entry>> listDirectory(const QString& path,
 } // namespace
 
 FileSystemChangeObserver::FileSystemChangeObserver(const QUrl& url, qsizetype onChangeFileLimit,
-                                                   double minimumDelay, Clock& clock, DirectoryWatcher& watcher)
+                                                   double minimumDelay, Clock& clock,
+                                                   DirectoryWatcher& watcher)
     : m_url(url)
     , m_path(QDir::cleanPath(url.toLocalFile()))
     , m_onChangeFileLimit(onChangeFileLimit)
@@ -120,9 +121,8 @@ bool FileSystemChangeObserver::start()
     }
     // Capturing `this` is safe: the watch and the throttler are members, and neither runs anything
     // once it is destroyed.
-    auto watch = m_watcher.watch(m_path, [this] {
-        m_diffOperationThrottler.throttle([this] { performDiffOperation(); });
-    });
+    auto watch = m_watcher.watch(
+        m_path, [this] { m_diffOperationThrottler.throttle([this] { performDiffOperation(); }); });
     if (!watch) {
         qCWarning(lcDirectoryObserver).noquote()
             << QStringLiteral("Failed to start monitoring ") + m_url.toString();
@@ -164,7 +164,8 @@ void FileSystemChangeObserver::performDiffOperation()
         for (const Entry& entry : *entries) {
             if (includeEmpty || entry.size != 0) {
                 m_lastItemSystemFileNumbers.insert(entry.identity);
-                m_lastItemNames.insert(entry.name, {entry.listedInode, entry.systemNumber, entry.identity, entry.size});
+                m_lastItemNames.insert(entry.name,
+                                       {entry.listedInode, entry.systemNumber, entry.identity, entry.size});
             }
         }
     };
@@ -220,14 +221,16 @@ void FileSystemChangeObserver::performDiffOperation()
     }
     // What lies beyond the limit is dropped for good: the memory already counts it as known.
     const Items reported = newItems.first(std::min(newItems.size(), m_onChangeFileLimit));
-    QString list;
-    for (const DirectoryObserverItem& item : reported) {
-        QDebug(&list).nospace() << item << '\n';
+    if (lcDirectoryObserver().isDebugEnabled()) {
+        QString list;
+        for (const DirectoryObserverItem& item : reported) {
+            QDebug(&list).nospace() << item << '\n';
+        }
+        if (newItems.size() > reported.size()) {
+            list += QStringLiteral("(%1 more not reported)").arg(newItems.size() - reported.size());
+        }
+        qCDebug(lcDirectoryObserver).noquote() << QStringLiteral("Determined new items: \n") + list;
     }
-    if (newItems.size() > reported.size()) {
-        list += QStringLiteral("(%1 more not reported)").arg(newItems.size() - reported.size());
-    }
-    qCDebug(lcDirectoryObserver).noquote() << QStringLiteral("Determined new items: \n") + list;
     if (m_onAdded) {
         // A copy, since the callback may end up destroying this observer.
         const Callback onAdded = m_onAdded;
@@ -238,8 +241,8 @@ void FileSystemChangeObserver::performDiffOperation()
 void FileSystemChangeObserver::handleListingFailure()
 {
     if (!QFileInfo::exists(m_path)) {
-        qCInfo(lcDirectoryObserver).noquote()
-            << QStringLiteral("Detected that directory ") + m_path + QStringLiteral(" is removed, proceeding to remove it");
+        qCInfo(lcDirectoryObserver).noquote() << QStringLiteral("Detected that directory ") + m_path +
+                                                     QStringLiteral(" is removed, proceeding to remove it");
         if (m_onRemoved) {
             const Callback onRemoved = m_onRemoved;
             onRemoved({DirectoryObserverItem::fromUrl(m_url)});

@@ -15,9 +15,9 @@
 namespace Vantrope {
 
 // Watches one directory, not its subdirectories, and reports what is truly new in it. A file is known by
-// its inode number (with its birth time) and by its name at once: a rename inside the directory or a save that replaces a
-// file is not new. A download (a quarantined file) is reported again once it is renamed to its final
-// name, empty files are not remembered until they have content, and what lies in the directory when
+// its inode number (with its birth time) and by its name at once: a rename inside the directory or a save
+// that replaces a file is not new. A download (a quarantined file) is reported again once it is renamed to
+// its final name, empty files are not remembered until they have content, and what lies in the directory when
 // observation starts is never reported. Main thread only.
 class FileSystemChangeObserver final {
 public:
@@ -25,7 +25,8 @@ public:
     using Callback = std::function<void(const Items&)>;
 
     FileSystemChangeObserver(const QUrl& url, qsizetype onChangeFileLimit, double minimumDelay,
-                             Clock& clock = Clock::system(), DirectoryWatcher& watcher = DirectoryWatcher::system());
+                             Clock& clock = Clock::system(),
+                             DirectoryWatcher& watcher = DirectoryWatcher::system());
     ~FileSystemChangeObserver();
     FileSystemChangeObserver(const FileSystemChangeObserver&) = delete;
     FileSystemChangeObserver& operator=(const FileSystemChangeObserver&) = delete;

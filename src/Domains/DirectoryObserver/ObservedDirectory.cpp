@@ -74,16 +74,16 @@ QJsonObject ObservedDirectory::toJson() const
         {bookmarkDataKey, QString::fromLatin1(bookmarkData.toBase64())},
         {matchersKey, matcherArray},
         {filtersKey, filterArray},
-        {optionsKey,
-         QJsonObject{{appendsToInitialShelfKey, options.appendsToInitialShelf},
-                     {rulesCaseSensitiveKey, options.rulesCaseSensitive},
-                     {observesNestedDirectoriesKey, options.observesNestedDirectories}}},
+        {optionsKey, QJsonObject{{appendsToInitialShelfKey, options.appendsToInitialShelf},
+                                 {rulesCaseSensitiveKey, options.rulesCaseSensitive},
+                                 {observesNestedDirectoriesKey, options.observesNestedDirectories}}},
         {lifecycleKey,
          QJsonObject{{isSecureScopedKey, lifecycle.isSecureScoped}, {isStoppedKey, lifecycle.isStopped}}},
     };
 }
 
-std::expected<ObservedDirectory, ObservedDirectory::Error> ObservedDirectory::fromJson(const QJsonValue& value)
+std::expected<ObservedDirectory, ObservedDirectory::Error>
+ObservedDirectory::fromJson(const QJsonValue& value)
 {
     if (!value.isObject()) {
         return failure(QStringLiteral("not an object"));
@@ -136,14 +136,15 @@ std::expected<ObservedDirectory, ObservedDirectory::Error> ObservedDirectory::fr
     }
 
     Options& options = directory.options;
-    if (!readBooleans(object.value(optionsKey), {{appendsToInitialShelfKey, &options.appendsToInitialShelf},
-                                                 {rulesCaseSensitiveKey, &options.rulesCaseSensitive},
-                                                 {observesNestedDirectoriesKey, &options.observesNestedDirectories}})) {
+    if (!readBooleans(object.value(optionsKey),
+                      {{appendsToInitialShelfKey, &options.appendsToInitialShelf},
+                       {rulesCaseSensitiveKey, &options.rulesCaseSensitive},
+                       {observesNestedDirectoriesKey, &options.observesNestedDirectories}})) {
         return failure(QStringLiteral("no valid options in %1").arg(directory.identifier));
     }
     Lifecycle& lifecycle = directory.lifecycle;
-    if (!readBooleans(object.value(lifecycleKey),
-                      {{isSecureScopedKey, &lifecycle.isSecureScoped}, {isStoppedKey, &lifecycle.isStopped}})) {
+    if (!readBooleans(object.value(lifecycleKey), {{isSecureScopedKey, &lifecycle.isSecureScoped},
+                                                   {isStoppedKey, &lifecycle.isStopped}})) {
         return failure(QStringLiteral("no valid lifecycle in %1").arg(directory.identifier));
     }
     return directory;

@@ -80,12 +80,13 @@ void ObservedDirectoryStore::loadFromDisk()
     if (m_items.isEmpty()) {
         qCInfo(lcDirectoryObserver) << "We have items on disk but we failed to load them";
     } else {
-        qCInfo(lcDirectoryObserver).noquote()
-            << QStringLiteral("Loaded ") + QString::number(m_items.size()) + QStringLiteral(" items from disk");
+        qCInfo(lcDirectoryObserver).noquote() << QStringLiteral("Loaded ") + QString::number(m_items.size()) +
+                                                     QStringLiteral(" items from disk");
     }
 }
 
-QList<ObservedDirectory> ObservedDirectoryStore::securityScopedResolvedItems(const QList<ObservedDirectory>& items) const
+QList<ObservedDirectory>
+ObservedDirectoryStore::securityScopedResolvedItems(const QList<ObservedDirectory>& items) const
 {
     if (!m_requiresBookmarkDataResolving) {
         qCInfo(lcDirectoryObserver) << "Store will not resolve security scoped items";
@@ -117,8 +118,9 @@ QList<ObservedDirectory> ObservedDirectoryStore::securityScopedResolvedItems(con
 bool ObservedDirectoryStore::saveItem(const ObservedDirectory& item)
 {
     qCDebug(lcDirectoryObserver).noquote() << QStringLiteral("Saving item ") + debugText(item);
-    const auto found = std::find_if(m_items.begin(), m_items.end(),
-                                    [&](const ObservedDirectory& stored) { return stored.identifier == item.identifier; });
+    const auto found = std::find_if(m_items.begin(), m_items.end(), [&](const ObservedDirectory& stored) {
+        return stored.identifier == item.identifier;
+    });
     if (found != m_items.end()) {
         qCDebug(lcDirectoryObserver).noquote() << QStringLiteral("Changing store item at ") +
                                                       QString::number(found - m_items.begin()) +
@@ -135,8 +137,9 @@ bool ObservedDirectoryStore::saveItem(const ObservedDirectory& item)
 
 bool ObservedDirectoryStore::deleteItem(const ObservedDirectory& item)
 {
-    const auto found = std::find_if(m_items.begin(), m_items.end(),
-                                    [&](const ObservedDirectory& stored) { return stored.identifier == item.identifier; });
+    const auto found = std::find_if(m_items.begin(), m_items.end(), [&](const ObservedDirectory& stored) {
+        return stored.identifier == item.identifier;
+    });
     if (found == m_items.end()) {
         qCInfo(lcDirectoryObserver) << "Attempted to delete an item that does not exist";
         return false;
@@ -164,7 +167,8 @@ bool ObservedDirectoryStore::synchronize()
         AtomicFileWriter::setAside(m_filePath);
         m_keepFileAside = false;
     }
-    const auto written = AtomicFileWriter::write(m_filePath, QJsonDocument(array).toJson(QJsonDocument::Compact));
+    const auto written =
+        AtomicFileWriter::write(m_filePath, QJsonDocument(array).toJson(QJsonDocument::Compact));
     if (!written) {
         qCWarning(lcDirectoryObserver).noquote()
             << QStringLiteral("Failed to save the encoded items. This is a serious error. Error: ") +

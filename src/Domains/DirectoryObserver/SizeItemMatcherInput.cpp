@@ -28,7 +28,8 @@ QString SizeItemMatcherInput::sanitized(const QString& text)
     return trimmed.isEmpty() ? QStringLiteral("0") : trimmed;
 }
 
-std::expected<quint64, SizeItemMatcherInput::Error> SizeItemMatcherInput::bytes(const QString& text, Unit unit)
+std::expected<quint64, SizeItemMatcherInput::Error> SizeItemMatcherInput::bytes(const QString& text,
+                                                                                Unit unit)
 {
     bool ok = false;
     const qint64 number = text.toLongLong(&ok);

@@ -37,8 +37,10 @@ SubdirectoryObserver::SubdirectoryObserver(const QUrl& url, DirectoryChangeRespo
     , m_changeObserver(url, changeFileLimit, changeDelay, clock, watcher)
 {
     // The change observer is a member, so its callbacks never outlive this object.
-    m_changeObserver.setOnAdded([this](const FileSystemChangeObserver::Items& items) { handle(items, false); });
-    m_changeObserver.setOnRemoved([this](const FileSystemChangeObserver::Items& items) { handle(items, true); });
+    m_changeObserver.setOnAdded(
+        [this](const FileSystemChangeObserver::Items& items) { handle(items, false); });
+    m_changeObserver.setOnRemoved(
+        [this](const FileSystemChangeObserver::Items& items) { handle(items, true); });
 }
 
 SubdirectoryObserver::~SubdirectoryObserver() = default;
@@ -69,12 +71,25 @@ bool SubdirectoryObserver::mayObserve(const QUrl& candidate) const
 
 void SubdirectoryObserver::start()
 {
-    const QList<QUrl> subdirectories = URL::subdirectories(url());
-    for (const QUrl& subdirectory : subdirectories) {
-        if (!mayObserve(subdirectory) || !m_parentResponder || !m_parentResponder->shouldObserve(subdirectory)) {
-            continue;
+    // Running already: the tree stands, and must not be built a second time beside itself.
+    if (m_changeObserver.isRunning()) {
+        m_changeObserver.start();
+        return;
+    }
+    // The tree only grows while it starts, so the first refusal holds for the rest; a folder with
+    // thousands of subdirectories is then not examined one by one.
+    if (m_parentResponder && m_parentResponder->shouldObserve(url())) {
+        const QList<QUrl> subdirectories = URL::subdirectories(url());
+        for (const QUrl& subdirectory : subdirectories) {
+            if (!mayObserve(subdirectory)) {
+                continue;
+            }
+            if (!m_parentResponder->shouldObserve(subdirectory)) {
+                break;
+            }
+            m_childResponders.push_back(
+                std::make_unique<SubdirectoryObserver>(subdirectory, this, m_clock, m_watcher));
         }
-        m_childResponders.push_back(std::make_unique<SubdirectoryObserver>(subdirectory, this, m_clock, m_watcher));
     }
     for (const auto& child : m_childResponders) {
         child->start();
@@ -98,7 +113,7 @@ void SubdirectoryObserver::stop()
 void SubdirectoryObserver::stopChild(std::unique_ptr<SubdirectoryObserver> child)
 {
     child->stop();
-    // Out of the list before the count goes up, so that the count no longer includes it.
+    // Already out of the list, so the count taken now no longer includes it.
     if (m_parentResponder) {
         m_parentResponder->didStopResponder(child.get());
     }
@@ -151,15 +166,18 @@ void SubdirectoryObserver::handleAddedItems(const QList<DirectoryObserverItem>& 
         if (observed || !m_parentResponder || !m_parentResponder->shouldObserve(item.url)) {
             continue;
         }
-        m_childResponders.push_back(std::make_unique<SubdirectoryObserver>(item.url, this, m_clock, m_watcher));
+        m_childResponders.push_back(
+            std::make_unique<SubdirectoryObserver>(item.url, this, m_clock, m_watcher));
         SubdirectoryObserver* child = m_childResponders.back().get();
         child->start();
         m_parentResponder->didStartResponder(child);
-        qCDebug(lcDirectoryObserver).noquote() << QStringLiteral("Started a new responder for ") + debugText(item);
+        qCDebug(lcDirectoryObserver).noquote()
+            << QStringLiteral("Started a new responder for ") + debugText(item);
     }
 }
 
-QList<DirectoryObserverItem> SubdirectoryObserver::handleRemovedItems(const QList<DirectoryObserverItem>& items)
+QList<DirectoryObserverItem>
+SubdirectoryObserver::handleRemovedItems(const QList<DirectoryObserverItem>& items)
 {
     QSet<qint64> matchedNumbers;
     for (const DirectoryObserverItem& item : items) {
@@ -168,7 +186,8 @@ QList<DirectoryObserverItem> SubdirectoryObserver::handleRemovedItems(const QLis
         if (found == m_childResponders.end()) {
             continue;
         }
-        qCDebug(lcDirectoryObserver).noquote() << QStringLiteral("Stopping child responder for ") + debugText(item);
+        qCDebug(lcDirectoryObserver).noquote()
+            << QStringLiteral("Stopping child responder for ") + debugText(item);
         std::unique_ptr<SubdirectoryObserver> child = std::move(*found);
         m_childResponders.erase(found);
         stopChild(std::move(child));

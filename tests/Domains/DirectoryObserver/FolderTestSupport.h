@@ -5,8 +5,8 @@
 
 #include <fcntl.h>
 #include <functional>
-#include <optional>
 #include <linux/capability.h>
+#include <optional>
 #include <QCoreApplication>
 #include <QDeadlineTimer>
 #include <QFile>
@@ -17,46 +17,36 @@
 
 namespace Vantrope::Test {
 
-// Waits for the kernel's change signal and moves the clock past the throttle until a listing has run,
-// then a little longer, so that the signals of other folders touched by the same step are served too.
-// Listings are state-based, so a pass that a late signal of an earlier step starts serves as well.
-inline bool runPass(ManualClock& clock, const std::function<quint64()>& passes)
+constexpr QFileDevice::Permissions ownerAll =
+    QFileDevice::ReadOwner | QFileDevice::WriteOwner | QFileDevice::ExeOwner;
+
+// Lets signals arrive and moves the clock past the throttle until `condition` holds, then for `settle`
+// milliseconds more, so that the signals of other folders touched by the same step are served too.
+inline bool runUntil(ManualClock& clock, const std::function<bool()>& condition, int settle = 0)
 {
-    const quint64 before = passes();
     const QDeadlineTimer deadline(5000);
     std::optional<QDeadlineTimer> settled;
-    while (!deadline.hasExpired()) {
-        QCoreApplication::processEvents(QEventLoop::AllEvents, 10);
-        if (clock.pendingCount() > 0) {
-            clock.advance(0.4);
-        }
-        if (!settled && passes() > before) {
-            settled = QDeadlineTimer(30);
-        }
-        if (settled && settled->hasExpired()) {
-            return true;
-        }
-        QTest::qSleep(2);
-    }
-    return false;
-}
-
-// Lets signals arrive and throttled passes run until `condition` holds.
-inline bool runUntil(ManualClock& clock, const std::function<bool()>& condition)
-{
-    const QDeadlineTimer deadline(5000);
-    while (!deadline.hasExpired()) {
+    while (!deadline.hasExpired() && !(settled && settled->hasExpired())) {
         QCoreApplication::processEvents(QEventLoop::AllEvents, 10);
         if (clock.pendingCount() > 0) {
             clock.advance(0.4);
         }
         QCoreApplication::sendPostedEvents();
-        if (condition()) {
-            return true;
+        if (!settled && condition()) {
+            settled = QDeadlineTimer(settle);
         }
         QTest::qSleep(2);
     }
-    return false;
+    return settled.has_value();
+}
+
+// Runs until a listing has run. Listings are state-based, so one that a late signal of an earlier step
+// starts serves as well.
+inline bool runPass(ManualClock& clock, const std::function<quint64()>& passes)
+{
+    const quint64 before = passes();
+    return runUntil(
+        clock, [&] { return passes() > before; }, 30);
 }
 
 // Listings run by the change observers now in a watched folder's tree; it drops when a subtree goes.

@@ -10,47 +10,30 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-// Shelves as the root coordinator would keep them.
-class TestShelves final : public DirectoryObserverCoordinatorDataSource {
-public:
+// Shelves as the root coordinator would keep them; a shelf's identifier is its index.
+struct TestShelves final : DirectoryObserverCoordinatorDataSource {
     struct Shelf {
-        QString identifier;
         QList<QUrl> files;
         QStringList messages;
         bool open = true;
     };
     QList<Shelf> shelves;
 
-    bool appendFiles(const QString& shelfIdentifier, const QList<QUrl>& files) override
+    bool appendFiles(const QString& shelf, const QList<QUrl>& files) override
     {
-        Shelf* shelf = find(shelfIdentifier);
-        if (!shelf || !shelf->open) {
-            return false;
+        if (shelves[shelf.toInt()].open) {
+            shelves[shelf.toInt()].files.append(files);
         }
-        shelf->files.append(files);
-        return true;
+        return shelves[shelf.toInt()].open;
     }
     std::optional<QString> createShelf(const QList<QUrl>& files) override
     {
-        shelves.append({u"shelf-%1"_s.arg(shelves.size()), files, {}, true});
-        return shelves.last().identifier;
+        shelves.append({files, {}, true});
+        return QString::number(shelves.size() - 1);
     }
-    void showMessage(const QString& shelfIdentifier, const QString& text) override
+    void showMessage(const QString& shelf, const QString& text) override
     {
-        if (Shelf* shelf = find(shelfIdentifier)) {
-            shelf->messages.append(text);
-        }
-    }
-
-private:
-    Shelf* find(const QString& identifier)
-    {
-        for (Shelf& shelf : shelves) {
-            if (shelf.identifier == identifier) {
-                return &shelf;
-            }
-        }
-        return nullptr;
+        shelves[shelf.toInt()].messages.append(text);
     }
 };
 
@@ -66,16 +49,15 @@ struct Fixture {
         QDir().mkpath(folder);
         coordinator.setDataSource(&shelves);
     }
-    ~Fixture() { coordinator.setDataSource(nullptr); }
 
     QUrl url() const { return QUrl::fromLocalFile(folder); }
-    bool write(const QString& name) const { return Test::writeFile(folder + QLatin1Char('/') + name, "content"); }
+    bool write(const QString& name) const
+    {
+        return Test::writeFile(folder + QLatin1Char('/') + name, "content");
+    }
     bool pass()
     {
-        DirectoryObserver& observer = coordinator.observer(url());
-        const bool ran = Test::runPass(clock, [&] { return Test::treePasses(observer); });
-        QCoreApplication::sendPostedEvents();
-        return ran;
+        return Test::runPass(clock, [this] { return Test::treePasses(coordinator.observer(url())); });
     }
 };
 
@@ -121,7 +103,8 @@ private Q_SLOTS:
         QVERIFY(f.write(u"third.png"_s));
         QVERIFY(f.pass());
         QCOMPARE(f.shelves.shelves.size(), shelvesAfterClose);
-        QCOMPARE(f.shelves.shelves.last().files, QList<QUrl>{QUrl::fromLocalFile(f.folder + u"/third.png"_s)});
+        QCOMPARE(f.shelves.shelves.last().files,
+                 QList<QUrl>{QUrl::fromLocalFile(f.folder + u"/third.png"_s)});
         QCOMPARE(f.shelves.shelves.last().messages, QStringList{u"1 image from Inbox"_s});
     }
 
@@ -133,22 +116,25 @@ private Q_SLOTS:
         ObservedDirectory running = ObservedDirectory::make(f.url(), "a");
         running.options.observesNestedDirectories = true;
         running.options.rulesCaseSensitive = true;
-        running.filters = {{DirectoryObserverFilter::OperatorType::And,
-                            DirectoryObserverItemMatcher::fileName(
-                                {DirectoryObserverItemMatcher::StringMatching::Comparison::endsWith, u".PDF"_s})}};
+        running.filters = {
+            {DirectoryObserverFilter::OperatorType::And,
+             DirectoryObserverItemMatcher::fileName(
+                 {DirectoryObserverItemMatcher::StringMatching::Comparison::endsWith, u".PDF"_s})}};
         ObservedDirectory paused = ObservedDirectory::make(QUrl::fromLocalFile(other), "b");
         paused.lifecycle.isStopped = true;
 
         f.coordinator.startObservingAtLaunch({running, paused});
         QCOMPARE(f.coordinator.observationStatus(QUrl::fromLocalFile(other)),
                  DirectoryObserverCoordinator::ObservationStatus::notObserving);
-        QCOMPARE(f.coordinator.observationStatus(f.url()), DirectoryObserverCoordinator::ObservationStatus::observing);
+        QCOMPARE(f.coordinator.observationStatus(f.url()),
+                 DirectoryObserverCoordinator::ObservationStatus::observing);
         QCOMPARE(f.coordinator.observer(f.url()).numberOfResponders(), 2);
 
         QVERIFY(Test::writeFile(f.folder + u"/nested/lower.pdf"_s, "x") && f.write(u"UPPER.PDF"_s));
         QVERIFY(f.pass());
         QCOMPARE(f.shelves.shelves.size(), 1);
-        QCOMPARE(f.shelves.shelves.first().files, QList<QUrl>{QUrl::fromLocalFile(f.folder + u"/UPPER.PDF"_s)});
+        QCOMPARE(f.shelves.shelves.first().files,
+                 QList<QUrl>{QUrl::fromLocalFile(f.folder + u"/UPPER.PDF"_s)});
     }
 
     void restriction()
@@ -156,7 +142,8 @@ private Q_SLOTS:
         Fixture f;
         DirectoryObserver& observer = f.coordinator.observer(f.url());
         QVERIFY(f.coordinator.startObserving(observer).has_value());
-        QCOMPARE(f.coordinator.startObserving(observer).error(), ObservedDirectoryStartObservationError::alreadyObserving);
+        QCOMPARE(f.coordinator.startObserving(observer).error(),
+                 ObservedDirectoryStartObservationError::alreadyObserving);
         QVERIFY(f.write(u"first.txt"_s));
         QVERIFY(f.pass());
         QVERIFY(f.coordinator.shelfIdentifier(f.url()).has_value());
@@ -164,18 +151,22 @@ private Q_SLOTS:
         f.coordinator.restrictDirectory(QUrl::fromLocalFile(f.folder + u"/"_s));
         QVERIFY(!observer.isRunning());
         QVERIFY(!f.coordinator.shelfIdentifier(f.url()).has_value());
-        QCOMPARE(f.coordinator.observationStatus(f.url()), DirectoryObserverCoordinator::ObservationStatus::restricted);
-        QCOMPARE(f.coordinator.startObserving(observer).error(), ObservedDirectoryStartObservationError::restricted);
+        QCOMPARE(f.coordinator.observationStatus(f.url()),
+                 DirectoryObserverCoordinator::ObservationStatus::restricted);
+        QCOMPARE(f.coordinator.startObserving(observer).error(),
+                 ObservedDirectoryStartObservationError::restricted);
 
         // Equality, not containment: a folder inside may still be watched.
         const QUrl inner = QUrl::fromLocalFile(f.folder + u"/inner"_s);
         QVERIFY(QDir().mkpath(inner.toLocalFile()));
         QVERIFY(f.coordinator.startObserving(f.coordinator.observer(inner)).has_value());
-        QCOMPARE(f.coordinator.observationStatus(inner), DirectoryObserverCoordinator::ObservationStatus::observing);
+        QCOMPARE(f.coordinator.observationStatus(inner),
+                 DirectoryObserverCoordinator::ObservationStatus::observing);
 
         QVERIFY(f.coordinator.removeObserver(inner));
         QVERIFY(!f.coordinator.removeObserver(inner));
-        QCOMPARE(f.coordinator.observationStatus(inner), DirectoryObserverCoordinator::ObservationStatus::notObserving);
+        QCOMPARE(f.coordinator.observationStatus(inner),
+                 DirectoryObserverCoordinator::ObservationStatus::notObserving);
     }
 
     void changesWithNowhereToGoAreDropped()
@@ -201,7 +192,8 @@ private Q_SLOTS:
         QVERIFY(f.write(u"kept.txt"_s));
         QVERIFY(f.pass());
         QCOMPARE(f.shelves.shelves.size(), 1);
-        QCOMPARE(f.shelves.shelves.first().files, QList<QUrl>{QUrl::fromLocalFile(f.folder + u"/kept.txt"_s)});
+        QCOMPARE(f.shelves.shelves.first().files,
+                 QList<QUrl>{QUrl::fromLocalFile(f.folder + u"/kept.txt"_s)});
     }
 };
 
