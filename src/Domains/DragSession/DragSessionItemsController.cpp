@@ -10,6 +10,7 @@
 #include "Models/Draggable/DraggableFile.h"
 #include "Models/Draggable/DraggablePromise.h"
 
+#include <QFileInfo>
 #include <QPointer>
 #include <QSet>
 
@@ -290,6 +291,21 @@ void DragSessionItemsController::Shared::reloadBookmark(const std::weak_ptr<Shar
 
     const auto resolved = FileBookmark::resolve(*data);
     if (!resolved) {
+        // Editors save by writing a new file and renaming it over the old one: the watched file is gone,
+        // but the user's file is still where it was. Follow the new one instead of dropping the item.
+        const QString path = url.toLocalFile();
+        const auto current = URL::systemFileNumber(url);
+        if (resolved.error().kind == FileBookmark::Error::Kind::notFound && current && *current != *number &&
+            QFileInfo(path).isFile()) {
+            qCInfo(lcDragSession).noquote() << "File was replaced at" << path << "- following the new file";
+            ItemChangeContext context{draggable, url, url};
+            DispatchQueue::main().async([weakShared, context] {
+                if (auto shared = weakShared.lock(); shared && shared->owner) {
+                    Q_EMIT shared->owner->itemChanged(context);
+                }
+            });
+            return;
+        }
         assumeDeleted(resolved.error().description());
         return;
     }

@@ -4,6 +4,7 @@
 #include "Models/Draggable/FilePromiseTransport.h"
 #include "support/TestSupport.h"
 
+#include <cstdio>
 #include <QDir>
 #include <QFile>
 #include <QSignalSpy>
@@ -73,6 +74,26 @@ private Q_SLOTS:
         // Nothing else follows: no deletion, no second change.
         QTest::qWait(1300);
         QCOMPARE(changes.size(), 1);
+        QCOMPARE(deletions.size(), 0);
+    }
+
+    void fileReplacedByAnEditorIsFollowed()
+    {
+        DragSessionItemsController controller;
+        QSignalSpy changes(&controller, &DragSessionItemsController::itemChanged);
+        QSignalSpy deletions(&controller, &DragSessionItemsController::itemsDeleted);
+        const auto item = addProcessed(controller, QStringLiteral("notes.txt"));
+        QVERIFY(item);
+        // Save as editors do: write a new file beside it and rename it over the old one.
+        const QString path = m_dir.filePath(QStringLiteral("notes.txt"));
+        const QString temporary = m_dir.filePath(QStringLiteral(".notes.txt.swp"));
+        QVERIFY(Test::writeFile(temporary, "new contents"));
+        QVERIFY(::rename(QFile::encodeName(temporary).constData(), QFile::encodeName(path).constData()) == 0);
+
+        QTRY_COMPARE(changes.size(), 1);
+        const auto context = changes.first().first().value<DragSessionItemsController::ItemChangeContext>();
+        QCOMPARE(context.newUrl, QUrl::fromLocalFile(path));
+        QTest::qWait(1300);
         QCOMPARE(deletions.size(), 0);
     }
 
