@@ -1,11 +1,15 @@
 #include "TestSupport.h"
 
+#include <fcntl.h>
+#include <linux/capability.h>
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
 #include <QMutex>
 #include <QStandardPaths>
 #include <QTemporaryDir>
+#include <sys/syscall.h>
+#include <unistd.h>
 
 namespace Vantrope::Test {
 
@@ -97,6 +101,39 @@ QByteArray readFile(const QString& path)
         return {};
     }
     return file.readAll();
+}
+
+UnreadableFolder::UnreadableFolder(const QString& folder)
+    : m_folder(folder)
+{
+    QFile::setPermissions(m_folder, QFileDevice::Permissions());
+    __user_cap_header_struct header{_LINUX_CAPABILITY_VERSION_3, 0};
+    __user_cap_data_struct saved[2]{};
+    if (::geteuid() == 0 && ::syscall(SYS_capget, &header, saved) == 0) {
+        m_savedCapabilities[0] = saved[0].effective;
+        m_savedCapabilities[1] = saved[1].effective;
+        saved[0].effective &= ~((1u << CAP_DAC_OVERRIDE) | (1u << CAP_DAC_READ_SEARCH));
+        m_dropped = ::syscall(SYS_capset, &header, saved) == 0;
+    }
+}
+
+UnreadableFolder::~UnreadableFolder()
+{
+    if (m_dropped) {
+        __user_cap_header_struct header{_LINUX_CAPABILITY_VERSION_3, 0};
+        __user_cap_data_struct current[2]{};
+        ::syscall(SYS_capget, &header, current);
+        current[0].effective = m_savedCapabilities[0];
+        current[1].effective = m_savedCapabilities[1];
+        ::syscall(SYS_capset, &header, current);
+    }
+    QFile::setPermissions(m_folder, QFileDevice::ReadOwner | QFileDevice::WriteOwner | QFileDevice::ExeOwner);
+}
+
+bool UnreadableFolder::isEnforced() const
+{
+    const int fd = ::open(QFile::encodeName(m_folder).constData(), O_RDONLY | O_DIRECTORY);
+    return fd < 0 || ::close(fd) != 0;
 }
 
 } // namespace Vantrope::Test

@@ -31,4 +31,22 @@ void isolateStandardPaths();
 bool writeFile(const QString& path, const QByteArray& data);
 QByteArray readFile(const QString& path);
 
+// While it lives, a folder without permissions that this thread cannot list even as root: it drops the
+// capabilities that override permissions. The destructor gives them back and the owner every permission.
+// Where the folder can still be listed (some sandboxes), isEnforced() is false and the test should skip.
+class UnreadableFolder final {
+public:
+    explicit UnreadableFolder(const QString& folder);
+    ~UnreadableFolder();
+    UnreadableFolder(const UnreadableFolder&) = delete;
+    UnreadableFolder& operator=(const UnreadableFolder&) = delete;
+
+    bool isEnforced() const;
+
+private:
+    QString m_folder;
+    quint32 m_savedCapabilities[2] = {0, 0};
+    bool m_dropped = false;
+};
+
 } // namespace Vantrope::Test

@@ -51,36 +51,28 @@ private Q_SLOTS:
         QTest::addColumn<bool>("complete");
 
         using S = DragRecognizer::Sensitivity;
+        const auto row = [](const char* tag, S sensitivity, const QList<double>& xs, int turns, bool complete,
+                            double interval = 0.02, int pauseBefore = -1, double pause = 0) {
+            QTest::newRow(tag) << sensitivity << xs << interval << pauseBefore << pause << turns << complete;
+        };
         // Six runs make five turns; the turn into run four is the event at index 3 + 3 * 3.
         const QList<double> six = shake(repeated(10, 6));
-        QTest::newRow("normal, four turns")
-            << S::normal << shake(repeated(10, 5)) << 0.02 << -1 << 0.0 << 4 << false;
-        QTest::newRow("normal, the fifth turn completes")
-            << S::normal << six << 0.02 << -1 << 0.0 << 5 << true;
-        QTest::newRow("normal, runs just short of 20 points")
-            << S::normal << shake(repeated(9.9, 6)) << 0.02 << -1 << 0.0 << 1 << false;
-        QTest::newRow("a short run neither counts nor clears the count")
-            << S::normal << shake({10, 10, 5, 10, 10, 10, 10}) << 0.02 << -1 << 0.0 << 5 << true;
-        QTest::newRow("high, three turns")
-            << S::high << shake(repeated(6, 4)) << 0.02 << -1 << 0.0 << 3 << false;
-        QTest::newRow("high, four turns")
-            << S::high << shake(repeated(6, 5)) << 0.02 << -1 << 0.0 << 4 << true;
-        QTest::newRow("high, runs of 11 points")
-            << S::high << shake(repeated(5.5, 5)) << 0.02 << -1 << 0.0 << 1 << false;
-        QTest::newRow("ludicrous, one turn")
-            << S::ludicrous << shake(repeated(2.5, 2)) << 0.02 << -1 << 0.0 << 1 << false;
-        QTest::newRow("ludicrous, two turns")
-            << S::ludicrous << shake(repeated(2.5, 3)) << 0.02 << -1 << 0.0 << 2 << true;
-        QTest::newRow("a pause of 0.21 s clears the count")
-            << S::normal << six << 0.02 << 12 << 0.21 << 2 << false;
-        QTest::newRow("a pause of exactly 0.2 s does not")
-            << S::normal << six << 0.02 << 12 << 0.2 << 5 << true;
+        row("normal, four turns", S::normal, shake(repeated(10, 5)), 4, false);
+        row("normal, the fifth turn completes", S::normal, six, 5, true);
+        row("normal, runs just short of 20 points", S::normal, shake(repeated(9.9, 6)), 1, false);
+        row("a short run neither counts nor clears the count", S::normal, shake({10, 10, 5, 10, 10, 10, 10}),
+            5, true);
+        row("high, three turns", S::high, shake(repeated(6, 4)), 3, false);
+        row("high, four turns", S::high, shake(repeated(6, 5)), 4, true);
+        row("high, runs of 11 points", S::high, shake(repeated(5.5, 5)), 1, false);
+        row("ludicrous, one turn", S::ludicrous, shake(repeated(2.5, 2)), 1, false);
+        row("ludicrous, two turns", S::ludicrous, shake(repeated(2.5, 3)), 2, true);
+        row("a pause of 0.21 s clears the count", S::normal, six, 2, false, 0.02, 12, 0.21);
+        row("a pause of exactly 0.2 s does not", S::normal, six, 5, true, 0.02, 12, 0.2);
         // 21 events 0.05 s apart span exactly the one-second window.
-        QTest::newRow("a shake within one second") << S::normal << six << 0.05 << -1 << 0.0 << 5 << true;
-        QTest::newRow("a shake over one second never completes")
-            << S::normal << six << 0.06 << -1 << 0.0 << 0 << false;
-        QTest::newRow("a complete shake ignores pauses")
-            << S::normal << shake(repeated(10, 7)) << 0.02 << 20 << 0.5 << 6 << true;
+        row("a shake within one second", S::normal, six, 5, true, 0.05);
+        row("a shake over one second never completes", S::normal, six, 0, false, 0.06);
+        row("a complete shake ignores pauses", S::normal, shake(repeated(10, 7)), 6, true, 0.02, 20, 0.5);
     }
 
     void countsTurns()

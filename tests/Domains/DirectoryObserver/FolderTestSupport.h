@@ -3,22 +3,15 @@
 #include "Domains/DirectoryObserver/DirectoryObserver.h"
 #include "Libraries/Core/ManualClock.h"
 
-#include <fcntl.h>
 #include <functional>
-#include <linux/capability.h>
 #include <optional>
 #include <QCoreApplication>
 #include <QDeadlineTimer>
 #include <QFile>
 #include <QTest>
-#include <sys/syscall.h>
 #include <sys/xattr.h>
-#include <unistd.h>
 
 namespace Vantrope::Test {
-
-constexpr QFileDevice::Permissions ownerAll =
-    QFileDevice::ReadOwner | QFileDevice::WriteOwner | QFileDevice::ExeOwner;
 
 // Lets signals arrive and moves the clock past the throttle until `condition` holds, then for `settle`
 // milliseconds more, so that the signals of other folders touched by the same step are served too.
@@ -69,38 +62,5 @@ inline bool markAsDownload(const QString& path)
     return ::setxattr(QFile::encodeName(path).constData(), "user.xdg.origin.url", origin.constData(),
                       size_t(origin.size()), 0) == 0;
 }
-
-// Root reads any folder whatever its mode; without the override capabilities this thread sees what a
-// user sees.
-class AsOrdinaryUser final {
-public:
-    AsOrdinaryUser()
-    {
-        if (::geteuid() == 0 && ::syscall(SYS_capget, &m_header, m_saved) == 0) {
-            __user_cap_data_struct reduced[2] = {m_saved[0], m_saved[1]};
-            reduced[0].effective &= ~((1u << CAP_DAC_OVERRIDE) | (1u << CAP_DAC_READ_SEARCH));
-            m_dropped = ::syscall(SYS_capset, &m_header, reduced) == 0;
-        }
-    }
-    ~AsOrdinaryUser()
-    {
-        if (m_dropped) {
-            ::syscall(SYS_capset, &m_header, m_saved);
-        }
-    }
-    AsOrdinaryUser(const AsOrdinaryUser&) = delete;
-    AsOrdinaryUser& operator=(const AsOrdinaryUser&) = delete;
-
-    static bool canList(const QString& folder)
-    {
-        const int fd = ::open(QFile::encodeName(folder).constData(), O_RDONLY | O_DIRECTORY);
-        return fd >= 0 && ::close(fd) == 0;
-    }
-
-private:
-    __user_cap_header_struct m_header{_LINUX_CAPABILITY_VERSION_3, 0};
-    __user_cap_data_struct m_saved[2]{};
-    bool m_dropped = false;
-};
 
 } // namespace Vantrope::Test

