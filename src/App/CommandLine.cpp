@@ -2,37 +2,142 @@
 
 #include "Version.h"
 
+#include <QFileInfo>
+
 namespace Vantrope {
 
-CommandLine::Request CommandLine::parse(const QStringList& arguments)
+namespace {
+
+bool isOption(const QString& argument)
 {
-    Request request = RunAgent{};
-    for (qsizetype i = 1; i < arguments.size(); ++i) {
-        const QString& argument = arguments.at(i);
+    return argument.size() > 1 && argument.startsWith(QLatin1Char('-'));
+}
+
+CommandLine::Invalid unknownArgument(const QString& argument)
+{
+    return {QStringLiteral("unknown argument \"%1\"; see \"vantrope --help\"").arg(argument)};
+}
+
+} // namespace
+
+CommandLine::Request CommandLine::parse(const QStringList& arguments, const QString& workingDirectory)
+{
+    const QStringList rest = arguments.mid(1);
+    // --help wins wherever it stands, then --version, before anything else is judged.
+    bool version = false;
+    for (const QString& argument : rest) {
+        if (argument == QStringLiteral("--")) {
+            break;
+        }
         if (argument == QStringLiteral("--help") || argument == QStringLiteral("-h")) {
             return ShowHelp{};
         }
-        if (argument == QStringLiteral("--version") || argument == QStringLiteral("-v")) {
-            request = ShowVersion{};
-            continue;
-        }
-        return Invalid{QStringLiteral("unknown argument \"%1\"; see \"vantrope --help\"").arg(argument)};
+        version = version || argument == QStringLiteral("--version") || argument == QStringLiteral("-v");
     }
-    return request;
+    if (version) {
+        return ShowVersion{};
+    }
+
+    const QDir base(workingDirectory);
+    QString command;
+    QStringList operands;
+    bool optionsEnded = false;
+    bool json = false;
+    for (const QString& argument : rest) {
+        if (!optionsEnded && argument == QStringLiteral("--")) {
+            optionsEnded = true;
+        } else if (!optionsEnded && isOption(argument)) {
+            if (command == QStringLiteral("list") && argument == QStringLiteral("--json")) {
+                json = true;
+            } else {
+                return unknownArgument(argument);
+            }
+        } else if (command.isEmpty() && operands.isEmpty() && !optionsEnded &&
+                   QStringList{QStringLiteral("add"), QStringLiteral("new"), QStringLiteral("open-recent"),
+                               QStringLiteral("close-all"), QStringLiteral("quit"), QStringLiteral("list")}
+                       .contains(argument)) {
+            command = argument;
+        } else {
+            operands.append(argument);
+        }
+    }
+
+    const auto absolute = [&base](const QStringList& names) {
+        QStringList paths;
+        for (const QString& name : names) {
+            paths.append(QDir::cleanPath(base.absoluteFilePath(name)));
+        }
+        return paths;
+    };
+    const auto noOperands = [&](Request request) -> Request {
+        if (!operands.isEmpty()) {
+            return Invalid{QStringLiteral("\"%1\" takes no arguments").arg(command)};
+        }
+        return request;
+    };
+
+    if (command.isEmpty()) {
+        return RunAgent{absolute(operands)};
+    }
+    if (command == QStringLiteral("add")) {
+        if (operands.isEmpty()) {
+            return Invalid{QStringLiteral("\"add\" needs at least one file")};
+        }
+        return AddFiles{absolute(operands)};
+    }
+    if (command == QStringLiteral("open-recent")) {
+        if (operands.size() > 1) {
+            return Invalid{QStringLiteral("\"open-recent\" takes at most one shelf identifier")};
+        }
+        return OpenRecent{operands.value(0)};
+    }
+    if (command == QStringLiteral("new")) {
+        return noOperands(NewShelf{});
+    }
+    if (command == QStringLiteral("close-all")) {
+        return noOperands(CloseAll{});
+    }
+    if (command == QStringLiteral("quit")) {
+        return noOperands(Quit{});
+    }
+    return noOperands(List{json});
+}
+
+std::optional<QString> CommandLine::firstMissing(const QStringList& paths)
+{
+    for (const QString& path : paths) {
+        if (!QFileInfo::exists(path)) {
+            return path;
+        }
+    }
+    return std::nullopt;
 }
 
 QString CommandLine::helpText()
 {
     return QStringLiteral(
-        "Usage: vantrope [OPTION]\n"
+        "Usage: vantrope [FILE...]\n"
+        "       vantrope COMMAND [ARGUMENTS]\n"
         "A floating shelf for the things you drag: shake the pointer during a drag, set things down on the\n"
         "shelf, and drag them out again wherever you need them.\n"
         "\n"
-        "Started without arguments, Vantrope runs in the background with an item in the system tray.\n"
+        "Started without a command, Vantrope runs in the background with an item in the system tray; given\n"
+        "files, it also puts them on a new shelf. When it is running already, the running one does the work\n"
+        "and this call returns at once.\n"
+        "\n"
+        "Commands (they need Vantrope to be running):\n"
+        "  add FILE...          put the files on a new shelf and print its identifier\n"
+        "  new                  open an empty shelf and print its identifier\n"
+        "  open-recent [ID]     open the recent shelf ID, or the one closed most recently\n"
+        "  close-all            close every shelf; closed shelves stay in the recent list\n"
+        "  list [--json]        show the open shelves with their identifiers, labels and items\n"
+        "  quit                 end Vantrope\n"
         "\n"
         "Options:\n"
         "  -h, --help     show this help and exit\n"
-        "  -v, --version  show the version and exit\n");
+        "  -v, --version  show the version and exit\n"
+        "\n"
+        "Exit status: 0 on success, 1 when the request failed, 2 for a mistake on the command line.\n");
 }
 
 QString CommandLine::versionText()

@@ -1,23 +1,49 @@
 #pragma once
 
+#include <optional>
+#include <QDir>
 #include <QString>
 #include <QStringList>
 #include <variant>
 
 namespace Vantrope {
 
-// What the command line asks for. Parsing touches no display, so `--help` and `--version` work anywhere.
+// What the command line asks for. Parsing touches neither the display nor the file system, so
+// `--help` and `--version` work anywhere; file names come back absolute.
 class CommandLine final {
 public:
-    struct RunAgent {};
+    // Run the agent, or hand over to the one already running. Files become a shelf either way.
+    struct RunAgent {
+        QStringList files;
+    };
     struct ShowHelp {};
     struct ShowVersion {};
     struct Invalid {
         QString message;
     };
-    using Request = std::variant<RunAgent, ShowHelp, ShowVersion, Invalid>;
+    // The commands below need a running agent.
+    struct AddFiles {
+        QStringList files;
+    };
+    struct NewShelf {};
+    struct OpenRecent {
+        // Empty for the most recently closed shelf.
+        QString identifier;
+    };
+    struct CloseAll {};
+    struct Quit {};
+    struct List {
+        bool json = false;
+    };
+    using Request = std::variant<RunAgent, ShowHelp, ShowVersion, Invalid, AddFiles, NewShelf, OpenRecent,
+                                 CloseAll, Quit, List>;
 
-    static Request parse(const QStringList& arguments);
+    // Usage mistakes exit with this, failures at run time with 1.
+    static constexpr int usageExitCode = 2;
+
+    static Request parse(const QStringList& arguments, const QString& workingDirectory = QDir::currentPath());
+    // The first of `paths` that names nothing on disk.
+    static std::optional<QString> firstMissing(const QStringList& paths);
     static QString helpText();
     static QString versionText();
 };

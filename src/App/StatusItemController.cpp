@@ -3,6 +3,7 @@
 #include "AppLogging.h"
 #include "Libraries/Core/Localized.h"
 
+#include <QCursor>
 #include <QIcon>
 #include <QMenu>
 #include <QSystemTrayIcon>
@@ -15,18 +16,22 @@ static void initResources()
 
 namespace Vantrope {
 
-StatusItemController::StatusItemController(QObject* parent)
+StatusItemController::StatusItemController(QMenu& menu, QObject* parent)
     : QObject(parent)
-    , m_menu(std::make_unique<QMenu>())
+    , m_menu(menu)
     , m_trayIcon(std::make_unique<QSystemTrayIcon>())
 {
     initResources();
-    QAction* quit = m_menu->addAction(Localized("status-menu.quit", "Quit Vantrope"));
-    connect(quit, &QAction::triggered, this, &StatusItemController::quitRequested);
-
     m_trayIcon->setIcon(QIcon(QStringLiteral(":/icons/vantrope-tray.svg")));
     m_trayIcon->setToolTip(Localized("status-menu.tooltip", "Vantrope"));
-    m_trayIcon->setContextMenu(m_menu.get());
+    m_trayIcon->setContextMenu(&m_menu);
+    // A tray item is clicked to see its menu; the context menu alone would want the right button.
+    connect(m_trayIcon.get(), &QSystemTrayIcon::activated, this,
+            [this](QSystemTrayIcon::ActivationReason reason) {
+                if (reason == QSystemTrayIcon::Trigger && !m_menu.isVisible()) {
+                    m_menu.popup(QCursor::pos());
+                }
+            });
 }
 
 StatusItemController::~StatusItemController() = default;

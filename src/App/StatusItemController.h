@@ -8,21 +8,19 @@ class QSystemTrayIcon;
 
 namespace Vantrope {
 
-// The tray item and its menu: the program's one permanent presence on the desktop.
+// The tray item: the program's one permanent presence on the desktop. It shows the menu it is given on
+// either mouse button.
 class StatusItemController final : public QObject {
     Q_OBJECT
 public:
-    explicit StatusItemController(QObject* parent = nullptr);
+    explicit StatusItemController(QMenu& menu, QObject* parent = nullptr);
     ~StatusItemController() override;
 
     void show();
     bool isVisible() const;
 
-Q_SIGNALS:
-    void quitRequested();
-
 private:
-    std::unique_ptr<QMenu> m_menu;
+    QMenu& m_menu;
     std::unique_ptr<QSystemTrayIcon> m_trayIcon;
 };
 

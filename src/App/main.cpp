@@ -1,19 +1,29 @@
+#include "AppDelegate.h"
 #include "AppLogging.h"
 #include "CommandLine.h"
+#include "CommandLineClient.h"
+#include "Domains/DragSession/MessageWindowCenter.h"
+#include "Domains/DragSession/PersistentDragSessionStore.h"
+#include "Launcher.h"
+#include "Libraries/Core/Clock.h"
 #include "Libraries/Core/Localized.h"
 #include "Libraries/Core/Logging.h"
-#include "Libraries/Core/ReservedTemporaryDirectory.h"
+#include "Platform/DBus/ApplicationDBusClient.h"
+#include "Platform/DBus/ApplicationDBusService.h"
 #include "Platform/DisplayEnvironment.h"
+#include "Platform/Qt/QtClipboardSource.h"
+#include "Platform/Qt/QtDragSessionUserInterface.h"
+#include "Platform/Qt/QtScreenEnvironment.h"
 #include "Platform/UnixSignalWatcher.h"
 #include "Preferences/Preferences.h"
 #include "Preferences/SettingsPreferenceStorage.h"
-#include "StatusItemController.h"
+#include "VantropeApplication.h"
 #include "Version.h"
 
 #include <csignal>
 #include <cstdio>
-#include <QApplication>
-#include <QIcon>
+#include <QCoreApplication>
+#include <QUrl>
 
 using namespace Vantrope;
 
@@ -21,6 +31,9 @@ namespace {
 
 void print(FILE* stream, const QString& text)
 {
+    if (text.isEmpty()) {
+        return;
+    }
     const QByteArray bytes = text.toLocal8Bit();
     std::fputs(bytes.constData(), stream);
     if (!text.endsWith(QLatin1Char('\n'))) {
@@ -28,9 +41,132 @@ void print(FILE* stream, const QString& text)
     }
 }
 
+int fail(const QString& message, int exitCode = 1)
+{
+    print(stderr, QStringLiteral("vantrope: ") + message);
+    return exitCode;
+}
+
 template<class... Ts> struct Overloaded : Ts... {
     using Ts::operator()...;
 };
+
+// A command for the running agent: no display needed, only the session bus.
+int runClient(int argc, char* argv[], const CommandLine::Request& request)
+{
+    QCoreApplication app(argc, argv);
+    const ApplicationDBusClient client;
+    const CommandLineClient::Outcome outcome = CommandLineClient(client).run(request);
+    print(stdout, outcome.output);
+    if (!outcome.error.isEmpty()) {
+        return fail(outcome.error, outcome.exitCode);
+    }
+    return outcome.exitCode;
+}
+
+// Another agent holds the bus name: it gets the launch, and this process ends.
+std::optional<int> forwardToRunningAgent(const QStringList& files)
+{
+    const ApplicationDBusClient client;
+    std::optional<ApplicationDBusClient::Error> error;
+    if (files.isEmpty()) {
+        if (const auto activated = client.activate(); !activated) {
+            error = activated.error();
+        }
+    } else if (const auto added = client.addFiles(files); !added) {
+        error = added.error();
+    }
+    if (!error) {
+        return 0;
+    }
+    if (error->kind == ApplicationDBusClient::Error::Kind::notRunning) {
+        // It ended in the meantime: this process takes over.
+        return std::nullopt;
+    }
+    return fail(error->message);
+}
+
+// An exit status when this process must end because another agent runs or cannot be told apart.
+std::optional<int> becomeTheOnlyAgent(ApplicationDBusService& service, const QStringList& files)
+{
+    for (int attempt = 0; attempt < 2; ++attempt) {
+        switch (service.claim()) {
+        case ApplicationDBusService::Claim::claimed:
+            return std::nullopt;
+        case ApplicationDBusService::Claim::noBus:
+            qCWarning(lcApp) << "No D-Bus session bus: the command line cannot reach this instance, and a "
+                                "second start is not detected";
+            return std::nullopt;
+        case ApplicationDBusService::Claim::alreadyRunning:
+            if (const auto forwarded = forwardToRunningAgent(files)) {
+                return forwarded;
+            }
+            break;
+        }
+    }
+    return fail(
+        QStringLiteral("another Vantrope keeps appearing and vanishing on the session bus; try again"));
+}
+
+int runAgent(int argc, char* argv[], const CommandLine::RunAgent& request)
+{
+    if (const auto missing = CommandLine::firstMissing(request.files)) {
+        return fail(QStringLiteral("no such file or command: %1; see \"vantrope --help\"").arg(*missing));
+    }
+    const DisplayEnvironment display = DisplayEnvironment::detect();
+    if (!display.isUsable()) {
+        return fail(display.problem());
+    }
+    if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM") && !display.preferredPlatform().isEmpty()) {
+        qputenv("QT_QPA_PLATFORM", display.preferredPlatform().toLatin1());
+    }
+
+    Logging::install();
+    VantropeApplication app(argc, argv);
+    installTranslations();
+
+    // The bus name is the single-instance guard; it is taken before anything else is built.
+    ApplicationDBusService service;
+    if (const auto handedOver = becomeTheOnlyAgent(service, request.files)) {
+        return *handedOver;
+    }
+
+    Preferences preferences(
+        std::make_unique<SettingsPreferenceStorage>(SettingsPreferenceStorage::defaultFilePath()));
+    PersistentDragSessionStore sessionStore;
+    MessageWindowCenter& messages = MessageWindowCenter::shared();
+    QtDragSessionUserInterface shelfInterface({messages, preferences, Clock::system()});
+    QtScreenEnvironment screens;
+    QtClipboardSource clipboard;
+    const Launcher launcher;
+    AppDelegate appDelegate(
+        {preferences, sessionStore, shelfInterface, screens, clipboard, messages, launcher,
+         [&service](ApplicationRequestHandler* provider) { service.setHandler(provider); }});
+    // Queued, so that the answer to a `quit` request leaves before the event loop ends.
+    QObject::connect(&appDelegate, &AppDelegate::quitRequested, &app, &QApplication::quit,
+                     Qt::QueuedConnection);
+
+    UnixSignalWatcher unixSignals({SIGTERM, SIGINT, SIGHUP});
+    QObject::connect(&unixSignals, &UnixSignalWatcher::received, &app, [](int signalNumber) {
+        qCInfo(lcApp) << "Received signal" << signalNumber << "- quitting";
+        QApplication::quit();
+    });
+
+    if (!request.files.isEmpty()) {
+        QList<QUrl> urls;
+        for (const QString& file : request.files) {
+            urls.append(QUrl::fromLocalFile(file));
+        }
+        appDelegate.openFiles(urls);
+    }
+    appDelegate.applicationDidFinishLaunching();
+
+    qCInfo(lcApp).noquote() << "Vantrope" << VANTROPE_VERSION << "started on"
+                            << QGuiApplication::platformName();
+    const int status = QApplication::exec();
+    qCInfo(lcApp) << "Vantrope stopped";
+    return status;
+}
 
 } // namespace
 
@@ -41,74 +177,21 @@ int main(int argc, char* argv[])
         arguments.append(QString::fromLocal8Bit(argv[i]));
     }
 
-    const int early = std::visit(Overloaded{
-                                     [](const CommandLine::RunAgent&) { return -1; },
-                                     [](const CommandLine::ShowHelp&) {
-                                         print(stdout, CommandLine::helpText());
-                                         return 0;
-                                     },
-                                     [](const CommandLine::ShowVersion&) {
-                                         print(stdout, CommandLine::versionText());
-                                         return 0;
-                                     },
-                                     [](const CommandLine::Invalid& invalid) {
-                                         print(stderr, QStringLiteral("vantrope: ") + invalid.message);
-                                         return 2;
-                                     },
-                                 },
-                                 CommandLine::parse(arguments));
-    if (early >= 0) {
-        return early;
-    }
-
-    const DisplayEnvironment display = DisplayEnvironment::detect();
-    if (!display.isUsable()) {
-        print(stderr, QStringLiteral("vantrope: ") + display.problem());
-        return 1;
-    }
-    if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM") && !display.preferredPlatform().isEmpty()) {
-        qputenv("QT_QPA_PLATFORM", display.preferredPlatform().toLatin1());
-    }
-
-    Logging::install();
-    QApplication::setApplicationName(QStringLiteral("vantrope"));
-    QApplication::setApplicationDisplayName(QStringLiteral("Vantrope"));
-    QApplication::setApplicationVersion(QStringLiteral(VANTROPE_VERSION));
-    QApplication::setDesktopFileName(QStringLiteral(VANTROPE_APPLICATION_ID));
-    QApplication app(argc, argv);
-    QApplication::setQuitOnLastWindowClosed(false);
-    QApplication::setWindowIcon(QIcon(QStringLiteral(":/icons/vantrope.svg")));
-    installTranslations();
-
-    Preferences preferences(
-        std::make_unique<SettingsPreferenceStorage>(SettingsPreferenceStorage::defaultFilePath()));
-    preferences.registerDefaults();
-    const auto applyFileLogging = [&preferences] {
-        const bool enabled = preferences.value(PreferenceKeys::fileLoggingEnabled, false);
-        const auto folder =
-            enabled ? TemporaryDirectories::path(ReservedTemporaryDirectory::logs) : std::nullopt;
-        Logging::setFileLoggingDirectory(folder.value_or(QString()));
-    };
-    applyFileLogging();
-    QObject::connect(&preferences, &Preferences::changed, &app, [applyFileLogging](PreferenceKey key) {
-        if (key == PreferenceKey::fileLoggingEnabled) {
-            applyFileLogging();
-        }
-    });
-
-    UnixSignalWatcher unixSignals({SIGTERM, SIGINT, SIGHUP});
-    QObject::connect(&unixSignals, &UnixSignalWatcher::received, &app, [](int signalNumber) {
-        qCInfo(lcApp) << "Received signal" << signalNumber << "- quitting";
-        QApplication::quit();
-    });
-
-    StatusItemController statusItem;
-    QObject::connect(&statusItem, &StatusItemController::quitRequested, &app, &QApplication::quit);
-    statusItem.show();
-
-    qCInfo(lcApp).noquote() << "Vantrope" << VANTROPE_VERSION << "started on"
-                            << QGuiApplication::platformName();
-    const int status = QApplication::exec();
-    qCInfo(lcApp) << "Vantrope stopped";
-    return status;
+    const CommandLine::Request request = CommandLine::parse(arguments);
+    return std::visit(Overloaded{
+                          [&](const CommandLine::RunAgent& run) { return runAgent(argc, argv, run); },
+                          [](const CommandLine::ShowHelp&) {
+                              print(stdout, CommandLine::helpText());
+                              return 0;
+                          },
+                          [](const CommandLine::ShowVersion&) {
+                              print(stdout, CommandLine::versionText());
+                              return 0;
+                          },
+                          [](const CommandLine::Invalid& invalid) {
+                              return fail(invalid.message, CommandLine::usageExitCode);
+                          },
+                          [&](const auto&) { return runClient(argc, argv, request); },
+                      },
+                      request);
 }

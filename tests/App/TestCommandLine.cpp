@@ -1,12 +1,105 @@
+#include "App/CommandLine.h"
+
 #include <QProcess>
 #include <QProcessEnvironment>
+#include <QTemporaryDir>
 #include <QTest>
+
+using namespace Vantrope;
+
+namespace {
+
+template<class... Ts> struct Overloaded : Ts... {
+    using Ts::operator()...;
+};
+
+// One line per request, so that a data row can say what it expects.
+QString describe(const CommandLine::Request& request)
+{
+    return std::visit(
+        Overloaded{
+            [](const CommandLine::RunAgent& run) -> QString {
+                return (QStringList{QStringLiteral("run")} + run.files).join(u' ');
+            },
+            [](const CommandLine::ShowHelp&) -> QString { return QStringLiteral("help"); },
+            [](const CommandLine::ShowVersion&) -> QString { return QStringLiteral("version"); },
+            [](const CommandLine::Invalid& invalid) -> QString {
+                return QStringLiteral("invalid: ") + invalid.message;
+            },
+            [](const CommandLine::AddFiles& add) -> QString {
+                return (QStringList{QStringLiteral("add")} + add.files).join(u' ');
+            },
+            [](const CommandLine::NewShelf&) -> QString { return QStringLiteral("new"); },
+            [](const CommandLine::OpenRecent& open) -> QString {
+                return QStringLiteral("open-recent ") + open.identifier;
+            },
+            [](const CommandLine::CloseAll&) -> QString { return QStringLiteral("close-all"); },
+            [](const CommandLine::Quit&) -> QString { return QStringLiteral("quit"); },
+            [](const CommandLine::List& list) -> QString {
+                return list.json ? QStringLiteral("list json") : QStringLiteral("list");
+            },
+        },
+        request);
+}
+
+} // namespace
 
 class TestCommandLine final : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
-    void runsWithoutDisplay_data()
+    void parses_data()
+    {
+        QTest::addColumn<QStringList>("arguments");
+        QTest::addColumn<QString>("expected");
+
+        const auto row = [](const char* name, QStringList arguments, const char* expected) {
+            QTest::newRow(name) << arguments << QString::fromUtf8(expected);
+        };
+        row("nothing runs the agent", {}, "run");
+        row("bare files are handed over, made absolute",
+            {QStringLiteral("a.txt"), QStringLiteral("../b c.txt")}, "run /work/dir/a.txt /work/b c.txt");
+        row("absolute paths stay", {QStringLiteral("/tmp/./x//y")}, "run /tmp/x/y");
+        row("a command word after a file is a file", {QStringLiteral("x"), QStringLiteral("list")},
+            "run /work/dir/x /work/dir/list");
+        row("-- makes a command word a file", {QStringLiteral("--"), QStringLiteral("new")},
+            "run /work/dir/new");
+        row("add", {QStringLiteral("add"), QStringLiteral("f"), QStringLiteral("/g")}, "add /work/dir/f /g");
+        row("add takes dashed names after --",
+            {QStringLiteral("add"), QStringLiteral("--"), QStringLiteral("-f")}, "add /work/dir/-f");
+        row("add without files", {QStringLiteral("add")}, "invalid: \"add\" needs at least one file");
+        row("new", {QStringLiteral("new")}, "new");
+        row("new with an operand", {QStringLiteral("new"), QStringLiteral("x")},
+            "invalid: \"new\" takes no arguments");
+        row("open-recent", {QStringLiteral("open-recent")}, "open-recent ");
+        row("open-recent with an id", {QStringLiteral("open-recent"), QStringLiteral("AB-12")},
+            "open-recent AB-12");
+        row("open-recent with two ids",
+            {QStringLiteral("open-recent"), QStringLiteral("a"), QStringLiteral("b")},
+            "invalid: \"open-recent\" takes at most one shelf identifier");
+        row("close-all", {QStringLiteral("close-all")}, "close-all");
+        row("quit", {QStringLiteral("quit")}, "quit");
+        row("list", {QStringLiteral("list")}, "list");
+        row("list --json", {QStringLiteral("list"), QStringLiteral("--json")}, "list json");
+        row("--json belongs to list only", {QStringLiteral("new"), QStringLiteral("--json")},
+            "invalid: unknown argument \"--json\"; see \"vantrope --help\"");
+        row("help wins over a command", {QStringLiteral("add"), QStringLiteral("-h")}, "help");
+        row("help after -- is a file",
+            {QStringLiteral("add"), QStringLiteral("--"), QStringLiteral("--help")}, "add /work/dir/--help");
+        row("version", {QStringLiteral("list"), QStringLiteral("--version")}, "version");
+    }
+
+    void parses()
+    {
+        QFETCH(QStringList, arguments);
+        QFETCH(QString, expected);
+        QCOMPARE(describe(CommandLine::parse(QStringList{QStringLiteral("vantrope")} + arguments,
+                                             QStringLiteral("/work/dir"))),
+                 expected);
+    }
+
+    // The real program, with no agent to talk to: every answer is one line and an exit status.
+    void answersWithoutAgent_data()
     {
         QTest::addColumn<QStringList>("arguments");
         QTest::addColumn<QString>("display");
@@ -25,13 +118,23 @@ private Q_SLOTS:
             << QStringLiteral("Usage: vantrope") << QString();
         QTest::newRow("unknown option") << QStringList{QStringLiteral("--frobnicate")} << QString() << 2
                                         << QString() << QStringLiteral("unknown argument \"--frobnicate\"");
+        QTest::newRow("add without files") << QStringList{QStringLiteral("add")} << QString() << 2
+                                           << QString() << QStringLiteral("\"add\" needs at least one file");
         QTest::newRow("no display at all")
             << QStringList{} << QString() << 1 << QString() << QStringLiteral("no graphical display found");
         QTest::newRow("unreachable X display") << QStringList{} << QStringLiteral(":4242") << 1 << QString()
                                                << QStringLiteral("cannot connect to the X display \":4242\"");
+        QTest::newRow("typo of a command") << QStringList{QStringLiteral("lst")} << QStringLiteral(":4242")
+                                           << 1 << QString() << QStringLiteral("no such file or command: ");
+        QTest::newRow("missing file is found before the bus")
+            << QStringList{QStringLiteral("add"), QStringLiteral("/nonexistent/file")} << QString() << 1
+            << QString() << QStringLiteral("no such file: /nonexistent/file");
+        QTest::newRow("no session bus")
+            << QStringList{QStringLiteral("list"), QStringLiteral("--json")} << QString() << 1 << QString()
+            << QStringLiteral("cannot reach the D-Bus session bus");
     }
 
-    void runsWithoutDisplay()
+    void answersWithoutAgent()
     {
         QFETCH(QStringList, arguments);
         QFETCH(QString, display);
@@ -39,6 +142,7 @@ private Q_SLOTS:
         QFETCH(QString, expectedOutput);
         QFETCH(QString, expectedError);
 
+        QTemporaryDir home;
         QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
         for (const char* name : {"DISPLAY", "WAYLAND_DISPLAY", "QT_QPA_PLATFORM", "XDG_SESSION_TYPE"}) {
             environment.remove(QString::fromLatin1(name));
@@ -46,6 +150,10 @@ private Q_SLOTS:
         if (!display.isEmpty()) {
             environment.insert(QStringLiteral("DISPLAY"), display);
         }
+        // Never the user's own bus, where a real agent may be running.
+        environment.insert(QStringLiteral("DBUS_SESSION_BUS_ADDRESS"),
+                           QStringLiteral("unix:path=") + home.filePath(QStringLiteral("no-bus")));
+        environment.insert(QStringLiteral("XDG_CONFIG_HOME"), home.filePath(QStringLiteral("config")));
 
         QProcess process;
         process.setProcessEnvironment(environment);

@@ -367,6 +367,12 @@ void DragSessionCoordinator::didSelectRestoreButton()
     appendItems(*draggables, true);
 }
 
+void DragSessionCoordinator::didRemoveDraggable(const DraggablePtr& draggable)
+{
+    m_itemsController->remove(draggable);
+    throttleSave();
+}
+
 void DragSessionCoordinator::handleDeletedItems(
     const QList<DragSessionItemsController::DeleteContext>& contexts)
 {

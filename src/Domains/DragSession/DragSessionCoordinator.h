@@ -99,6 +99,7 @@ public:
     void didFailDraggingItems(bool outbound, const DragError& error, int rejectedCount) override;
     void didSelectCloseButton(bool alternateModifier) override;
     void didSelectRestoreButton() override;
+    void didRemoveDraggable(const DraggablePtr& draggable) override;
 
 Q_SIGNALS:
     void labelChanged();

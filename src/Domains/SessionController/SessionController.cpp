@@ -42,7 +42,9 @@ QList<std::shared_ptr<DragSessionCoordinator>> SessionController::coordinators()
 void SessionController::setCoordinators(QList<std::shared_ptr<DragSessionCoordinator>> coordinators)
 {
     m_coordinatorsQueue.async([this, coordinators = std::move(coordinators)]() mutable {
-        m_coordinators = std::move(coordinators);
+        std::swap(m_coordinators, coordinators);
+        // A coordinator owns windows: its last reference must not go on this queue's thread.
+        DispatchQueue::main().async([replaced = std::move(coordinators)] {});
     });
 }
 

@@ -100,7 +100,8 @@ public:
                 return;
             }
             m_results.append(result);
-            if (m_results.size() < m_expected) {
+            // A transport that announced no files says when it is done through `finish`.
+            if (m_expected == 0 || m_results.size() < m_expected) {
                 return;
             }
             m_done = true;

@@ -1,0 +1,215 @@
+// startup_to_tray_ms: from starting the program to its tray icon docking in a tray host (median of 5
+// starts with preferences already written, as every start but the first).
+// idle_rss_mb: resident memory of the running agent with two shelves open, after it settled.
+// idle_cpu_ms_per_min: CPU time of all the agent's threads while nothing happens, measured over 20 s
+// and scaled to a minute.
+// cli_list_ms: wall time of `vantrope list --json` against the running agent (median of 20).
+
+#include <algorithm>
+#include <cstdio>
+#include <cstdlib>
+#include <QCoreApplication>
+#include <QDir>
+#include <QElapsedTimer>
+#include <QFile>
+#include <QProcess>
+#include <QStandardPaths>
+#include <QTemporaryDir>
+#include <QThread>
+#include <unistd.h>
+#include <vector>
+
+namespace {
+
+constexpr int starts = 5;
+constexpr int listCalls = 20;
+constexpr int idleSeconds = 20;
+
+double median(std::vector<double> values)
+{
+    std::sort(values.begin(), values.end());
+    return values.at(values.size() / 2);
+}
+
+// All threads' time on a CPU, in nanoseconds, from the scheduler's own accounting.
+double cpuNanoseconds(qint64 pid)
+{
+    double total = 0;
+    const QString tasks = QStringLiteral("/proc/%1/task").arg(pid);
+    for (const QString& task : QDir(tasks).entryList(QDir::Dirs | QDir::NoDotAndDotDot)) {
+        QFile file(tasks + QLatin1Char('/') + task + QStringLiteral("/schedstat"));
+        if (file.open(QIODevice::ReadOnly)) {
+            total += file.readAll().split(' ').value(0).toDouble();
+        }
+    }
+    return total;
+}
+
+double residentMegabytes(qint64 pid)
+{
+    QFile status(QStringLiteral("/proc/%1/status").arg(pid));
+    if (!status.open(QIODevice::ReadOnly)) {
+        return -1;
+    }
+    for (const QByteArray& line : status.readAll().split('\n')) {
+        if (line.startsWith("VmRSS:")) {
+            return line.mid(6).trimmed().split(' ').value(0).toDouble() / 1024.0;
+        }
+    }
+    return -1;
+}
+
+class Bench final {
+public:
+    Bench()
+    {
+        m_environment = QProcessEnvironment::systemEnvironment();
+        m_environment.insert(QStringLiteral("HOME"), m_home.path());
+        for (const char* name : {"CONFIG", "DATA", "CACHE"}) {
+            m_environment.insert(QStringLiteral("XDG_%1_HOME").arg(QLatin1String(name)),
+                                 m_home.filePath(QString::fromLatin1(name).toLower()));
+        }
+    }
+
+    int run()
+    {
+        m_tray.start(QStringLiteral(TRAY_HOST_BINARY), {});
+        if (!m_tray.waitForStarted() || !waitForTrayLine("ready")) {
+            std::fprintf(stderr, "the tray host did not start\n");
+            return 1;
+        }
+        // The first start writes the default preferences; it is not what users meet every day.
+        QProcess agent;
+        if (start(agent) < 0 || !quit(agent)) {
+            return 1;
+        }
+
+        std::vector<double> startups;
+        for (int i = 0; i < starts; ++i) {
+            const double elapsed = start(agent);
+            if (elapsed < 0 || (i + 1 < starts && !quit(agent))) {
+                return 1;
+            }
+            startups.push_back(elapsed);
+        }
+
+        for (const char* name : {"a.txt", "b.txt"}) {
+            QFile file(m_home.filePath(QString::fromLatin1(name)));
+            file.open(QIODevice::WriteOnly);
+            file.write(name);
+        }
+        if (cli({QStringLiteral("add"), m_home.filePath(QStringLiteral("a.txt")),
+                 m_home.filePath(QStringLiteral("b.txt"))}) < 0) {
+            return 1;
+        }
+        QThread::sleep(2);
+        const double rss = residentMegabytes(agent.processId());
+        const double before = cpuNanoseconds(agent.processId());
+        if (before <= 0) {
+            std::fprintf(stderr, "no scheduler statistics in /proc, so no CPU figure\n");
+            return 1;
+        }
+        QThread::sleep(idleSeconds);
+        const double idleCpu = (cpuNanoseconds(agent.processId()) - before) / 1e6 * 60.0 / idleSeconds;
+
+        std::vector<double> lists;
+        for (int i = 0; i < listCalls; ++i) {
+            const double elapsed = cli({QStringLiteral("list"), QStringLiteral("--json")});
+            if (elapsed < 0) {
+                return 1;
+            }
+            lists.push_back(elapsed);
+        }
+        quit(agent);
+        m_tray.kill();
+        m_tray.waitForFinished();
+
+        std::printf("startup_to_tray_ms %.1f ms\n", median(startups));
+        std::printf("idle_rss_mb %.1f MB\n", rss);
+        std::printf("idle_cpu_ms_per_min %.2f ms\n", idleCpu);
+        std::printf("cli_list_ms %.1f ms\n", median(lists));
+        return 0;
+    }
+
+private:
+    bool waitForTrayLine(const QByteArray& prefix)
+    {
+        while (m_tray.waitForReadyRead(10000)) {
+            m_trayOutput.append(m_tray.readAllStandardOutput());
+            qsizetype end = 0;
+            while ((end = m_trayOutput.indexOf('\n')) >= 0) {
+                const QByteArray line = m_trayOutput.left(end);
+                m_trayOutput.remove(0, end + 1);
+                if (line.startsWith(prefix)) {
+                    return true;
+                }
+            }
+        }
+        return false;
+    }
+
+    // Milliseconds until the tray icon docked, or -1.
+    double start(QProcess& agent)
+    {
+        agent.setProcessEnvironment(m_environment);
+        agent.setProcessChannelMode(QProcess::ForwardedErrorChannel);
+        QElapsedTimer timer;
+        timer.start();
+        agent.start(QStringLiteral(VANTROPE_BINARY), {});
+        if (!agent.waitForStarted() || !waitForTrayLine("docked")) {
+            std::fprintf(stderr, "vantrope did not dock in the tray\n");
+            return -1;
+        }
+        return static_cast<double>(timer.nsecsElapsed()) / 1e6;
+    }
+
+    bool quit(QProcess& agent)
+    {
+        if (cli({QStringLiteral("quit")}) < 0 || !agent.waitForFinished(10000)) {
+            std::fprintf(stderr, "vantrope did not quit\n");
+            return false;
+        }
+        return true;
+    }
+
+    double cli(const QStringList& arguments)
+    {
+        QProcess process;
+        process.setProcessEnvironment(m_environment);
+        QElapsedTimer timer;
+        timer.start();
+        process.start(QStringLiteral(VANTROPE_BINARY), arguments);
+        if (!process.waitForFinished(20000) || process.exitCode() != 0) {
+            std::fprintf(stderr, "vantrope %s failed: %s\n", qPrintable(arguments.join(u' ')),
+                         process.readAllStandardError().constData());
+            return -1;
+        }
+        return static_cast<double>(timer.nsecsElapsed()) / 1e6;
+    }
+
+    QTemporaryDir m_home;
+    QProcessEnvironment m_environment;
+    QProcess m_tray;
+    QByteArray m_trayOutput;
+};
+
+} // namespace
+
+int main(int argc, char* argv[])
+{
+    // Always a display and a session bus of its own, never the user's.
+    if (qEnvironmentVariable("VANTROPE_BENCH_DISPLAY") != QStringLiteral("1")) {
+        for (const char* tool : {"Xvfb", "openbox", "dbus-run-session"}) {
+            if (QStandardPaths::findExecutable(QString::fromLatin1(tool)).isEmpty()) {
+                std::fprintf(stderr, "skipped: %s is missing (scripts/deps.sh test installs it)\n", tool);
+                return 0;
+            }
+        }
+        ::setenv("VANTROPE_BENCH_DISPLAY", "1", 1);
+        ::execl(WITH_DISPLAY_SCRIPT, WITH_DISPLAY_SCRIPT, argv[0], static_cast<char*>(nullptr));
+        std::perror("with-display.sh");
+        return 1;
+    }
+    QCoreApplication app(argc, argv);
+    return Bench().run();
+}

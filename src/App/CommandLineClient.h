@@ -1,0 +1,30 @@
+#pragma once
+
+#include "CommandLine.h"
+#include "Platform/DBus/ApplicationDBusClient.h"
+
+namespace Vantrope {
+
+// Carries out the commands that act on the running agent and says what to print.
+class CommandLineClient final {
+public:
+    struct Outcome {
+        int exitCode = 0;
+        QString output;
+        // One line, without the "vantrope: " prefix.
+        QString error;
+    };
+
+    explicit CommandLineClient(const ApplicationDBusClient& client);
+
+    // `request` must be one of the commands that need an agent.
+    Outcome run(const CommandLine::Request& request) const;
+
+    static QString listJson(const QList<ShelfSummary>& shelves);
+    static QString listText(const QList<ShelfSummary>& shelves);
+
+private:
+    const ApplicationDBusClient& m_client;
+};
+
+} // namespace Vantrope

@@ -1,0 +1,150 @@
+#include "VantropeServiceProvider.h"
+
+#include "AppDelegate.h"
+#include "Domains/DragSession/PersistentDragSessionStore.h"
+#include "Domains/SessionController/SessionController.h"
+#include "RootCoordinator.h"
+
+#include <QFileInfo>
+#include <QPointer>
+#include <QSet>
+
+namespace Vantrope {
+
+namespace {
+
+using Error = ApplicationRequestHandler::Error;
+
+QString newestShelfIdentifier(const SessionController& sessions)
+{
+    const auto coordinators = sessions.coordinators();
+    return coordinators.isEmpty() ? QString() : coordinators.last()->id();
+}
+
+} // namespace
+
+VantropeServiceProvider::VantropeServiceProvider(AppDelegate& appDelegate, RootCoordinator& coordinator)
+    : m_appDelegate(appDelegate)
+    , m_coordinator(coordinator)
+{}
+
+void VantropeServiceProvider::activate()
+{
+    m_appDelegate.handleReopen();
+}
+
+std::expected<QString, Error> VantropeServiceProvider::addFiles(const QStringList& paths)
+{
+    if (paths.isEmpty()) {
+        return std::unexpected(Error{Error::Kind::invalidArguments, QStringLiteral("no files given")});
+    }
+    QList<QUrl> urls;
+    for (const QString& path : paths) {
+        if (QFileInfo(path).isRelative() || !QFileInfo::exists(path)) {
+            return std::unexpected(
+                Error{Error::Kind::missingFile, QStringLiteral("no such file: %1").arg(path)});
+        }
+        urls.append(QUrl::fromLocalFile(path));
+    }
+    SessionController& sessions = m_coordinator.sessionController();
+    const qsizetype before = sessions.coordinators().size();
+    sessions.openFiles(urls);
+    if (sessions.coordinators().size() == before) {
+        return std::unexpected(
+            Error{Error::Kind::missingFile, QStringLiteral("none of the files could be read")});
+    }
+    return newestShelfIdentifier(sessions);
+}
+
+QString VantropeServiceProvider::newShelf()
+{
+    return m_coordinator.sessionController().startSession(DragSessionSource::MenuBar{})->id();
+}
+
+std::expected<QString, Error> VantropeServiceProvider::openRecent(const QString& identifier)
+{
+    SessionController& sessions = m_coordinator.sessionController();
+    if (identifier.isEmpty()) {
+        if (!sessions.openMostRecentClosedDragSession()) {
+            return std::unexpected(
+                Error{Error::Kind::noRecentShelf, QStringLiteral("there is no closed recent shelf to open")});
+        }
+        return newestShelfIdentifier(sessions);
+    }
+    if (sessions.openDragSession(identifier)) {
+        return identifier;
+    }
+    if (m_coordinator.sessionStore().session(identifier)) {
+        return std::unexpected(
+            Error{Error::Kind::unknownShelf,
+                  QStringLiteral("none of the files of shelf \"%1\" can be found any more").arg(identifier)});
+    }
+    return std::unexpected(
+        Error{Error::Kind::unknownShelf,
+              QStringLiteral("no recent shelf has the identifier \"%1\"").arg(identifier)});
+}
+
+void VantropeServiceProvider::closeAll(std::function<void()> done)
+{
+    SessionController& sessions = m_coordinator.sessionController();
+    sessions.closeSessions(SessionController::CloseFilter::all);
+
+    QSet<const DragSessionCoordinator*> closing;
+    for (const auto& coordinator : sessions.coordinators()) {
+        if (coordinator->isStopping()) {
+            closing.insert(coordinator.get());
+        }
+    }
+    const auto stillClosing = [&sessions, closing] {
+        for (const auto& coordinator : sessions.coordinators()) {
+            if (closing.contains(coordinator.get())) {
+                return true;
+            }
+        }
+        return false;
+    };
+    if (!done || !stillClosing()) {
+        if (done) {
+            done();
+        }
+        return;
+    }
+    // A shelf leaves the list only after its saved copy has reached the store.
+    auto* watcher = new QObject(&sessions);
+    QObject::connect(&sessions, &SessionController::sessionsChanged, watcher, [watcher, stillClosing, done] {
+        if (!stillClosing()) {
+            done();
+            watcher->deleteLater();
+        }
+    });
+}
+
+void VantropeServiceProvider::quit()
+{
+    m_appDelegate.terminate();
+}
+
+QList<ShelfSummary> VantropeServiceProvider::shelves() const
+{
+    QList<ShelfSummary> result;
+    for (const auto& coordinator : m_coordinator.sessionController().coordinators()) {
+        if (coordinator->isStopping()) {
+            continue;
+        }
+        const DragSessionLabel& label = coordinator->label();
+        ShelfSummary shelf{coordinator->id(),
+                           label.name,
+                           DragSessionLabelColor::rawValue(label.color.id()),
+                           label.pinned,
+                           {}};
+        for (const DraggablePtr& item : coordinator->itemsController().items()) {
+            if (const auto url = item->url()) {
+                shelf.items.append(url->isLocalFile() ? url->toLocalFile() : url->toString());
+            }
+        }
+        result.append(shelf);
+    }
+    return result;
+}
+
+} // namespace Vantrope

@@ -1,0 +1,28 @@
+#pragma once
+
+#include "Platform/DBus/ApplicationRequestHandler.h"
+
+namespace Vantrope {
+
+class AppDelegate;
+class RootCoordinator;
+
+// Answers other programs and the command line once the program has launched.
+class VantropeServiceProvider final : public ApplicationRequestHandler {
+public:
+    VantropeServiceProvider(AppDelegate& appDelegate, RootCoordinator& coordinator);
+
+    void activate() override;
+    std::expected<QString, Error> addFiles(const QStringList& paths) override;
+    QString newShelf() override;
+    std::expected<QString, Error> openRecent(const QString& identifier) override;
+    void closeAll(std::function<void()> done) override;
+    void quit() override;
+    QList<ShelfSummary> shelves() const override;
+
+private:
+    AppDelegate& m_appDelegate;
+    RootCoordinator& m_coordinator;
+};
+
+} // namespace Vantrope

@@ -1,0 +1,166 @@
+#include "ApplicationDBusClient.h"
+
+#include "ApplicationDBusInterface.h"
+
+#include <QDBusArgument>
+#include <QDBusConnection>
+#include <QDBusConnectionInterface>
+#include <QDBusMessage>
+#include <QDBusMetaType>
+#include <QDeadlineTimer>
+#include <QThread>
+
+namespace Vantrope {
+
+namespace {
+
+using Error = ApplicationDBusClient::Error;
+
+Error notRunning()
+{
+    return {Error::Kind::notRunning, QStringLiteral("Vantrope is not running; start it with \"vantrope\"")};
+}
+
+template<typename T> std::expected<void, Error> withoutValue(const std::expected<T, Error>& result)
+{
+    if (!result) {
+        return std::unexpected(result.error());
+    }
+    return {};
+}
+
+} // namespace
+
+ApplicationDBusClient::ApplicationDBusClient(int timeoutMilliseconds)
+    : m_timeout(timeoutMilliseconds)
+{
+    qDBusRegisterMetaType<QList<QVariantMap>>();
+}
+
+bool ApplicationDBusClient::isAgentRunning() const
+{
+    const QDBusConnection bus = QDBusConnection::sessionBus();
+    return bus.isConnected() && bus.interface()->isServiceRegistered(ApplicationDBusInterface::serviceName());
+}
+
+std::expected<QVariantList, Error> ApplicationDBusClient::call(const QString& method,
+                                                               const QVariantList& arguments) const
+{
+    QDBusConnection bus = QDBusConnection::sessionBus();
+    if (!bus.isConnected()) {
+        return std::unexpected(
+            Error{Error::Kind::noBus, QStringLiteral("cannot reach the D-Bus session bus, so no running "
+                                                     "Vantrope can be found")});
+    }
+    QDBusMessage message = QDBusMessage::createMethodCall(ApplicationDBusInterface::serviceName(),
+                                                          ApplicationDBusInterface::objectPath(),
+                                                          ApplicationDBusInterface::interfaceName(), method);
+    message.setArguments(arguments);
+    // Nothing may be started on the caller's behalf: "not running" is an answer.
+    message.setAutoStartService(false);
+    const QDBusMessage reply = bus.call(message, QDBus::Block, m_timeout);
+    if (reply.type() == QDBusMessage::ReplyMessage) {
+        return reply.arguments();
+    }
+    const QString name = reply.errorName();
+    if (name == QStringLiteral("org.freedesktop.DBus.Error.ServiceUnknown") ||
+        name == QStringLiteral("org.freedesktop.DBus.Error.NameHasNoOwner") ||
+        name == QStringLiteral("org.freedesktop.DBus.Error.UnknownObject")) {
+        return std::unexpected(notRunning());
+    }
+    if (name == QStringLiteral("org.freedesktop.DBus.Error.NoReply") ||
+        name == QStringLiteral("org.freedesktop.DBus.Error.Timeout")) {
+        // Also what a caller gets from an agent that died holding the name.
+        if (!isAgentRunning()) {
+            return std::unexpected(notRunning());
+        }
+        return std::unexpected(Error{
+            Error::Kind::noAnswer, QStringLiteral("Vantrope is running but did not answer within %1 seconds")
+                                       .arg(m_timeout / 1000.0)});
+    }
+    if (name.startsWith(ApplicationDBusInterface::errorName(QString()))) {
+        return std::unexpected(Error{Error::Kind::refused, reply.errorMessage()});
+    }
+    return std::unexpected(Error{
+        Error::Kind::noAnswer, QStringLiteral("the call to Vantrope failed: %1").arg(reply.errorMessage())});
+}
+
+std::expected<QString, Error> ApplicationDBusClient::callForString(const QString& method,
+                                                                   const QVariantList& arguments) const
+{
+    const auto values = call(method, arguments);
+    if (!values) {
+        return std::unexpected(values.error());
+    }
+    return values->isEmpty() ? QString() : values->first().toString();
+}
+
+std::expected<void, Error> ApplicationDBusClient::activate() const
+{
+    return withoutValue(call(QStringLiteral("Activate")));
+}
+
+std::expected<QString, Error> ApplicationDBusClient::addFiles(const QStringList& paths) const
+{
+    return callForString(QStringLiteral("AddFiles"), {paths});
+}
+
+std::expected<QString, Error> ApplicationDBusClient::newShelf() const
+{
+    return callForString(QStringLiteral("NewShelf"), {});
+}
+
+std::expected<QString, Error> ApplicationDBusClient::openRecent(const QString& identifier) const
+{
+    return callForString(QStringLiteral("OpenRecent"), {identifier});
+}
+
+std::expected<void, Error> ApplicationDBusClient::closeAll() const
+{
+    return withoutValue(call(QStringLiteral("CloseAll")));
+}
+
+std::expected<void, Error> ApplicationDBusClient::quit() const
+{
+    if (auto called = call(QStringLiteral("Quit")); !called) {
+        return std::unexpected(called.error());
+    }
+    const QDeadlineTimer deadline(m_timeout);
+    while (isAgentRunning()) {
+        if (deadline.hasExpired()) {
+            return std::unexpected(Error{Error::Kind::noAnswer,
+                                         QStringLiteral("Vantrope agreed to quit but is still running after "
+                                                        "%1 seconds")
+                                             .arg(m_timeout / 1000.0)});
+        }
+        QThread::msleep(20);
+    }
+    return {};
+}
+
+std::expected<QList<ShelfSummary>, Error> ApplicationDBusClient::shelves() const
+{
+    const auto values = call(QStringLiteral("ListShelves"));
+    if (!values) {
+        return std::unexpected(values.error());
+    }
+    QList<ShelfSummary> result;
+    if (values->isEmpty()) {
+        return result;
+    }
+    const auto entries = qdbus_cast<QList<QVariantMap>>(values->first());
+    for (const QVariantMap& entry : entries) {
+        ShelfSummary shelf;
+        shelf.identifier = entry.value(QStringLiteral("identifier")).toString();
+        if (entry.contains(QStringLiteral("name"))) {
+            shelf.name = entry.value(QStringLiteral("name")).toString();
+        }
+        shelf.color = entry.value(QStringLiteral("color")).toString();
+        shelf.pinned = entry.value(QStringLiteral("pinned")).toBool();
+        shelf.items = entry.value(QStringLiteral("items")).toStringList();
+        result.append(shelf);
+    }
+    return result;
+}
+
+} // namespace Vantrope

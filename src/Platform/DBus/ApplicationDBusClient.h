@@ -1,0 +1,48 @@
+#pragma once
+
+#include "ApplicationRequestHandler.h"
+
+#include <expected>
+#include <QVariantList>
+
+namespace Vantrope {
+
+// Talks to the running agent over the session bus. Every call gives up after the timeout, so a hung
+// agent costs the caller a few seconds and an error, never a hang.
+class ApplicationDBusClient final {
+public:
+    struct Error {
+        enum class Kind {
+            noBus,
+            notRunning,
+            noAnswer,
+            // The agent answered with a refusal; `message` is its reason.
+            refused,
+        };
+        Kind kind = Kind::noBus;
+        QString message;
+    };
+
+    static constexpr int defaultTimeoutMilliseconds = 5000;
+
+    explicit ApplicationDBusClient(int timeoutMilliseconds = defaultTimeoutMilliseconds);
+
+    bool isAgentRunning() const;
+
+    std::expected<void, Error> activate() const;
+    std::expected<QString, Error> addFiles(const QStringList& paths) const;
+    std::expected<QString, Error> newShelf() const;
+    std::expected<QString, Error> openRecent(const QString& identifier) const;
+    std::expected<void, Error> closeAll() const;
+    // Returns once the agent has left the bus.
+    std::expected<void, Error> quit() const;
+    std::expected<QList<ShelfSummary>, Error> shelves() const;
+
+private:
+    std::expected<QVariantList, Error> call(const QString& method, const QVariantList& arguments = {}) const;
+    std::expected<QString, Error> callForString(const QString& method, const QVariantList& arguments) const;
+
+    int m_timeout;
+};
+
+} // namespace Vantrope

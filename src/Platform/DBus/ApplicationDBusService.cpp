@@ -1,0 +1,162 @@
+#include "ApplicationDBusService.h"
+
+#include "ApplicationDBusInterface.h"
+
+#include <QDBusConnection>
+#include <QDBusConnectionInterface>
+#include <QDBusMessage>
+#include <QDBusMetaType>
+#include <QLoggingCategory>
+
+Q_LOGGING_CATEGORY(lcDBus, "vantrope.dbus")
+
+namespace Vantrope {
+
+namespace {
+
+QString errorSuffix(ApplicationRequestHandler::Error::Kind kind)
+{
+    using Kind = ApplicationRequestHandler::Error::Kind;
+    switch (kind) {
+    case Kind::missingFile:
+        return QStringLiteral("MissingFile");
+    case Kind::unknownShelf:
+        return QStringLiteral("UnknownShelf");
+    case Kind::noRecentShelf:
+        return QStringLiteral("NoRecentShelf");
+    case Kind::invalidArguments:
+        break;
+    }
+    return QStringLiteral("InvalidArguments");
+}
+
+} // namespace
+
+ApplicationDBusService::ApplicationDBusService(QObject* parent)
+    : QObject(parent)
+{
+    qDBusRegisterMetaType<QList<QVariantMap>>();
+}
+
+ApplicationDBusService::~ApplicationDBusService()
+{
+    if (m_claimed) {
+        QDBusConnection bus = QDBusConnection::sessionBus();
+        bus.unregisterService(ApplicationDBusInterface::serviceName());
+        bus.unregisterObject(ApplicationDBusInterface::objectPath());
+    }
+}
+
+ApplicationDBusService::Claim ApplicationDBusService::claim()
+{
+    QDBusConnection bus = QDBusConnection::sessionBus();
+    if (!bus.isConnected()) {
+        return Claim::noBus;
+    }
+    // The object goes first, so that a caller who sees the name also finds the object.
+    if (!bus.registerObject(ApplicationDBusInterface::objectPath(), this, QDBusConnection::ExportAllSlots)) {
+        qCWarning(lcDBus) << "Could not export the application object:" << bus.lastError().message();
+        return Claim::noBus;
+    }
+    if (!bus.registerService(ApplicationDBusInterface::serviceName())) {
+        bus.unregisterObject(ApplicationDBusInterface::objectPath());
+        return Claim::alreadyRunning;
+    }
+    m_claimed = true;
+    return Claim::claimed;
+}
+
+bool ApplicationDBusService::ready()
+{
+    if (m_handler) {
+        return true;
+    }
+    if (calledFromDBus()) {
+        sendErrorReply(ApplicationDBusInterface::errorName(QStringLiteral("NotReady")),
+                       QStringLiteral("Vantrope is still starting; try again in a moment"));
+    }
+    return false;
+}
+
+QString ApplicationDBusService::refuse(const ApplicationRequestHandler::Error& error)
+{
+    if (calledFromDBus()) {
+        sendErrorReply(ApplicationDBusInterface::errorName(errorSuffix(error.kind)), error.message);
+    }
+    return {};
+}
+
+void ApplicationDBusService::Activate()
+{
+    if (ready()) {
+        m_handler->activate();
+    }
+}
+
+QString ApplicationDBusService::AddFiles(const QStringList& paths)
+{
+    if (!ready()) {
+        return {};
+    }
+    const auto identifier = m_handler->addFiles(paths);
+    return identifier ? *identifier : refuse(identifier.error());
+}
+
+QString ApplicationDBusService::NewShelf()
+{
+    return ready() ? m_handler->newShelf() : QString();
+}
+
+QString ApplicationDBusService::OpenRecent(const QString& identifier)
+{
+    if (!ready()) {
+        return {};
+    }
+    const auto opened = m_handler->openRecent(identifier);
+    return opened ? *opened : refuse(opened.error());
+}
+
+void ApplicationDBusService::CloseAll()
+{
+    if (!ready()) {
+        return;
+    }
+    if (!calledFromDBus()) {
+        m_handler->closeAll({});
+        return;
+    }
+    // Answered once the shelves are saved, so that the caller's next request sees them closed.
+    setDelayedReply(true);
+    m_handler->closeAll(
+        [connection = connection(), reply = message().createReply()] { connection.send(reply); });
+}
+
+void ApplicationDBusService::Quit()
+{
+    if (ready()) {
+        m_handler->quit();
+    }
+}
+
+QList<QVariantMap> ApplicationDBusService::ListShelves()
+{
+    QList<QVariantMap> result;
+    if (!ready()) {
+        return result;
+    }
+    for (const ShelfSummary& shelf : m_handler->shelves()) {
+        QVariantMap entry{
+            {QStringLiteral("identifier"), shelf.identifier},
+            {QStringLiteral("color"), shelf.color},
+            {QStringLiteral("pinned"), shelf.pinned},
+            {QStringLiteral("items"), shelf.items},
+        };
+        if (shelf.name) {
+            entry.insert(QStringLiteral("name"), *shelf.name);
+        }
+        result.append(entry);
+    }
+    return result;
+}
+
+} // namespace Vantrope

@@ -1,0 +1,55 @@
+#pragma once
+
+#include "ApplicationRequestHandler.h"
+
+#include <QDBusContext>
+#include <QObject>
+#include <QVariantMap>
+
+namespace Vantrope {
+
+// The running agent's interface on the session bus. Its bus name is also what keeps the agent single:
+// the bus gives a name to one connection only and takes it back when that process ends in any way,
+// so a killed agent leaves nothing behind that could block the next start.
+class ApplicationDBusService final : public QObject, protected QDBusContext {
+    Q_OBJECT
+    // Must equal ApplicationDBusInterface::interfaceName(); moc wants a literal.
+    Q_CLASSINFO("D-Bus Interface", "com.vantropeapp.Vantrope")
+
+public:
+    enum class Claim {
+        claimed,
+        // Another process of this session holds the name.
+        alreadyRunning,
+        noBus,
+    };
+
+    explicit ApplicationDBusService(QObject* parent = nullptr);
+    ~ApplicationDBusService() override;
+
+    // Exports the object, then takes the bus name.
+    Claim claim();
+    bool isClaimed() const { return m_claimed; }
+
+    // Until a handler is set, requests are refused with "NotReady". Not owned.
+    void setHandler(ApplicationRequestHandler* handler) { m_handler = handler; }
+
+public Q_SLOTS:
+    void Activate();
+    QString AddFiles(const QStringList& paths);
+    QString NewShelf();
+    QString OpenRecent(const QString& identifier);
+    void CloseAll();
+    void Quit();
+    // Each shelf: "identifier" (s), "name" (s, absent without one), "color" (s), "pinned" (b), "items" (as).
+    QList<QVariantMap> ListShelves();
+
+private:
+    bool ready();
+    QString refuse(const ApplicationRequestHandler::Error& error);
+
+    ApplicationRequestHandler* m_handler = nullptr;
+    bool m_claimed = false;
+};
+
+} // namespace Vantrope

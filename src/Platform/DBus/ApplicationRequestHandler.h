@@ -1,0 +1,47 @@
+#pragma once
+
+#include <expected>
+#include <functional>
+#include <optional>
+#include <QList>
+#include <QString>
+#include <QStringList>
+
+namespace Vantrope {
+
+// One open shelf as other programs see it.
+struct ShelfSummary {
+    QString identifier;
+    std::optional<QString> name;
+    QString color;
+    bool pinned = false;
+    // Local paths; the address for an item that is no local file.
+    QStringList items;
+};
+
+// What a running Vantrope does for other programs and for its own command line: the Linux stand-in
+// for the Services menu, open-file requests, reopen and the automation intents.
+class ApplicationRequestHandler {
+public:
+    struct Error {
+        enum class Kind { missingFile, unknownShelf, noRecentShelf, invalidArguments };
+        Kind kind = Kind::invalidArguments;
+        QString message;
+    };
+
+    virtual ~ApplicationRequestHandler() = default;
+
+    // Someone launched the program again.
+    virtual void activate() = 0;
+    // A new shelf with the files; its identifier.
+    virtual std::expected<QString, Error> addFiles(const QStringList& paths) = 0;
+    virtual QString newShelf() = 0;
+    // The shelf with this identifier, or the most recently closed one for an empty identifier.
+    virtual std::expected<QString, Error> openRecent(const QString& identifier) = 0;
+    // `done` runs once the closed shelves are gone and saved to the recent list.
+    virtual void closeAll(std::function<void()> done) = 0;
+    virtual void quit() = 0;
+    virtual QList<ShelfSummary> shelves() const = 0;
+};
+
+} // namespace Vantrope

@@ -1,0 +1,36 @@
+#pragma once
+
+#include "Models/Draggable/FilePromiseTransport.h"
+
+#include <memory>
+
+namespace Vantrope {
+
+// Files dragged out of KDE's archive manager. The drag carries the D-Bus service and object of the
+// archive's window; `org.kde.ark.DndExtract.extractSelectedFilesTo(folder)` extracts the dragged entries
+// there. The call says nothing of which files came, so the folder is watched until its content has held
+// still for a moment.
+class ArkExtractTransport final : public FilePromiseTransport {
+public:
+    // How long the folder must stay unchanged before the extraction counts as done, in seconds.
+    static constexpr double settleTime = 0.5;
+    // The longest an extraction may take before whatever has arrived is taken.
+    static constexpr double timeout = 600.0;
+
+    ArkExtractTransport(QString service, QString objectPath);
+    ~ArkExtractTransport() override;
+
+    QStringList fileNames() const override { return {}; }
+    QStringList fileTypes() const override { return {}; }
+    // Call on the main thread.
+    void receive(const QString& destination, FileHandler onFile, FinishedHandler onFinished) override;
+
+private:
+    class Extraction;
+
+    const QString m_service;
+    const QString m_objectPath;
+    std::shared_ptr<Extraction> m_extraction;
+};
+
+} // namespace Vantrope

@@ -1,0 +1,580 @@
+#include "QtDragSessionView.h"
+
+#include "Domains/DragSession/DragSessionLogging.h"
+#include "Domains/DragSession/MessageWindowCenter.h"
+#include "DragSessionButton.h"
+#include "DragSessionOverlayView.h"
+#include "DragSessionStackView.h"
+#include "Libraries/Core/Localized.h"
+#include "Models/Draggable/DraggableFile.h"
+#include "Models/Draggable/DraggablePromise.h"
+#include "OutboundDragData.h"
+#include "Preferences/Preferences.h"
+
+#include <QApplication>
+#include <QCursor>
+#include <QDrag>
+#include <QMimeData>
+#include <QMouseEvent>
+#include <QPainter>
+#include <QPainterPath>
+#include <QWindow>
+
+namespace Vantrope {
+
+namespace {
+
+constexpr double attentionDuration = 1.05;
+constexpr double grabberWidth = 34.0;
+constexpr double titleHeight = 34.0;
+
+DragSessionOverlayView::Icon overlayIcon(Message::Icon icon)
+{
+    switch (icon) {
+    case Message::Icon::warning:
+        return DragSessionOverlayView::Icon::warning;
+    case Message::Icon::error:
+        return DragSessionOverlayView::Icon::error;
+    case Message::Icon::info:
+        return DragSessionOverlayView::Icon::info;
+    case Message::Icon::screenshot:
+        return DragSessionOverlayView::Icon::screenshot;
+    }
+    return DragSessionOverlayView::Icon::none;
+}
+
+QString summary(const DraggableList& draggables)
+{
+    QMap<QString, int> kinds;
+    for (const DraggablePtr& draggable : draggables.mid(qMax<qsizetype>(0, draggables.size() - 200))) {
+        ++kinds[DraggableItemImage::kindName(*draggable)];
+    }
+    if (kinds.size() > 3) {
+        return Localized("shelf.summary.mixed", "%n kinds of items", int(kinds.size()));
+    }
+    QStringList names = kinds.keys();
+    std::stable_sort(names.begin(), names.end(),
+                     [&kinds](const QString& a, const QString& b) { return kinds.value(a) > kinds.value(b); });
+    return names.join(QLatin1String(", "));
+}
+
+} // namespace
+
+QtDragSessionView::QtDragSessionView(const Dependencies& dependencies, QWidget* parent)
+    : QWidget(parent)
+    , m_delegate(dependencies.delegate)
+    , m_preferences(dependencies.preferences)
+    , m_windowNumber(dependencies.windowNumber)
+{
+    setAttribute(Qt::WA_TranslucentBackground);
+    setMouseTracking(true);
+
+    m_dropView = new DragSessionInboundDropView(dependencies.preferences, dependencies.clock, this);
+    m_stack = new DragSessionStackView(m_dropView);
+    m_closeButton = new DragSessionButton(DragSessionButton::Glyph::close, m_dropView);
+    m_restoreButton = new DragSessionButton(DragSessionButton::Glyph::restore, m_dropView);
+    m_shareView = new DragSessionOverlayView(m_dropView);
+    m_messageView = new DragSessionOverlayView(m_dropView);
+    m_closeButton->setToolTip(Localized("shelf.close.tooltip", "Close Shelf (Alt: empty it)"));
+    m_restoreButton->setToolTip(Localized("shelf.restore.tooltip", "Bring Back the Last Shelf"));
+
+    m_dropView->setOwnDragSource(m_stack);
+    m_dropView->setShelfItemsProvider([this] { return m_stack->draggables(); });
+    m_dropView->setCanDragHandler([this] { return m_interactionEnabled; });
+    connect(m_dropView, &DragSessionInboundDropView::willBeginDragging, this, [this] {
+        m_highlighted = true;
+        updateChrome();
+        m_delegate.didBeginDragging(true);
+    });
+    connect(m_dropView, &DragSessionInboundDropView::exited, this, [this] {
+        m_highlighted = false;
+        updateChrome();
+        // The drag went elsewhere: nothing to save, but what waited for its drop is over.
+        m_delegate.didDragItems({false, 2}, false);
+    });
+    connect(m_dropView, &DragSessionInboundDropView::failed, this,
+            [this](const DragError& error, int rejectedCount) {
+                m_delegate.didFailDraggingItems(false, error, rejectedCount);
+            });
+    connect(m_dropView, &DragSessionInboundDropView::concluded, this, &QtDragSessionView::concludeDrop);
+    connect(m_dropView, &DragSessionInboundDropView::ended, this, [this] {
+        m_highlighted = false;
+        updateChrome();
+    });
+
+    connect(m_stack, &DragSessionStackView::dragRequested, this, &QtDragSessionView::mouseDragged);
+    connect(m_stack, &DragSessionStackView::countChanged, this, [this] {
+        updateChrome();
+        Q_EMIT itemsLaidOut();
+    });
+    connect(m_closeButton, &QAbstractButton::clicked, this, [this] {
+        m_delegate.didSelectCloseButton(QApplication::keyboardModifiers().testFlag(Qt::AltModifier));
+    });
+    connect(m_restoreButton, &QAbstractButton::clicked, this, [this] { m_delegate.didSelectRestoreButton(); });
+
+    connect(&dependencies.messages, &MessageWindowCenter::messageShown, this, &QtDragSessionView::showMessage);
+    connect(&dependencies.messages, &MessageWindowCenter::messageHidden, this, &QtDragSessionView::hideMessage);
+    if (const std::optional<Message> shown = dependencies.messages.message(m_windowNumber)) {
+        showMessage(m_windowNumber, *shown);
+    }
+
+    m_attentionAnimation.setDuration(int(attentionDuration * 1000));
+    m_attentionAnimation.setKeyValueAt(0.0, 0.7);
+    m_attentionAnimation.setKeyValueAt(0.7, 0.7);
+    m_attentionAnimation.setKeyValueAt(1.0, 0.0);
+    connect(&m_attentionAnimation, &QVariantAnimation::valueChanged, this, [this](const QVariant& value) {
+        m_attention = value.toDouble();
+        update();
+    });
+    updateChrome();
+}
+
+QtDragSessionView::~QtDragSessionView()
+{
+    if (m_hasDraggedOutItems) {
+        // The shelf goes while its items are out: the drag ends with it instead of returning to nothing.
+        QDrag::cancel();
+    }
+}
+
+const DraggableList& QtDragSessionView::draggables() const
+{
+    return m_stack->draggables();
+}
+
+bool QtDragSessionView::isDragInProgress() const
+{
+    return m_dropView->isDraggingEntered() || m_dropView->isDragInProgress();
+}
+
+bool QtDragSessionView::isAsyncDragInProgress() const
+{
+    return m_dropView->isAsyncDragInProgress();
+}
+
+void QtDragSessionView::addDraggables(const DraggableList& draggables, bool isRestoration)
+{
+    m_stack->addDraggables(draggables, !isRestoration);
+}
+
+void QtDragSessionView::removeDraggable(const DraggablePtr& draggable)
+{
+    m_stack->removeDraggable(draggable);
+}
+
+void QtDragSessionView::replaceDraggable(const DraggablePtr& oldDraggable, const DraggablePtr& newDraggable)
+{
+    if (!m_stack->replaceDraggable(oldDraggable, newDraggable)) {
+        qCWarning(lcDragSession) << "Attempted to replace a draggable that does not have an associated view";
+    }
+}
+
+void QtDragSessionView::removeAllDraggables(bool animated)
+{
+    m_stack->removeAllDraggables(animated);
+}
+
+void QtDragSessionView::setLabel(const DragSessionLabel& label)
+{
+    m_label = label;
+    m_stack->setAccentColor(accentColor());
+    m_shareView->setAccentColor(accentColor());
+    m_messageView->setAccentColor(accentColor());
+    update();
+}
+
+void QtDragSessionView::setHasPermanentCloseButton(bool permanent)
+{
+    m_permanentClose = permanent;
+    updateChrome();
+}
+
+void QtDragSessionView::updateHoverState(bool hovering)
+{
+    m_hovering = hovering;
+    updateChrome();
+}
+
+void QtDragSessionView::playAttentionAnimation()
+{
+    m_attentionAnimation.stop();
+    m_attentionAnimation.start();
+}
+
+void QtDragSessionView::setShareState(const DragSessionActionState& state)
+{
+    m_shareState = state;
+    DragSessionOverlayView::Content content;
+    if (const auto* loading = std::get_if<DragSessionActionState::Loading>(&state.value)) {
+        content.title = loading->title;
+        content.progress = loading->progress;
+    } else if (const auto* error = std::get_if<DragSessionActionState::Error>(&state.value)) {
+        content.icon = DragSessionOverlayView::Icon::error;
+        content.title = error->title;
+        content.text = error->body;
+    } else if (const auto* confirmation = std::get_if<DragSessionActionState::Confirmation>(&state.value)) {
+        content.icon = DragSessionOverlayView::Icon::link;
+        content.title = Localized("shelf.share.link-copied", "Link copied");
+        content.text = confirmation->url.toDisplayString();
+        content.link = confirmation->url;
+    }
+    m_shareView->setContent(content);
+    m_shareView->setVisible(!state.isNone());
+    layoutChildren();
+}
+
+void QtDragSessionView::setOpaque(bool opaque)
+{
+    m_opaque = opaque;
+    update();
+}
+
+bool QtDragSessionView::isDark() const
+{
+    return palette().color(QPalette::Window).lightness() < 128;
+}
+
+QColor QtDragSessionView::accentColor() const
+{
+    // A gray label would give a gray badge; the desktop's highlight reads better.
+    if (m_label.color.id() == DragSessionLabelColor::Identifier::monochrome) {
+        return palette().color(QPalette::Highlight);
+    }
+    return m_label.color.color().color(isDark());
+}
+
+QRectF QtDragSessionView::cardRect() const
+{
+    return QRectF(rect()).adjusted(cardInset, cardInset, -cardInset, -cardInset);
+}
+
+QPainterPath QtDragSessionView::cardPath() const
+{
+    QPainterPath path;
+    path.addRoundedRect(cardRect(), cardRadius, cardRadius);
+    return path;
+}
+
+QRectF QtDragSessionView::pileRect() const
+{
+    const QRectF card = cardRect();
+    return {card.left() + 10, card.top() + 22, card.width() - 20, card.height() - 22 - titleHeight};
+}
+
+void QtDragSessionView::layoutChildren()
+{
+    m_dropView->setGeometry(rect());
+    m_stack->setGeometry(pileRect().toAlignedRect());
+    const QRectF card = cardRect();
+    m_closeButton->move(int(card.left() + 7), int(card.top() + 7));
+    m_restoreButton->move(int(card.right() - 7 - DragSessionButton::diameter), int(card.top() + 7));
+    const int width = int(card.width() - 12);
+    for (DragSessionOverlayView* overlay : {m_shareView, m_messageView}) {
+        const int height = qMin(overlay->heightForWidth(width), int(card.height() - 12));
+        overlay->setGeometry(int(card.left() + 6), int(card.bottom() - 6 - height), width, height);
+    }
+    m_messageView->raise();
+}
+
+void QtDragSessionView::updateChrome()
+{
+    const bool dark = isDark();
+    m_closeButton->setDark(dark);
+    m_restoreButton->setDark(dark);
+    m_closeButton->setVisible(m_permanentClose || m_hovering);
+    m_restoreButton->setVisible(m_stack->draggables().isEmpty() && !m_highlighted && (m_permanentClose || m_hovering));
+    update();
+}
+
+void QtDragSessionView::showMessage(quint64 windowNumber, const Message& message)
+{
+    if (windowNumber != m_windowNumber) {
+        return;
+    }
+    DragSessionOverlayView::Content content;
+    content.icon = overlayIcon(message.icon);
+    content.title = message.title.value_or(QString());
+    content.text = message.text;
+    m_messageView->setContent(content);
+    m_messageView->show();
+    layoutChildren();
+}
+
+void QtDragSessionView::hideMessage(quint64 windowNumber)
+{
+    if (windowNumber == m_windowNumber) {
+        m_messageView->hide();
+    }
+}
+
+void QtDragSessionView::concludeDrop(const DragSessionInboundDropView::ConcludeDropEvent& event)
+{
+    m_delegate.didConcludeDrop(event.draggables);
+    receivePromises(event.draggables, event.draggingSequenceNumber);
+}
+
+void QtDragSessionView::receivePromises(const DraggableList& draggables, std::optional<quint64> sequenceNumber)
+{
+    const QSize pictureSize = (DragSessionStackView::itemSize * devicePixelRatioF()).toSize();
+    for (const DraggablePtr& draggable : draggables) {
+        const auto promise = std::dynamic_pointer_cast<DraggablePromise>(draggable);
+        if (!promise) {
+            continue;
+        }
+        std::weak_ptr<DraggablePromise> weak = promise;
+        promise->onReceives([self = QPointer(this), weak, pictureSize](const Draggable::ResolveResult& result) {
+            const auto received = weak.lock();
+            if (!self || !received) {
+                return;
+            }
+            if (!result) {
+                qCWarning(lcDragSession).noquote()
+                    << QStringLiteral("Failed to receive promise with error ") + result.error().description;
+                self->m_stack->removeDraggable(received);
+                self->m_delegate.didRemoveDraggable(received);
+                return;
+            }
+            DraggableList additional;
+            for (const auto& file : received->additionalDraggables()) {
+                additional.append(file);
+            }
+            if (!additional.isEmpty()) {
+                self->m_delegate.didConcludeDrop(additional);
+            }
+            self->m_stack->refreshDraggable(received);
+            received->makeCachedImage(pictureSize, [self, weak](std::expected<void, DraggablePromise::ImageError>) {
+                if (const auto item = weak.lock(); self && item) {
+                    self->m_stack->refreshDraggable(item);
+                }
+            });
+        });
+        promise->receiveFiles(sequenceNumber);
+    }
+}
+
+bool QtDragSessionView::mouseDragged(const QPoint& pressPosition)
+{
+    if (!m_interactionEnabled) {
+        qCInfo(lcDragSession) << "Interaction disabled, ignoring mosue drag";
+        return false;
+    }
+    if (!m_shareState.isNone()) {
+        qCInfo(lcDragSession) << "Share state in progress, ignoring mouse drag";
+        return false;
+    }
+    if (m_stack->isCancelAnimationRunning()) {
+        qCInfo(lcDragSession) << "Cancel animation is in progress, ignoring mouse drag";
+        return false;
+    }
+    if (!m_stack->hasItemAt(pressPosition)) {
+        qCInfo(lcDragSession) << "No eligible item views, ignoring mouse drag";
+        return false;
+    }
+    std::unique_ptr<QMimeData> data = OutboundDragData::make(m_stack->draggables());
+    if (!data) {
+        qCWarning(lcDragSession) << "Attempted outbound drag items but the factory returned an empty array.";
+        return false;
+    }
+    qCInfo(lcDragSession) << "About start drag session...";
+    auto* drag = new QDrag(m_stack);
+    drag->setMimeData(data.release());
+    const QPixmap pixmap = m_stack->dragPixmap();
+    drag->setPixmap(pixmap);
+    drag->setHotSpot(QPoint(int(pixmap.width() / pixmap.devicePixelRatio() / 2),
+                            int(pixmap.height() / pixmap.devicePixelRatio() / 2)));
+    const Qt::DropActions actions = m_preferences.value(PreferenceKeys::copiesContentOnDrag, false)
+                                        ? Qt::DropActions(Qt::CopyAction)
+                                        : Qt::CopyAction | Qt::MoveAction | Qt::LinkAction;
+    m_hasDraggedOutItems = true;
+    m_stack->setLifted(true);
+    const QPointer<QtDragSessionView> self(this);
+    // Runs its own event loop until the drop or the cancel.
+    const Qt::DropAction action = drag->exec(actions, Qt::CopyAction);
+    if (!self) {
+        return true;
+    }
+    m_hasDraggedOutItems = false;
+    m_stack->setLifted(false);
+    if (action == Qt::IgnoreAction) {
+        qCInfo(lcDragSession) << "No drag operation, cancelling drag session...";
+        m_stack->cancelDragSession(m_stack->mapFromGlobal(QCursor::pos()));
+        return true;
+    }
+    qCInfo(lcDragSession) << "Finishing drag session";
+    // Anything but a copy took the files away from where the shelf knows them.
+    m_delegate.didDragItems({true, 1}, action != Qt::CopyAction);
+    return true;
+}
+
+void QtDragSessionView::resizeEvent(QResizeEvent*)
+{
+    layoutChildren();
+}
+
+void QtDragSessionView::enterEvent(QEnterEvent*)
+{
+    updateHoverState(true);
+}
+
+void QtDragSessionView::leaveEvent(QEvent*)
+{
+    updateHoverState(false);
+}
+
+void QtDragSessionView::changeEvent(QEvent* event)
+{
+    if (event->type() == QEvent::PaletteChange) {
+        setLabel(m_label);
+        updateChrome();
+    }
+    QWidget::changeEvent(event);
+}
+
+void QtDragSessionView::mousePressEvent(QMouseEvent* event)
+{
+    if (event->button() != Qt::LeftButton) {
+        return;
+    }
+    // The card is the handle by which the shelf is moved.
+    if (QWindow* handle = window()->windowHandle(); handle && handle->startSystemMove()) {
+        return;
+    }
+    event->ignore();
+}
+
+void QtDragSessionView::paintGrabber(QPainter& painter, const QRectF& card) const
+{
+    const QRectF grabber(card.center().x() - grabberWidth / 2, card.top() + 8, grabberWidth, 5);
+    const bool coloured = m_label.colorVisibility == DragSessionLabel::ColorVisibility::always || m_hovering ||
+                          m_highlighted;
+    QColor colour = coloured ? m_label.color.color().color(isDark()) : (isDark() ? QColor(255, 255, 255, 70)
+                                                                                : QColor(0, 0, 0, 55));
+    painter.setPen(Qt::NoPen);
+    painter.setBrush(colour);
+    painter.drawRoundedRect(grabber, 2.5, 2.5);
+    if (m_label.pinned) {
+        // The pin mark stays quiet: it says the shelf is kept, nothing more.
+        painter.save();
+        painter.setOpacity(0.3);
+        const QPointF head(grabber.right() + 10, grabber.center().y() - 1);
+        painter.setBrush(isDark() ? Qt::white : Qt::black);
+        painter.drawEllipse(head, 3, 3);
+        painter.setPen(QPen(painter.brush().color(), 1.4, Qt::SolidLine, Qt::RoundCap));
+        painter.drawLine(head, head + QPointF(0, 7));
+        painter.restore();
+    }
+}
+
+void QtDragSessionView::paintEmptyState(QPainter& painter) const
+{
+    const QRectF zone = pileRect().adjusted(6, 4, -6, -2);
+    const QColor ink = m_highlighted ? accentColor() : (isDark() ? QColor(255, 255, 255, 90) : QColor(0, 0, 0, 80));
+    QPen dashed(ink, 1.5, Qt::DashLine, Qt::RoundCap);
+    dashed.setDashPattern({4, 3});
+    painter.setPen(dashed);
+    painter.setBrush(m_highlighted ? QColor(accentColor().red(), accentColor().green(), accentColor().blue(), 28)
+                                   : Qt::NoBrush);
+    painter.drawRoundedRect(zone, 12, 12);
+
+    // An arrow into a tray.
+    const QPointF centre(zone.center().x(), zone.center().y() - 8);
+    QPen stroke(ink, 2.2, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin);
+    painter.setPen(stroke);
+    painter.setBrush(Qt::NoBrush);
+    painter.drawLine(centre + QPointF(0, -12), centre + QPointF(0, 6));
+    painter.drawPolyline(QPolygonF({centre + QPointF(-6, 0), centre + QPointF(0, 6), centre + QPointF(6, 0)}));
+    painter.drawPolyline(QPolygonF({centre + QPointF(-12, 6), centre + QPointF(-12, 12), centre + QPointF(12, 12),
+                                    centre + QPointF(12, 6)}));
+
+    QFont font = this->font();
+    font.setPixelSize(11);
+    font.setWeight(QFont::Medium);
+    painter.setFont(font);
+    painter.setPen(ink);
+    painter.drawText(QRectF(zone.left(), centre.y() + 16, zone.width(), 18), Qt::AlignHCenter | Qt::AlignTop,
+                     Localized("shelf.empty.hint", "Drop here"));
+}
+
+void QtDragSessionView::paintTitle(QPainter& painter, const QRectF& card) const
+{
+    const DraggableList& items = m_stack->draggables();
+    QString title;
+    QString subtitle;
+    if (items.size() == 1) {
+        title = DraggableItemImage::displayName(*items.first());
+        subtitle = DraggableItemImage::kindName(*items.first());
+    } else if (!items.isEmpty()) {
+        title = Localized("shelf.items.count", "%n Items", int(items.size()));
+        subtitle = summary(items);
+    }
+    if (m_label.name && !m_label.name->isEmpty()) {
+        subtitle = title;
+        title = *m_label.name;
+    }
+    if (title.isEmpty()) {
+        return;
+    }
+    const QRectF area(card.left() + 10, card.bottom() - titleHeight - 2, card.width() - 20, titleHeight);
+    QFont titleFont = font();
+    titleFont.setPixelSize(12);
+    titleFont.setWeight(QFont::DemiBold);
+    QFont subtitleFont = font();
+    subtitleFont.setPixelSize(10);
+    const QColor ink = isDark() ? QColor(255, 255, 255, 235) : QColor(24, 24, 28, 235);
+    painter.setFont(titleFont);
+    painter.setPen(ink);
+    painter.drawText(QRectF(area.left(), area.top(), area.width(), 17), Qt::AlignCenter,
+                     QFontMetrics(titleFont).elidedText(title, Qt::ElideMiddle, int(area.width())));
+    if (!subtitle.isEmpty()) {
+        painter.setFont(subtitleFont);
+        painter.setPen(QColor(ink.red(), ink.green(), ink.blue(), 140));
+        painter.drawText(QRectF(area.left(), area.top() + 16, area.width(), 14), Qt::AlignCenter,
+                         QFontMetrics(subtitleFont).elidedText(subtitle, Qt::ElideRight, int(area.width())));
+    }
+}
+
+void QtDragSessionView::paintEvent(QPaintEvent*)
+{
+    QPainter painter(this);
+    painter.setRenderHint(QPainter::Antialiasing);
+    const QRectF card = cardRect();
+    const bool dark = isDark();
+
+    if (!m_opaque) {
+        // A soft shadow lifts the card off whatever lies below.
+        painter.setPen(Qt::NoPen);
+        for (int step = 5; step >= 1; --step) {
+            painter.setBrush(QColor(0, 0, 0, 7 * (6 - step)));
+            painter.drawRoundedRect(card.adjusted(-step, -step + 2, step, step + 2), cardRadius + step,
+                                    cardRadius + step);
+        }
+    }
+    QColor fill = dark ? QColor(38, 38, 42, 232) : QColor(248, 248, 250, 236);
+    if (m_opaque) {
+        fill.setAlpha(255);
+    }
+    painter.setBrush(fill);
+    painter.setPen(QPen(dark ? QColor(255, 255, 255, 34) : QColor(0, 0, 0, 30), 1));
+    painter.drawRoundedRect(card.adjusted(0.5, 0.5, -0.5, -0.5), cardRadius, cardRadius);
+
+    if (m_highlighted) {
+        painter.setBrush(Qt::NoBrush);
+        painter.setPen(QPen(accentColor(), 2));
+        painter.drawRoundedRect(card.adjusted(1, 1, -1, -1), cardRadius - 1, cardRadius - 1);
+    }
+    if (m_attention > 0) {
+        QColor ring = m_label.color.color().color(dark);
+        ring.setAlphaF(float(m_attention));
+        painter.setBrush(Qt::NoBrush);
+        painter.setPen(QPen(ring, 3));
+        painter.drawRoundedRect(card.adjusted(-2.5, -2.5, 2.5, 2.5), cardRadius + 2.5, cardRadius + 2.5);
+    }
+
+    paintGrabber(painter, card);
+    if (m_stack->draggables().isEmpty()) {
+        paintEmptyState(painter);
+    }
+    paintTitle(painter, card);
+}
+
+} // namespace Vantrope

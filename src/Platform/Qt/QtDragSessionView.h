@@ -1,0 +1,119 @@
+#pragma once
+
+#include "Domains/DragSession/DragSessionView.h"
+#include "Domains/DragSession/Message.h"
+#include "DragSessionInboundDropView.h"
+
+#include <QVariantAnimation>
+#include <QWidget>
+
+namespace Vantrope {
+
+class Clock;
+class DragSessionButton;
+class DragSessionOverlayView;
+class DragSessionStackView;
+class MessageWindowCenter;
+class Preferences;
+
+// The content of a shelf window: a rounded card with the pile of items, their count and title, the label's
+// colour grabber and pin mark, the close and restore buttons, and panels for messages and action states.
+// Drags out start here; drops in are taken by the `DragSessionInboundDropView` it holds.
+class QtDragSessionView final : public QWidget, public DragSessionView {
+    Q_OBJECT
+public:
+    struct Dependencies {
+        DragSessionViewDelegate& delegate;
+        MessageWindowCenter& messages;
+        Preferences& preferences;
+        Clock& clock;
+        quint64 windowNumber = 0;
+    };
+
+    // The card's inset from the window's edge, room for its shadow and the attention ring.
+    static constexpr double cardInset = 6.0;
+    static constexpr double cardRadius = 16.0;
+
+    explicit QtDragSessionView(const Dependencies& dependencies, QWidget* parent = nullptr);
+    ~QtDragSessionView() override;
+
+    // DragSessionView
+    void addDraggables(const DraggableList& draggables, bool isRestoration) override;
+    void removeDraggable(const DraggablePtr& draggable) override;
+    void replaceDraggable(const DraggablePtr& oldDraggable, const DraggablePtr& newDraggable) override;
+    void removeAllDraggables(bool animated) override;
+    void setLabel(const DragSessionLabel& label) override;
+    void setHasPermanentCloseButton(bool permanent) override;
+    bool hasPermanentCloseButton() const override { return m_permanentClose; }
+    void updateHoverState(bool hovering) override;
+    void playAttentionAnimation() override;
+    DragSessionActionState shareState() const override { return m_shareState; }
+    void setShareState(const DragSessionActionState& state) override;
+    bool hasDraggedOutItems() const override { return m_hasDraggedOutItems; }
+    bool isDragInProgress() const override;
+    bool isAsyncDragInProgress() const override;
+
+    // Off while a search or panel covers the shelf: nothing can be dragged out then.
+    void setInteractionEnabled(bool enabled) { m_interactionEnabled = enabled; }
+    bool interactionEnabled() const { return m_interactionEnabled; }
+    // Without a compositing manager nothing shows through the window: the card is drawn opaque.
+    void setOpaque(bool opaque);
+    // The card's outline, for windows that must be cut to its shape.
+    QPainterPath cardPath() const;
+
+    const DraggableList& draggables() const;
+    DragSessionInboundDropView& dropView() const { return *m_dropView; }
+    DragSessionStackView& stackView() const { return *m_stack; }
+    // Starts dragging the shelf's items out, as a press on the pile moved by the pointer does; true when a
+    // drag ran.
+    bool mouseDragged(const QPoint& pressPosition);
+
+Q_SIGNALS:
+    // Every item view has its place (after adding or removing items).
+    void itemsLaidOut();
+
+protected:
+    void paintEvent(QPaintEvent* event) override;
+    void resizeEvent(QResizeEvent* event) override;
+    void enterEvent(QEnterEvent* event) override;
+    void leaveEvent(QEvent* event) override;
+    void mousePressEvent(QMouseEvent* event) override;
+    void changeEvent(QEvent* event) override;
+
+private:
+    QRectF cardRect() const;
+    QRectF pileRect() const;
+    QColor accentColor() const;
+    bool isDark() const;
+    void layoutChildren();
+    void updateChrome();
+    void showMessage(quint64 windowNumber, const Message& message);
+    void hideMessage(quint64 windowNumber);
+    void concludeDrop(const DragSessionInboundDropView::ConcludeDropEvent& event);
+    void receivePromises(const DraggableList& draggables, std::optional<quint64> sequenceNumber);
+    void paintTitle(QPainter& painter, const QRectF& card) const;
+    void paintEmptyState(QPainter& painter) const;
+    void paintGrabber(QPainter& painter, const QRectF& card) const;
+
+    DragSessionViewDelegate& m_delegate;
+    Preferences& m_preferences;
+    const quint64 m_windowNumber;
+    DragSessionInboundDropView* m_dropView = nullptr;
+    DragSessionStackView* m_stack = nullptr;
+    DragSessionButton* m_closeButton = nullptr;
+    DragSessionButton* m_restoreButton = nullptr;
+    DragSessionOverlayView* m_messageView = nullptr;
+    DragSessionOverlayView* m_shareView = nullptr;
+    DragSessionLabel m_label;
+    DragSessionActionState m_shareState;
+    bool m_permanentClose = false;
+    bool m_hovering = false;
+    bool m_highlighted = false;
+    bool m_interactionEnabled = true;
+    bool m_hasDraggedOutItems = false;
+    bool m_opaque = false;
+    double m_attention = 0.0;
+    QVariantAnimation m_attentionAnimation;
+};
+
+} // namespace Vantrope

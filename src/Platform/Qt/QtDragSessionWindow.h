@@ -1,0 +1,56 @@
+#pragma once
+
+#include "Domains/DragSession/DragSessionWindow.h"
+
+#include <memory>
+#include <QPointer>
+#include <QPropertyAnimation>
+#include <QWidget>
+
+namespace Vantrope {
+
+class QtDragSessionView;
+
+// A shelf's window: frameless, above other windows, out of the task bar, on every desktop unless its
+// label keeps it on its own. Translucent where a compositing manager draws it; cut to the card's rounded
+// shape where none does.
+class QtDragSessionWindow final : public DragSessionWindow {
+public:
+    // Of a retracted shelf this share of the width stays on screen.
+    static constexpr double retractedVisibleShare = 0.16;
+
+    QtDragSessionWindow(quint64 windowNumber, const QSizeF& size);
+    ~QtDragSessionWindow() override;
+
+    // The view fills the window; the window does not own it.
+    void setContentView(QtDragSessionView* view);
+    QWidget& widget() const { return *m_widget; }
+
+    bool isVisible() const override;
+    double alphaValue() const override;
+    void setAlphaValue(double alpha, bool animated) override;
+    QRectF frame() const override;
+    void setFrameOrigin(const QPointF& origin) override;
+    void makeKeyAndOrderFront() override;
+    quint64 windowNumber() const override { return m_windowNumber; }
+    void close() override;
+    void setTitle(const QString& title) override;
+    void applyLabel(const DragSessionLabel& label) override;
+    bool isRetracted() const override { return m_retracted; }
+    void retract() override;
+    std::optional<Screen> screen() const override;
+    bool containsMouse() const override;
+
+private:
+    void applyShape();
+
+    const quint64 m_windowNumber;
+    std::unique_ptr<QWidget> m_widget;
+    QPointer<QtDragSessionView> m_view;
+    QPropertyAnimation m_alphaAnimation;
+    QPropertyAnimation m_moveAnimation;
+    bool m_allDesktops = true;
+    bool m_retracted = false;
+};
+
+} // namespace Vantrope

@@ -1,0 +1,659 @@
+#include "Domains/DragSession/MessageWindowCenter.h"
+#include "Domains/DragSession/PersistentDragSessionStore.h"
+#include "Domains/SessionController/SessionController.h"
+#include "Libraries/Core/ReservedTemporaryDirectory.h"
+#include "Models/Draggable/DraggableFile.h"
+#include "Models/Draggable/DraggablePromise.h"
+#include "Models/Draggable/DraggableText.h"
+#include "Models/Draggable/DraggableWebImage.h"
+#include "Models/Draggable/DraggableWeblocation.h"
+#include "Platform/DBus/FileTransferPortal.h"
+#include "Platform/Qt/DragSessionStackView.h"
+#include "Platform/Qt/QtClipboardSource.h"
+#include "Platform/Qt/QtDragSessionUserInterface.h"
+#include "Platform/Qt/QtDragSessionView.h"
+#include "Platform/Qt/QtDragSessionWindow.h"
+#include "Platform/Qt/QtScreenEnvironment.h"
+#include "Platform/X11/X11Properties.h"
+#include "Preferences/MemoryPreferenceStorage.h"
+#include "Preferences/Preferences.h"
+#include "support/TestSupport.h"
+
+#include <QApplication>
+#include <QBuffer>
+#include <QDBusConnection>
+#include <QDBusMetaType>
+#include <QDBusUnixFileDescriptor>
+#include <QDir>
+#include <QIcon>
+#include <QPainter>
+#include <QProcess>
+#include <QScreen>
+#include <QTemporaryDir>
+#include <QTest>
+#include <QThread>
+#include <xcb/xcb.h>
+
+using namespace Vantrope;
+
+namespace {
+
+// Pointer paths are warped by xdotool; each warp is a motion event for the drag's pointer grab.
+QStringList dragScript(const QPoint& from, const QPoint& to)
+{
+    QStringList script{QStringLiteral("mousemove"), QString::number(from.x()), QString::number(from.y()),
+                       QStringLiteral("sleep"),     QStringLiteral("0.2"),    QStringLiteral("mousedown"),
+                       QStringLiteral("1"),         QStringLiteral("sleep"),  QStringLiteral("0.15")};
+    constexpr int steps = 8;
+    for (int step = 1; step <= steps; ++step) {
+        const QPoint at = from + (to - from) * step / steps;
+        script << QStringLiteral("mousemove") << QString::number(at.x()) << QString::number(at.y())
+               << QStringLiteral("sleep") << QStringLiteral("0.06");
+    }
+    script << QStringLiteral("sleep") << QStringLiteral("0.3") << QStringLiteral("mouseup") << QStringLiteral("1");
+    return script;
+}
+
+// What an item is and which file it stands for, as the rows name it.
+QString describe(const DraggablePtr& item)
+{
+    QString kind = QStringLiteral("other");
+    if (dynamic_cast<const DraggablePromise*>(item.get())) {
+        kind = QStringLiteral("promise");
+    } else if (dynamic_cast<const DraggableWebImage*>(item.get())) {
+        kind = QStringLiteral("webimage");
+    } else if (dynamic_cast<const DraggableText*>(item.get())) {
+        kind = QStringLiteral("text");
+    } else if (dynamic_cast<const DraggableWeblocation*>(item.get())) {
+        kind = QStringLiteral("link");
+    } else if (dynamic_cast<const DraggableFile*>(item.get())) {
+        kind = QStringLiteral("file");
+    }
+    const std::optional<QUrl> url = item->url();
+    if (!url || !QFileInfo::exists(url->toLocalFile())) {
+        return kind + QStringLiteral(": (no file yet)");
+    }
+    QString name = QFileInfo(url->toLocalFile()).fileName();
+    // Web images are named by a fresh UUID: only the kind of file is known beforehand.
+    if (kind == QLatin1String("webimage")) {
+        name = QStringLiteral("*.") + QFileInfo(name).suffix();
+    }
+    return kind + QStringLiteral(": ") + name;
+}
+
+QStringList describe(const DraggableList& items)
+{
+    QStringList result;
+    for (const DraggablePtr& item : items) {
+        result.append(describe(item));
+    }
+    return result;
+}
+
+QByteArray gradientPng(const QSize& size)
+{
+    QImage image(size, QImage::Format_RGB32);
+    QPainter painter(&image);
+    QLinearGradient sky(0, 0, 0, size.height());
+    sky.setColorAt(0, QColor(90, 160, 230));
+    sky.setColorAt(0.6, QColor(250, 200, 140));
+    sky.setColorAt(1, QColor(70, 110, 60));
+    painter.fillRect(image.rect(), sky);
+    painter.setBrush(QColor(255, 240, 200));
+    painter.setPen(Qt::NoPen);
+    painter.drawEllipse(QPointF(size.width() * 0.7, size.height() * 0.45), size.height() * 0.12,
+                        size.height() * 0.12);
+    painter.end();
+    QByteArray bytes;
+    QBuffer buffer(&bytes);
+    buffer.open(QIODevice::WriteOnly);
+    image.save(&buffer, "PNG");
+    return bytes;
+}
+
+// The file-transfer portal, on a bus connection and thread of its own so that the shelf's blocking calls
+// travel through the bus as they would to the real one, descriptors and all.
+class FakeTransferPortal final : public QObject {
+    Q_OBJECT
+    Q_CLASSINFO("D-Bus Interface", "org.freedesktop.portal.FileTransfer")
+
+public:
+    QStringList paths() const
+    {
+        QMutexLocker lock(&m_mutex);
+        return m_paths;
+    }
+
+public Q_SLOTS:
+    QString StartTransfer(const QVariantMap& options)
+    {
+        QMutexLocker lock(&m_mutex);
+        m_options = options;
+        return QStringLiteral("transfer-key-1");
+    }
+
+    void AddFiles(const QString& key, const QList<QDBusUnixFileDescriptor>& fds, const QVariantMap&)
+    {
+        QMutexLocker lock(&m_mutex);
+        for (const QDBusUnixFileDescriptor& fd : fds) {
+            m_paths.append(key + QLatin1Char(' ') +
+                           QFileInfo(QStringLiteral("/proc/self/fd/%1").arg(fd.fileDescriptor())).symLinkTarget());
+        }
+    }
+
+private:
+    mutable QMutex m_mutex;
+    QVariantMap m_options;
+    QStringList m_paths;
+};
+
+} // namespace
+
+// Shelves as the program shows them, on a real X server with a window manager: real drags from other
+// programs, moved by xdotool, dropped on the shelf and dragged out of it; the shelf logic behind them.
+class TestShelfWindow final : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void initTestCase()
+    {
+        Test::isolateStandardPaths();
+        QCOMPARE(QGuiApplication::platformName(), QStringLiteral("xcb"));
+        QIcon::setThemeName(QStringLiteral("Adwaita"));
+        m_files = std::make_unique<QTemporaryDir>();
+    }
+
+    void init()
+    {
+        m_dir = std::make_unique<QTemporaryDir>();
+        m_preferences = std::make_unique<Preferences>(std::make_unique<MemoryPreferenceStorage>());
+        m_store = std::make_unique<PersistentDragSessionStore>(m_dir->filePath(QStringLiteral(".drag_sessions")));
+        m_messages = std::make_unique<MessageWindowCenter>();
+        m_ui = std::make_unique<QtDragSessionUserInterface>(
+            QtDragSessionUserInterface::Dependencies{*m_messages, *m_preferences, Clock::system()});
+        m_controller = std::make_unique<SessionController>(SessionController::Dependencies{
+            *m_store, *m_preferences, *m_ui, m_screens, *m_messages, m_clipboard, Clock::system()});
+        m_output.clear();
+    }
+
+    void cleanup()
+    {
+        // Also the shelves a message would keep open.
+        for (const auto& shelf : m_controller->coordinators()) {
+            shelf->stop(false);
+        }
+        QTRY_VERIFY(m_controller->coordinators().isEmpty());
+        for (QProcess* process : {&m_source, &m_target}) {
+            if (process->state() != QProcess::NotRunning) {
+                process->kill();
+                process->waitForFinished();
+            }
+        }
+        m_controller.reset();
+        m_ui.reset();
+        m_store.reset();
+    }
+
+    void windowKeepsToItsDesktopsAndStaysOnTop_data()
+    {
+        QTest::addColumn<bool>("keepInOwnSpace");
+        QTest::newRow("every desktop") << false;
+        QTest::newRow("its own desktop") << true;
+    }
+
+    void windowKeepsToItsDesktopsAndStaysOnTop()
+    {
+        QFETCH(bool, keepInOwnSpace);
+        auto shelf = openShelf(QPoint(700, 400));
+        DragSessionLabel label = shelf->label();
+        label.keepInOwnSpace = keepInOwnSpace;
+        shelf->setLabel(label);
+
+        QWidget& widget = shelfWindow(*shelf).widget();
+        const quint32 id = quint32(widget.winId());
+        QCOMPARE(widget.size(), QSize(180, 188));
+        QVERIFY(widget.windowFlags().testFlag(Qt::FramelessWindowHint));
+        // The window manager keeps these properties; they are read back from the server.
+        const quint32 allDesktops = 0xFFFFFFFF;
+        QTRY_COMPARE(X11Properties::read32(id, X11Properties::atom("_NET_WM_DESKTOP")).value_or(QList<quint32>{})
+                             .value(0) == allDesktops,
+                     !keepInOwnSpace);
+        const QList<quint32> states =
+            X11Properties::read32(id, X11Properties::atom("_NET_WM_STATE")).value_or(QList<quint32>());
+        QVERIFY(states.contains(X11Properties::atom("_NET_WM_STATE_ABOVE")));
+        QVERIFY(states.contains(X11Properties::atom("_NET_WM_STATE_SKIP_TASKBAR")));
+        // Placed where the logic put it, in points from the bottom left.
+        const QRectF frame = shelf->window().frame();
+        shelf->window().setFrameOrigin(QPointF(300, 250));
+        QTRY_COMPARE(widget.geometry().topLeft(), QPoint(300, 1080 - 250 - 188));
+        QCOMPARE(shelf->window().frame(), QRectF(300, 250, 180, 188));
+        QVERIFY(frame.isValid());
+    }
+
+    void dropsBecomeItems_data()
+    {
+        QTest::addColumn<QStringList>("arguments");
+        QTest::addColumn<QStringList>("expected");
+        QTest::addColumn<QByteArray>("firstContent");
+        QTest::addColumn<QString>("logLine");
+
+        QTest::newRow("file") << QStringList{QStringLiteral("--kind"), QStringLiteral("files"), QStringLiteral("--file"),
+                                             QStringLiteral("@dropped.txt")}
+                              << QStringList{QStringLiteral("file: dropped.txt")} << QByteArray("bytes of dropped.txt")
+                              << QString();
+        QTest::newRow("text") << QStringList{QStringLiteral("--kind"), QStringLiteral("text")}
+                              << QStringList{QStringLiteral("text: Shopping list.txt")}
+                              << QByteArray("Shopping list\nMilk, bread and a good deal of coffee") << QString();
+        QTest::newRow("link") << QStringList{QStringLiteral("--kind"), QStringLiteral("link")}
+                              << QStringList{QStringLiteral("link: example.org.webloc")} << QByteArray() << QString();
+        QTest::newRow("browser image") << QStringList{QStringLiteral("--kind"), QStringLiteral("image")}
+                                       << QStringList{QStringLiteral("webimage: *.jpg")} << QByteArray() << QString();
+        QTest::newRow("direct save, saved by the source")
+            << QStringList{QStringLiteral("--kind"), QStringLiteral("xds"), QStringLiteral("--xds-mode"),
+                           QStringLiteral("S"), QStringLiteral("--xds-name"), QStringLiteral("Quarterly report.txt")}
+            << QStringList{QStringLiteral("promise: Quarterly report.txt")} << QByteArray("saved by the source\n")
+            << QStringLiteral("Promise succeeded");
+        QTest::newRow("direct save, fetched and saved here")
+            << QStringList{QStringLiteral("--kind"), QStringLiteral("xds"), QStringLiteral("--xds-mode"),
+                           QStringLiteral("F"), QStringLiteral("--xds-name"), QStringLiteral("fetched.txt")}
+            << QStringList{QStringLiteral("promise: fetched.txt")} << QByteArray("saved by the source\n")
+            << QStringLiteral("Promise succeeded");
+        QTest::newRow("direct save, failed at the source")
+            << QStringList{QStringLiteral("--kind"), QStringLiteral("xds"), QStringLiteral("--xds-mode"),
+                           QStringLiteral("E")}
+            << QStringList() << QByteArray() << QStringLiteral("Failed to receive promise with error ");
+        QTest::newRow("direct save naming a parent folder")
+            << QStringList{QStringLiteral("--kind"), QStringLiteral("xds"), QStringLiteral("--xds-name"),
+                           QStringLiteral("../x")}
+            << QStringList() << QByteArray() << QStringLiteral("Refused a promised file whose name leaves its folder");
+        QTest::newRow("archive extraction")
+            << QStringList{QStringLiteral("--kind"), QStringLiteral("ark")}
+            << QStringList{QStringLiteral("promise: first.txt"), QStringLiteral("file: second.txt")}
+            << QByteArray("first entry\n") << QStringLiteral("Promise succeeded");
+    }
+
+    void dropsBecomeItems()
+    {
+        QFETCH(QStringList, arguments);
+        QFETCH(QStringList, expected);
+        QFETCH(QByteArray, firstContent);
+        QFETCH(QString, logLine);
+
+        for (QString& argument : arguments) {
+            if (argument.startsWith(QLatin1Char('@'))) {
+                argument = file(argument.mid(1));
+            }
+        }
+        Test::LogCapture log;
+        auto shelf = openShelf(QPoint(800, 420));
+        const QPoint from = startSource(arguments);
+        QVERIFY(!from.isNull());
+        QVERIFY(runXdotool(dragScript(from, shelfCentre(*shelf))));
+        QVERIFY(waitForOutput(m_source, "drag finished"));
+
+        const DragSessionItemsController& items = shelf->itemsController();
+        QTRY_COMPARE_WITH_TIMEOUT(describe(items.items()), expected, 10000);
+        if (!logLine.isEmpty()) {
+            QTRY_VERIFY(log.contains(logLine));
+        }
+        if (expected.isEmpty()) {
+            // Refused promises leave nothing behind, neither on the shelf nor beside its folder.
+            QTRY_VERIFY(stackView(*shelf).draggables().isEmpty());
+            const QString promises = *TemporaryDirectories::path(ReservedTemporaryDirectory::promises);
+            QVERIFY(!QFileInfo::exists(promises + QStringLiteral("/x")));
+            if (arguments.contains(QStringLiteral("../x"))) {
+                QVERIFY(!m_output.append(m_source.readAllStandardOutput()).contains("asked to save"));
+            }
+            QVERIFY(!shelf->hasStopped());
+            return;
+        }
+        QCOMPARE(stackView(*shelf).draggables().size(), expected.size());
+        const QString path = items.items().first()->url()->toLocalFile();
+        if (!firstContent.isEmpty()) {
+            QCOMPARE(Test::readFile(path), firstContent);
+        }
+        if (arguments.contains(QStringLiteral("image"))) {
+            QCOMPARE(QImage(path).size(), QSize(64, 48));
+        }
+        if (arguments.contains(QStringLiteral("link"))) {
+            QVERIFY(Test::readFile(path).contains("https://www.example.org/articles/shelf"));
+        }
+        if (arguments.contains(QStringLiteral("xds"))) {
+            QCOMPARE(QFileInfo(path).canonicalPath().startsWith(QFileInfo(*TemporaryDirectories::path(
+                                                                     ReservedTemporaryDirectory::promises))
+                                                                     .canonicalFilePath()),
+                     true);
+            if (arguments.contains(QStringLiteral("F"))) {
+                QVERIFY(waitForOutput(m_source, "fetched"));
+            }
+        }
+    }
+
+    void fileAlreadyOnTheShelfIsRefused()
+    {
+        const QString path = file(QStringLiteral("twice.txt"));
+        auto shelf = openShelf(QPoint(800, 420));
+        shelf->appendItems({DraggableFile::make(QUrl::fromLocalFile(path))});
+        const QPoint from = startSource({QStringLiteral("--kind"), QStringLiteral("files"), QStringLiteral("--file"), path});
+        QVERIFY(runXdotool(dragScript(from, shelfCentre(*shelf))));
+        QVERIFY(waitForOutput(m_source, "drag finished"));
+
+        const quint64 number = shelf->window().windowNumber();
+        QTRY_VERIFY(m_messages->hasMessage(number));
+        QCOMPARE(m_messages->message(number)->text, QStringLiteral("This is already on the shelf."));
+        QCOMPARE(shelf->itemsController().items().size(), 1);
+        QCOMPARE(stackView(*shelf).draggables().size(), 1);
+        QVERIFY(shelf->window().isVisible());
+        QVERIFY(!shelf->hasStopped());
+    }
+
+    void largeDropsAreReadLater_data()
+    {
+        QTest::addColumn<int>("count");
+        QTest::addColumn<bool>("efficient");
+        QTest::newRow("29 files") << 29 << false;
+        QTest::newRow("30 files") << 30 << true;
+    }
+
+    void largeDropsAreReadLater()
+    {
+        QFETCH(int, count);
+        QFETCH(bool, efficient);
+        QStringList arguments{QStringLiteral("--kind"), QStringLiteral("files")};
+        for (int i = 0; i < count; ++i) {
+            arguments << QStringLiteral("--file") << file(QStringLiteral("many-%1-%2.txt").arg(count).arg(i));
+        }
+        auto shelf = openShelf(QPoint(800, 420));
+        auto& view = dynamic_cast<QtDragSessionView&>(shelf->view());
+        std::optional<bool> readLater;
+        connect(&view.dropView(), &DragSessionInboundDropView::concluded, &view,
+                [&] { readLater = view.isAsyncDragInProgress(); });
+        const QPoint from = startSource(arguments);
+        QVERIFY(runXdotool(dragScript(from, shelfCentre(*shelf))));
+        if (efficient) {
+            // Read after a pause, off the main thread; the empty shelf is not closed in the meantime.
+            QTRY_VERIFY(view.isAsyncDragInProgress());
+            QVERIFY(shelf->itemsController().items().isEmpty());
+            m_controller->closeSessions(SessionCloseFilter::empty);
+            QVERIFY(!shelf->isStopping());
+        }
+        QTRY_COMPARE(shelf->itemsController().items().size(), count);
+        QCOMPARE(readLater, std::optional(efficient));
+        QVERIFY(!view.isAsyncDragInProgress());
+    }
+
+    void dragOutEndsAsTheTargetSays_data()
+    {
+        QTest::addColumn<QString>("action");
+        QTest::addColumn<bool>("closes");
+        QTest::addColumn<QString>("logLine");
+        QTest::newRow("copied") << QStringLiteral("copy") << false << QStringLiteral("Finishing drag session");
+        QTest::newRow("moved") << QStringLiteral("move") << true << QStringLiteral("Finishing drag session");
+        QTest::newRow("refused") << QStringLiteral("refuse") << false
+                                 << QStringLiteral("No drag operation, cancelling drag session...");
+    }
+
+    void dragOutEndsAsTheTargetSays()
+    {
+        QFETCH(QString, action);
+        QFETCH(bool, closes);
+        QFETCH(QString, logLine);
+        const QString a = file(QStringLiteral("out-a.txt"));
+        const QString b = file(QStringLiteral("out b.txt"));
+        auto shelf = openShelf(QPoint(800, 420));
+        shelf->appendItems({DraggableFile::make(QUrl::fromLocalFile(a)), DraggableFile::make(QUrl::fromLocalFile(b))});
+        QTRY_VERIFY(shelf->itemsController().processingItems().isEmpty());
+        const QPoint to = startTarget(action);
+        QVERIFY(!to.isNull());
+
+        Test::LogCapture log;
+        QVERIFY(runXdotool(dragScript(pileCentre(*shelf), to)));
+        QTRY_VERIFY(log.contains(logLine));
+        QVERIFY(log.contains(QStringLiteral("About start drag session...")));
+        QTRY_COMPARE(shelf->hasStopped(), closes);
+        if (action == QLatin1String("refuse")) {
+            QVERIFY(stackView(*shelf).isCancelAnimationRunning());
+            QCOMPARE(shelf->itemsController().items().size(), 2);
+            QCOMPARE(m_preferences->value(PreferenceKeys::numberOfDrops, 0), 0);
+            return;
+        }
+        QVERIFY(waitForOutput(m_target, "end"));
+        const QByteArray uris = QByteArray::fromPercentEncoding(typeValue("text/uri-list"));
+        QCOMPARE(uris, QUrl::fromLocalFile(a).toEncoded() + "\r\n" + QUrl::fromLocalFile(b).toEncoded() + "\r\n");
+        QCOMPARE(m_preferences->value(PreferenceKeys::numberOfDrops, 0), 1);
+        QVERIFY(!shelf->view().hasDraggedOutItems());
+    }
+
+    void dragOutOffersFilesToThePortal()
+    {
+        qDBusRegisterMetaType<QList<QDBusUnixFileDescriptor>>();
+        QThread thread;
+        FakeTransferPortal portal;
+        portal.moveToThread(&thread);
+        thread.start();
+        QDBusConnection bus = QDBusConnection::connectToBus(QDBusConnection::SessionBus, QStringLiteral("portal"));
+        QVERIFY(bus.registerService(FileTransferPortal::service));
+        QVERIFY(bus.registerObject(FileTransferPortal::objectPath, &portal, QDBusConnection::ExportAllSlots));
+        const auto stop = qScopeGuard([&] {
+            bus.unregisterObject(FileTransferPortal::objectPath);
+            bus.unregisterService(FileTransferPortal::service);
+            QDBusConnection::disconnectFromBus(QStringLiteral("portal"));
+            thread.quit();
+            thread.wait();
+        });
+
+        const QString path = file(QStringLiteral("for the sandbox.txt"));
+        auto shelf = openShelf(QPoint(800, 420));
+        shelf->appendItems({DraggableFile::make(QUrl::fromLocalFile(path))});
+        const QPoint to = startTarget(QStringLiteral("copy"));
+        Test::LogCapture log;
+        QVERIFY(runXdotool(dragScript(pileCentre(*shelf), to)));
+        QVERIFY(waitForOutput(m_target, "end"));
+        for (const QString& m : log.messages()) fprintf(stderr, "LOG %s\n", qPrintable(m));
+        QCOMPARE(typeValue(FileTransferPortal::mimeType.toUtf8()), QByteArray("transfer-key-1"));
+        QCOMPARE(portal.paths(), QStringList{QStringLiteral("transfer-key-1 ") + path});
+    }
+
+    void refusedDragsOut_data()
+    {
+        QTest::addColumn<QString>("state");
+        QTest::addColumn<QString>("logLine");
+        QTest::newRow("interaction disabled, sharing too")
+            << QStringLiteral("disabled") << QStringLiteral("Interaction disabled, ignoring mosue drag");
+        QTest::newRow("share in progress")
+            << QStringLiteral("sharing") << QStringLiteral("Share state in progress, ignoring mouse drag");
+        QTest::newRow("items on their way back")
+            << QStringLiteral("cancelling") << QStringLiteral("Cancel animation is in progress, ignoring mouse drag");
+        QTest::newRow("press beside the items")
+            << QStringLiteral("beside") << QStringLiteral("No eligible item views, ignoring mouse drag");
+        QTest::newRow("only a promise not yet kept")
+            << QStringLiteral("promise")
+            << QStringLiteral("Attempted outbound drag items but the factory returned an empty array.");
+    }
+
+    void refusedDragsOut()
+    {
+        QFETCH(QString, state);
+        QFETCH(QString, logLine);
+        auto shelf = openShelf(QPoint(800, 420));
+        if (state == QLatin1String("promise")) {
+            shelf->appendItems({DraggablePromise::make([] { return DraggablePromise::VantropePromiseResult(); })});
+        } else {
+            shelf->appendItems({DraggableFile::make(QUrl::fromLocalFile(file(QStringLiteral("held.txt"))))});
+        }
+        auto& view = dynamic_cast<QtDragSessionView&>(shelf->view());
+        QPoint press = stackView(*shelf).visibleItemFrames().first().center().toPoint();
+        if (state == QLatin1String("disabled")) {
+            view.setInteractionEnabled(false);
+            view.setShareState({DragSessionActionState::Loading{0.2, QStringLiteral("Uploading")}});
+        } else if (state == QLatin1String("sharing")) {
+            view.setShareState({DragSessionActionState::Loading{0.2, QStringLiteral("Uploading")}});
+        } else if (state == QLatin1String("cancelling")) {
+            stackView(*shelf).cancelDragSession(QPointF(400, 400));
+        } else if (state == QLatin1String("beside")) {
+            press = QPoint(0, 0);
+        }
+        Test::LogCapture log;
+        QVERIFY(!view.mouseDragged(press));
+        QVERIFY(!log.messages().isEmpty());
+        QCOMPARE(log.messages().first(), logLine);
+        QVERIFY(!log.contains(QStringLiteral("About start drag session...")));
+    }
+
+    void screenshotOfAShelf()
+    {
+        // Something of a desktop behind the shelf.
+        QWidget desktop(nullptr, Qt::FramelessWindowHint | Qt::WindowStaysOnBottomHint);
+        QPalette wallpaper;
+        QLinearGradient gradient(0, 0, 0, 1080);
+        gradient.setColorAt(0, QColor(44, 62, 98));
+        gradient.setColorAt(1, QColor(120, 84, 130));
+        wallpaper.setBrush(QPalette::Window, gradient);
+        desktop.setPalette(wallpaper);
+        desktop.setAutoFillBackground(true);
+        desktop.setGeometry(500, 200, 700, 500);
+        desktop.show();
+        QVERIFY(QTest::qWaitForWindowExposed(&desktop));
+
+        const QString photo = m_files->filePath(QStringLiteral("Lake at dusk.png"));
+        QVERIFY(Test::writeFile(photo, gradientPng(QSize(400, 300))));
+        auto shelf = openShelf(QPoint(700, 320));
+        auto empty = openShelf(QPoint(960, 320));
+        DragSessionLabel label = shelf->label();
+        label.name = QStringLiteral("Trip notes");
+        label.color = DragSessionLabelColor(DragSessionLabelColor::Identifier::blue);
+        label.colorVisibility = DragSessionLabel::ColorVisibility::always;
+        label.pinned = true;
+        shelf->setLabel(label);
+        shelf->appendItems({DraggableFile::make(QUrl::fromLocalFile(file(QStringLiteral("Itinerary.pdf")))),
+                            DraggableWeblocation::make(QUrl(QStringLiteral("https://www.example.org/stay"))),
+                            DraggableText::make("Packing list\nBoots, map and a warm coat", QStringLiteral("text/plain"),
+                                                false),
+                            DraggableFile::make(QUrl::fromLocalFile(photo))});
+        m_messages->show(empty->window().windowNumber(),
+                         Message::plain(Message::Icon::warning, QStringLiteral("This is already on the shelf.")), 0);
+        dynamic_cast<QtDragSessionView&>(empty->view()).updateHoverState(true);
+        QTest::qWait(600);
+
+        const QRect area = shelfWindow(*shelf).widget().geometry().united(shelfWindow(*empty).widget().geometry())
+                               .adjusted(-24, -24, 24, 24);
+        const QPixmap shot = QGuiApplication::primaryScreen()->grabWindow(0, area.x(), area.y(), area.width(),
+                                                                         area.height());
+        const QString path = QCoreApplication::applicationDirPath() + QStringLiteral("/shelf-screenshot.png");
+        QVERIFY(shot.save(path));
+        QCOMPARE(QImage(path).size(), area.size());
+        qInfo().noquote() << "Screenshot saved to" << path;
+    }
+
+private:
+    QString file(const QString& name)
+    {
+        const QString path = m_files->filePath(name);
+        if (!QFileInfo::exists(path)) {
+            Test::writeFile(path, "bytes of " + name.toUtf8());
+        }
+        return path;
+    }
+
+    // A shelf opened by a gesture, centred on a point given in screen pixels from the top left.
+    std::shared_ptr<DragSessionCoordinator> openShelf(const QPoint& centre)
+    {
+        const QRectF primary = QGuiApplication::primaryScreen()->geometry();
+        m_controller->gestureBegan(QPointF(centre.x(), primary.height() - centre.y()));
+        auto shelf = m_controller->coordinators().last();
+        QWidget& widget = shelfWindow(*shelf).widget();
+        [&] { QVERIFY(QTest::qWaitForWindowExposed(&widget)); }();
+        // The window manager places the window when it maps it; give it that moment.
+        QTest::qWait(150);
+        return shelf;
+    }
+
+    static QtDragSessionWindow& shelfWindow(const DragSessionCoordinator& shelf)
+    {
+        return dynamic_cast<QtDragSessionWindow&>(shelf.window());
+    }
+
+    static DragSessionStackView& stackView(const DragSessionCoordinator& shelf)
+    {
+        return dynamic_cast<QtDragSessionView&>(shelf.view()).stackView();
+    }
+
+    static QPoint shelfCentre(const DragSessionCoordinator& shelf)
+    {
+        return shelfWindow(shelf).widget().geometry().center();
+    }
+
+    static QPoint pileCentre(const DragSessionCoordinator& shelf)
+    {
+        DragSessionStackView& stack = stackView(shelf);
+        return stack.mapToGlobal(stack.visibleItemFrames().first().center().toPoint());
+    }
+
+    QPoint startProgram(QProcess& process, const QString& program, const QStringList& arguments)
+    {
+        process.setProcessChannelMode(QProcess::ForwardedErrorChannel);
+        process.start(program, arguments);
+        if (!process.waitForStarted() || !waitForOutput(process, "ready ")) {
+            return {};
+        }
+        const QByteArray& output = &process == &m_source ? m_output : m_targetOutput;
+        const QList<QByteArray> ready = output.mid(output.indexOf("ready ")).split('\n').first().split(' ');
+        return ready.size() == 3 ? QPoint(ready[1].toInt(), ready[2].toInt()) : QPoint();
+    }
+
+    QPoint startSource(const QStringList& arguments)
+    {
+        return startProgram(m_source, QStringLiteral(SHELF_DRAG_SOURCE_BINARY), arguments);
+    }
+
+    QPoint startTarget(const QString& action)
+    {
+        return startProgram(m_target, QStringLiteral(SHELF_DROP_TARGET_BINARY), {QStringLiteral("--action"), action});
+    }
+
+    bool waitForOutput(QProcess& process, const QByteArray& line)
+    {
+        QByteArray& output = &process == &m_source ? m_output : m_targetOutput;
+        return QTest::qWaitFor([&] { return output.append(process.readAllStandardOutput()).contains(line); }, 15000);
+    }
+
+    // The value the drop target printed for a type.
+    QByteArray typeValue(const QByteArray& type) const
+    {
+        for (const QByteArray& line : m_targetOutput.split('\n')) {
+            if (line.startsWith(QByteArray("type " + type + ' '))) {
+                return line.mid(type.size() + 6);
+            }
+        }
+        return {};
+    }
+
+    // Runs while this process's event loop goes on: the shelf here must answer the drag as it happens.
+    bool runXdotool(const QStringList& script)
+    {
+        QProcess xdotool;
+        xdotool.start(QStringLiteral("xdotool"), script);
+        if (!xdotool.waitForStarted()) {
+            return false;
+        }
+        return QTest::qWaitFor([&] { return xdotool.state() == QProcess::NotRunning; }, 20000) &&
+               xdotool.exitCode() == 0;
+    }
+
+    std::unique_ptr<QTemporaryDir> m_files;
+    std::unique_ptr<QTemporaryDir> m_dir;
+    std::unique_ptr<Preferences> m_preferences;
+    std::unique_ptr<PersistentDragSessionStore> m_store;
+    std::unique_ptr<MessageWindowCenter> m_messages;
+    std::unique_ptr<QtDragSessionUserInterface> m_ui;
+    std::unique_ptr<SessionController> m_controller;
+    QtScreenEnvironment m_screens;
+    QtClipboardSource m_clipboard;
+    QProcess m_source;
+    QProcess m_target;
+    QByteArray m_output;
+    QByteArray m_targetOutput;
+};
+
+QTEST_MAIN(TestShelfWindow)
+#include "TestShelfWindow.moc"
