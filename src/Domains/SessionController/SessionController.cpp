@@ -11,6 +11,8 @@
 #include "Preferences/SettingsItem.h"
 
 #include <QSet>
+#include <QTimer>
+#include <utility>
 
 namespace Vantrope {
 
@@ -32,6 +34,10 @@ SessionController::~SessionController()
     for (const auto& coordinator : coordinators()) {
         coordinator->setDelegate(nullptr);
     }
+    // Taken off the queue and let go of here, on the main thread.
+    auto remaining = m_coordinatorsQueue.syncResult([this] { return std::exchange(m_coordinators, {}); });
+    remaining.clear();
+    m_released.clear();
 }
 
 QList<std::shared_ptr<DragSessionCoordinator>> SessionController::coordinators() const
@@ -41,11 +47,20 @@ QList<std::shared_ptr<DragSessionCoordinator>> SessionController::coordinators()
 
 void SessionController::setCoordinators(QList<std::shared_ptr<DragSessionCoordinator>> coordinators)
 {
-    m_coordinatorsQueue.async([this, coordinators = std::move(coordinators)]() mutable {
-        std::swap(m_coordinators, coordinators);
-        // A coordinator owns windows: its last reference must not go on this queue's thread.
-        DispatchQueue::main().async([replaced = std::move(coordinators)] {});
-    });
+    // The old list comes back to this (main) thread: a coordinator owns windows, so its last reference
+    // must never be dropped on the queue's thread.
+    QList<std::shared_ptr<DragSessionCoordinator>> previous = m_coordinatorsQueue.syncResult(
+        [this, &coordinators] { return std::exchange(m_coordinators, std::move(coordinators)); });
+    m_released.append(std::move(previous));
+    if (!m_releaseScheduled) {
+        m_releaseScheduled = true;
+        // Released on the next turn of the event loop, never inside a coordinator's own stop; tied to this
+        // object so that nothing is left queued when the program ends.
+        QTimer::singleShot(0, this, [this] {
+            m_releaseScheduled = false;
+            m_released.clear();
+        });
+    }
 }
 
 DragSessionLabel SessionController::newLabel()
@@ -168,7 +183,6 @@ void SessionController::coordinatorDidStop(DragSessionCoordinator& coordinator)
     list.erase(index);
     setCoordinators(std::move(list));
     m_labelController.giveBack(keep->label().color);
-    DispatchQueue::main().async([keep] {});
     Q_EMIT sessionsChanged();
 }
 

@@ -91,6 +91,9 @@ private:
     QPointF m_lastDraggingPoint;
     mutable DispatchQueue m_coordinatorsQueue;
     QList<std::shared_ptr<DragSessionCoordinator>> m_coordinators; // on m_coordinatorsQueue only
+    // Replaced lists, let go of on the main thread once the current call has returned.
+    QList<std::shared_ptr<DragSessionCoordinator>> m_released;
+    bool m_releaseScheduled = false;
 };
 
 } // namespace Vantrope
