@@ -4,11 +4,11 @@
 #include "Models/Draggable/DraggableLogging.h"
 
 #include <atomic>
+#include <QDateTime>
 #include <QDBusConnection>
 #include <QDBusMessage>
 #include <QDBusPendingCallWatcher>
 #include <QDBusPendingReply>
-#include <QDateTime>
 #include <QDir>
 #include <QElapsedTimer>
 #include <QFileInfo>
@@ -50,8 +50,9 @@ public:
 
     void start(const QString& service, const QString& objectPath)
     {
-        QDBusMessage call = QDBusMessage::createMethodCall(
-            service, objectPath, QStringLiteral("org.kde.ark.DndExtract"), QStringLiteral("extractSelectedFilesTo"));
+        QDBusMessage call =
+            QDBusMessage::createMethodCall(service, objectPath, QStringLiteral("org.kde.ark.DndExtract"),
+                                           QStringLiteral("extractSelectedFilesTo"));
         call << m_destination;
         auto* watcher = new QDBusPendingCallWatcher(
             QDBusConnection::sessionBus().asyncCall(call, int(timeout * 1000)), this);
@@ -68,10 +69,7 @@ public:
         });
     }
 
-    void fail(const QString& detail)
-    {
-        deliver({std::unexpected(failure(detail))});
-    }
+    void fail(const QString& detail) { deliver({std::unexpected(failure(detail))}); }
 
     void cancel() { m_cancelled.store(true); }
 
@@ -81,7 +79,8 @@ private:
     {
         QStringList entries;
         const QFileInfoList infos =
-            QDir(m_destination).entryInfoList(QDir::AllEntries | QDir::NoDotAndDotDot | QDir::Hidden, QDir::Name);
+            QDir(m_destination)
+                .entryInfoList(QDir::AllEntries | QDir::NoDotAndDotDot | QDir::Hidden, QDir::Name);
         for (const QFileInfo& info : infos) {
             entries.append(info.fileName() + QLatin1Char('\n') + QString::number(info.size()) +
                            QLatin1Char('\n') + QString::number(info.lastModified().toMSecsSinceEpoch()));
@@ -103,7 +102,8 @@ private:
         m_poll.stop();
         QList<FileResult> results;
         const QFileInfoList infos =
-            QDir(m_destination).entryInfoList(QDir::AllEntries | QDir::NoDotAndDotDot | QDir::Hidden, QDir::Name);
+            QDir(m_destination)
+                .entryInfoList(QDir::AllEntries | QDir::NoDotAndDotDot | QDir::Hidden, QDir::Name);
         for (const QFileInfo& info : infos) {
             results.append(QUrl::fromLocalFile(info.absoluteFilePath()));
         }
@@ -160,7 +160,8 @@ void ArkExtractTransport::receive(const QString& destination, FileHandler onFile
     Extraction* extraction = new Extraction(destination, std::move(onFile), std::move(onFinished));
     m_extraction = std::shared_ptr<Extraction>(extraction, [](Extraction* object) { object->deleteLater(); });
     if (m_service.isEmpty() || m_service.size() > 255 || !isPlausibleObjectPath(m_objectPath)) {
-        const QString detail = QStringLiteral("malformed service %1 or object %2").arg(m_service, m_objectPath);
+        const QString detail =
+            QStringLiteral("malformed service %1 or object %2").arg(m_service, m_objectPath);
         QTimer::singleShot(0, extraction, [extraction, detail] { extraction->fail(detail); });
         return;
     }

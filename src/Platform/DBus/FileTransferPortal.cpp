@@ -50,7 +50,8 @@ std::optional<QString> FileTransferPortal::registerFiles(const QStringList& path
     start << QVariantMap{{QStringLiteral("writable"), false}, {QStringLiteral("autostop"), true}};
     const QDBusReply<QString> key = bus.call(start, QDBus::Block, callTimeout);
     if (!key.isValid()) {
-        qCWarning(lcDragSession).noquote() << "File transfer portal refused a transfer:" << key.error().message();
+        qCWarning(lcDragSession).noquote()
+            << "File transfer portal refused a transfer:" << key.error().message();
         return std::nullopt;
     }
 
@@ -70,7 +71,8 @@ std::optional<QString> FileTransferPortal::registerFiles(const QStringList& path
         add << key.value() << QVariant::fromValue(descriptors) << QVariantMap();
         const QDBusMessage reply = bus.call(add, QDBus::Block, callTimeout);
         if (reply.type() == QDBusMessage::ErrorMessage) {
-            qCWarning(lcDragSession).noquote() << "File transfer portal refused files:" << reply.errorMessage();
+            qCWarning(lcDragSession).noquote()
+                << "File transfer portal refused files:" << reply.errorMessage();
             return std::nullopt;
         }
     }

@@ -1,8 +1,8 @@
 #include "DragSessionInboundDropView.h"
 
+#include "Domains/DragSession/DraggablePasteboardReader.h"
 #include "Domains/DragSession/DragSessionDropValidator.h"
 #include "Domains/DragSession/DragSessionLogging.h"
-#include "Domains/DragSession/DraggablePasteboardReader.h"
 #include "Libraries/Core/Clock.h"
 #include "Libraries/Core/DispatchQueue.h"
 #include "Models/Draggable/DraggableFile.h"
@@ -30,9 +30,8 @@ const QSet<QString>& readableTypes()
 {
     static const QSet<QString> types = [] {
         QSet<QString> all;
-        for (const QStringList& list :
-             {DraggableFile::readableTypes(), DraggableWeblocation::readableTypes(), DraggableText::readableTypes(),
-              DraggablePromise::readableTypes()}) {
+        for (const QStringList& list : {DraggableFile::readableTypes(), DraggableWeblocation::readableTypes(),
+                                        DraggableText::readableTypes(), DraggablePromise::readableTypes()}) {
             for (const QString& type : list) {
                 all.insert(type);
             }
@@ -50,6 +49,12 @@ bool isBrowserImage(const QStringList& formats)
     });
     return formats.contains(PasteboardTypes::mozillaNativeImage) ||
            (formats.contains(PasteboardTypes::mozillaFilePromiseURL) && hasImage);
+}
+
+bool isPlainText(const QString& format)
+{
+    return format == PasteboardTypes::plainText || format == PasteboardTypes::utf8PlainText ||
+           format == PasteboardTypes::utf8String;
 }
 
 qsizetype uriCount(const QByteArray& uriList)
@@ -76,7 +81,8 @@ std::pair<int, int> rejectedCounts(const DraggableList& held, const DraggableLis
     for (const DraggablePtr& item : dropped) {
         if (keys.contains(item->cacheKey())) {
             ++existing;
-        } else if (const auto* file = dynamic_cast<const DraggableFile*>(item.get()); file && file->size() == 0) {
+        } else if (const auto* file = dynamic_cast<const DraggableFile*>(item.get());
+                   file && file->size() == 0) {
             ++empty;
         }
     }
@@ -87,7 +93,8 @@ std::atomic<quint64> nextSequenceNumber = 0;
 
 } // namespace
 
-DragSessionInboundDropView::DragSessionInboundDropView(Preferences& preferences, Clock& clock, QWidget* parent)
+DragSessionInboundDropView::DragSessionInboundDropView(Preferences& preferences, Clock& clock,
+                                                       QWidget* parent)
     : QWidget(parent)
     , m_preferences(preferences)
     , m_clock(clock)
@@ -116,6 +123,9 @@ Pasteboard DragSessionInboundDropView::pasteboard(const QMimeData& data,
             if (browserImage) {
                 copy.setData(format, data.data(format));
             }
+        } else if (isPlainText(format)) {
+            // GTK sends plain text in the MIME canonical form, with CRLF line ends; a text file here has LF.
+            copy.setData(format, data.data(format).replace("\r\n", "\n"));
         } else if (readableTypes().contains(format)) {
             copy.setData(format, data.data(format));
         }
@@ -174,8 +184,9 @@ void DragSessionInboundDropView::dragEnterEvent(QDragEnterEvent* event)
     }
     m_draggingEntered = true;
     m_sequenceNumber = ++nextSequenceNumber;
-    const qsizetype count =
-        data->hasFormat(PasteboardTypes::uriList) ? qMax<qsizetype>(1, uriCount(data->data(PasteboardTypes::uriList))) : 1;
+    const qsizetype count = data->hasFormat(PasteboardTypes::uriList)
+                                ? qMax<qsizetype>(1, uriCount(data->data(PasteboardTypes::uriList)))
+                                : 1;
     m_isEfficiencyModeActive = count >= efficiencyModeThreshold;
     acceptAsCopy(event);
     Q_EMIT willBeginDragging();
@@ -250,7 +261,8 @@ void DragSessionInboundDropView::readLargeDrop(const QByteArray& uriList, quint6
     });
 }
 
-bool DragSessionInboundDropView::finish(const DraggableList& draggables, std::optional<quint64> sequenceNumber)
+bool DragSessionInboundDropView::finish(const DraggableList& draggables,
+                                        std::optional<quint64> sequenceNumber)
 {
     const QPointer<DragSessionInboundDropView> self(this);
     const DraggableList held = m_shelfItems ? m_shelfItems() : DraggableList();

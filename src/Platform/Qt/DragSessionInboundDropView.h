@@ -43,7 +43,10 @@ public:
     // Asked when a drag enters; false turns it away.
     void setCanDragHandler(std::function<bool()> handler) { m_canDragHandler = std::move(handler); }
     // What the shelf holds now, for the duplicate rule.
-    void setShelfItemsProvider(std::function<DraggableList()> provider) { m_shelfItems = std::move(provider); }
+    void setShelfItemsProvider(std::function<DraggableList()> provider)
+    {
+        m_shelfItems = std::move(provider);
+    }
     // Drags that start at this object are the shelf's own items going out: they are not taken back in.
     void setOwnDragSource(QObject* source) { m_ownDragSource = source; }
 
@@ -54,8 +57,8 @@ public:
 
     // The shelf items the drop's data makes, promises fetched through `promiseFactory`; public so the
     // reading can be exercised without a drag.
-    static DraggableList read(const Pasteboard& pasteboard, const DropPromiseTransports::Factory& promiseFactory,
-                              bool forcePlainText);
+    static DraggableList read(const Pasteboard& pasteboard,
+                              const DropPromiseTransports::Factory& promiseFactory, bool forcePlainText);
     // The drop's data as a pasteboard, with only the types some item kind reads; the direct save type
     // carries the source's proposed name and no conversion is made for it.
     static Pasteboard pasteboard(const QMimeData& data, const std::optional<QByteArray>& directSaveName);

@@ -105,9 +105,10 @@ int DragSessionOverlayView::heightForWidth(int width) const
         const QString text = m_content.link ? m_content.link->toDisplayString() : m_content.text;
         // A link stays on one line; other text wraps, up to four lines.
         const QFontMetrics metrics(textFont(font()));
-        height += m_content.link ? metrics.height()
-                                 : qMin(metrics.boundingRect(0, 0, textWidth, 1000, Qt::TextWordWrap, text).height(),
-                                        metrics.lineSpacing() * 4);
+        height += m_content.link
+                      ? metrics.height()
+                      : qMin(metrics.boundingRect(0, 0, textWidth, 1000, Qt::TextWordWrap, text).height(),
+                             metrics.lineSpacing() * 4);
     }
     if (m_content.progress) {
         height += barHeight + 6;
@@ -149,8 +150,9 @@ void DragSessionOverlayView::paintEvent(QPaintEvent*)
         painter.setFont(textFont(font()));
         painter.setPen(m_content.link ? m_accent.lighter(130) : QColor(255, 255, 255, 190));
         if (m_content.link) {
-            const QString shown = QFontMetrics(painter.font())
-                                      .elidedText(m_content.link->toDisplayString(), Qt::ElideMiddle, int(area.width()));
+            const QString shown =
+                QFontMetrics(painter.font())
+                    .elidedText(m_content.link->toDisplayString(), Qt::ElideMiddle, int(area.width()));
             painter.drawText(area, Qt::AlignLeft | Qt::AlignTop, shown);
         } else {
             painter.save();

@@ -115,7 +115,8 @@ void DragSessionStackView::removeDraggable(const DraggablePtr& draggable)
     }
 }
 
-bool DragSessionStackView::replaceDraggable(const DraggablePtr& oldDraggable, const DraggablePtr& newDraggable)
+bool DragSessionStackView::replaceDraggable(const DraggablePtr& oldDraggable,
+                                            const DraggablePtr& newDraggable)
 {
     const qsizetype index = indexOf(oldDraggable->cacheKey());
     if (index < 0) {
@@ -182,12 +183,13 @@ void DragSessionStackView::dropUnusedPictures() const
 QList<QRectF> DragSessionStackView::visibleItemFrames() const
 {
     const QList<double> angles = StackLayout::angles(m_draggables.size());
-    const QRectF frame = StackLayout::frame(size(), itemSize);
+    const QList<QPointF> offsets = StackLayout::offsets(m_draggables.size());
     QList<QRectF> frames;
-    for (const double angle : angles) {
+    for (qsizetype depth = 0; depth < angles.size(); ++depth) {
+        const QRectF frame = StackLayout::frame(size(), itemSize).translated(offsets.at(depth));
         QTransform turn;
         turn.translate(frame.center().x(), frame.center().y());
-        turn.rotate(angle);
+        turn.rotate(angles.at(depth));
         turn.translate(-frame.center().x(), -frame.center().y());
         frames.append(turn.mapRect(frame).translated(m_pileOffset));
     }
@@ -197,7 +199,8 @@ QList<QRectF> DragSessionStackView::visibleItemFrames() const
 bool DragSessionStackView::hasItemAt(const QPointF& point) const
 {
     const QList<QRectF> frames = visibleItemFrames();
-    return std::any_of(frames.cbegin(), frames.cend(), [&point](const QRectF& frame) { return frame.contains(point); });
+    return std::any_of(frames.cbegin(), frames.cend(),
+                       [&point](const QRectF& frame) { return frame.contains(point); });
 }
 
 void DragSessionStackView::setAccentColor(const QColor& color)
@@ -264,17 +267,20 @@ void DragSessionStackView::paintItem(QPainter& painter, const Picture& picture, 
     painter.restore();
 }
 
-void DragSessionStackView::paintPile(QPainter& painter, const QPointF& offset, double scale, double opacity) const
+void DragSessionStackView::paintPile(QPainter& painter, const QPointF& offset, double scale,
+                                     double opacity) const
 {
     const QList<double> angles = StackLayout::angles(m_draggables.size());
+    const QList<QPointF> offsets = StackLayout::offsets(m_draggables.size());
     const QRectF home = StackLayout::frame(size(), itemSize);
-    const QRectF frame(home.center() - QPointF(home.width() * scale / 2, home.height() * scale / 2) + offset,
-                       home.size() * scale);
+    const QRectF centre(home.center() - QPointF(home.width() * scale / 2, home.height() * scale / 2) + offset,
+                        home.size() * scale);
     painter.save();
     painter.setOpacity(opacity);
     // Bottom first, so the top item covers the others.
     for (qsizetype depth = angles.size() - 1; depth >= 0; --depth) {
         const DraggablePtr& draggable = m_draggables.at(m_draggables.size() - 1 - depth);
+        const QRectF frame = centre.translated(offsets.at(depth) * scale);
         const bool settling = depth == 0 && m_settle < 1.0;
         painter.save();
         if (settling) {
@@ -311,9 +317,11 @@ void DragSessionStackView::paintEvent(QPaintEvent*)
     QFont font = this->font();
     font.setPixelSize(11);
     font.setWeight(QFont::Bold);
-    const QString count = m_draggables.size() > 999 ? QStringLiteral("999+") : QString::number(m_draggables.size());
+    const QString count =
+        m_draggables.size() > 999 ? QStringLiteral("999+") : QString::number(m_draggables.size());
     const double width = qMax(20.0, QFontMetricsF(font).horizontalAdvance(count) + 12.0);
-    const QRectF badge(qMin(frame.right() - width / 2, this->width() - width - 1.0), frame.top() - 6, width, 20);
+    const QRectF badge(qMin(frame.right() - width / 2, this->width() - width - 1.0), frame.top() - 6, width,
+                       20);
     painter.setOpacity(m_fade);
     painter.setPen(QPen(QColor(255, 255, 255, 230), 1.5));
     painter.setBrush(m_accent);
@@ -351,7 +359,8 @@ void DragSessionStackView::mouseMoveEvent(QMouseEvent* event)
     if (!m_pressed || !(event->buttons() & Qt::LeftButton)) {
         return;
     }
-    if ((event->position().toPoint() - m_pressPosition).manhattanLength() < QApplication::startDragDistance()) {
+    if ((event->position().toPoint() - m_pressPosition).manhattanLength() <
+        QApplication::startDragDistance()) {
         return;
     }
     m_pressed = false;

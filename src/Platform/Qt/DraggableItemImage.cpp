@@ -115,11 +115,14 @@ DraggableItemImage::Rendered DraggableItemImage::render(const Draggable& draggab
         return {};
     }
     if (const auto* text = dynamic_cast<const DraggableText*>(&draggable)) {
-        return {textSheet(DraggableText::plainText(text->data(), text->type()).value_or(QString()), size),
+        // The sheet shows a few lines; a huge text is not decoded whole for them.
+        const QByteArray start = text->data().left(16 * 1024);
+        return {textSheet(DraggableText::plainText(start, text->type()).value_or(QString()), size),
                 Style::card};
     }
     if (const auto* link = dynamic_cast<const DraggableWeblocation*>(&draggable)) {
-        return {linkCard(link->locationTitle().value_or(link->address().toDisplayString()), size), Style::card};
+        return {linkCard(link->locationTitle().value_or(link->address().toDisplayString()), size),
+                Style::card};
     }
     if (dynamic_cast<const DraggablePromise*>(&draggable) && !draggable.isReady()) {
         return {FileImages::genericIconImage(size), Style::icon};

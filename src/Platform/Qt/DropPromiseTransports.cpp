@@ -39,7 +39,7 @@ std::optional<QByteArray> DropPromiseTransports::directSaveName()
 }
 
 DropPromiseTransports::Factory DropPromiseTransports::forDrop(const QMimeData& dropData,
-                                                             std::optional<quint64> sequenceNumber)
+                                                              std::optional<quint64> sequenceNumber)
 {
     return [&dropData, sequenceNumber](const PasteboardItem& item) -> std::unique_ptr<FilePromiseTransport> {
         if (item.hasType(PasteboardTypes::arkExtractService)) {
@@ -57,9 +57,9 @@ DropPromiseTransports::Factory DropPromiseTransports::forDrop(const QMimeData& d
             if (!folder) {
                 return nullptr;
             }
-            return X11DirectSaveTransport::fetch(dropData, directSaveSourceWindow(),
-                                                 item.data(PasteboardTypes::directSave).value_or(QByteArray()),
-                                                 *folder);
+            return X11DirectSaveTransport::fetch(
+                dropData, directSaveSourceWindow(),
+                item.data(PasteboardTypes::directSave).value_or(QByteArray()), *folder);
 #else
             Q_UNUSED(dropData);
             Q_UNUSED(sequenceNumber);

@@ -19,7 +19,7 @@ QtDragSessionUserInterface::QtDragSessionUserInterface(const Dependencies& depen
 }
 
 DragSessionUserInterface::Parts QtDragSessionUserInterface::makeShelf(DragSessionViewDelegate& delegate,
-                                                                       const QSizeF& size)
+                                                                      const QSizeF& size)
 {
     const quint64 number = ++m_lastWindowNumber;
     auto window = std::make_unique<QtDragSessionWindow>(number, size);

@@ -53,8 +53,9 @@ QString summary(const DraggableList& draggables)
         return Localized("shelf.summary.mixed", "%n kinds of items", int(kinds.size()));
     }
     QStringList names = kinds.keys();
-    std::stable_sort(names.begin(), names.end(),
-                     [&kinds](const QString& a, const QString& b) { return kinds.value(a) > kinds.value(b); });
+    std::stable_sort(names.begin(), names.end(), [&kinds](const QString& a, const QString& b) {
+        return kinds.value(a) > kinds.value(b);
+    });
     return names.join(QLatin1String(", "));
 }
 
@@ -110,10 +111,13 @@ QtDragSessionView::QtDragSessionView(const Dependencies& dependencies, QWidget* 
     connect(m_closeButton, &QAbstractButton::clicked, this, [this] {
         m_delegate.didSelectCloseButton(QApplication::keyboardModifiers().testFlag(Qt::AltModifier));
     });
-    connect(m_restoreButton, &QAbstractButton::clicked, this, [this] { m_delegate.didSelectRestoreButton(); });
+    connect(m_restoreButton, &QAbstractButton::clicked, this,
+            [this] { m_delegate.didSelectRestoreButton(); });
 
-    connect(&dependencies.messages, &MessageWindowCenter::messageShown, this, &QtDragSessionView::showMessage);
-    connect(&dependencies.messages, &MessageWindowCenter::messageHidden, this, &QtDragSessionView::hideMessage);
+    connect(&dependencies.messages, &MessageWindowCenter::messageShown, this,
+            &QtDragSessionView::showMessage);
+    connect(&dependencies.messages, &MessageWindowCenter::messageHidden, this,
+            &QtDragSessionView::hideMessage);
     if (const std::optional<Message> shown = dependencies.messages.message(m_windowNumber)) {
         showMessage(m_windowNumber, *shown);
     }
@@ -282,7 +286,8 @@ void QtDragSessionView::updateChrome()
     m_closeButton->setDark(dark);
     m_restoreButton->setDark(dark);
     m_closeButton->setVisible(m_permanentClose || m_hovering);
-    m_restoreButton->setVisible(m_stack->draggables().isEmpty() && !m_highlighted && (m_permanentClose || m_hovering));
+    m_restoreButton->setVisible(m_stack->draggables().isEmpty() && !m_highlighted &&
+                                (m_permanentClose || m_hovering));
     update();
 }
 
@@ -313,7 +318,8 @@ void QtDragSessionView::concludeDrop(const DragSessionInboundDropView::ConcludeD
     receivePromises(event.draggables, event.draggingSequenceNumber);
 }
 
-void QtDragSessionView::receivePromises(const DraggableList& draggables, std::optional<quint64> sequenceNumber)
+void QtDragSessionView::receivePromises(const DraggableList& draggables,
+                                        std::optional<quint64> sequenceNumber)
 {
     const QSize pictureSize = (DragSessionStackView::itemSize * devicePixelRatioF()).toSize();
     for (const DraggablePtr& draggable : draggables) {
@@ -322,7 +328,8 @@ void QtDragSessionView::receivePromises(const DraggableList& draggables, std::op
             continue;
         }
         std::weak_ptr<DraggablePromise> weak = promise;
-        promise->onReceives([self = QPointer(this), weak, pictureSize](const Draggable::ResolveResult& result) {
+        promise->onReceives([self = QPointer(this), weak,
+                             pictureSize](const Draggable::ResolveResult& result) {
             const auto received = weak.lock();
             if (!self || !received) {
                 return;
@@ -342,11 +349,12 @@ void QtDragSessionView::receivePromises(const DraggableList& draggables, std::op
                 self->m_delegate.didConcludeDrop(additional);
             }
             self->m_stack->refreshDraggable(received);
-            received->makeCachedImage(pictureSize, [self, weak](std::expected<void, DraggablePromise::ImageError>) {
-                if (const auto item = weak.lock(); self && item) {
-                    self->m_stack->refreshDraggable(item);
-                }
-            });
+            received->makeCachedImage(pictureSize,
+                                      [self, weak](std::expected<void, DraggablePromise::ImageError>) {
+                                          if (const auto item = weak.lock(); self && item) {
+                                              self->m_stack->refreshDraggable(item);
+                                          }
+                                      });
         });
         promise->receiveFiles(sequenceNumber);
     }
@@ -445,10 +453,10 @@ void QtDragSessionView::mousePressEvent(QMouseEvent* event)
 void QtDragSessionView::paintGrabber(QPainter& painter, const QRectF& card) const
 {
     const QRectF grabber(card.center().x() - grabberWidth / 2, card.top() + 8, grabberWidth, 5);
-    const bool coloured = m_label.colorVisibility == DragSessionLabel::ColorVisibility::always || m_hovering ||
-                          m_highlighted;
-    QColor colour = coloured ? m_label.color.color().color(isDark()) : (isDark() ? QColor(255, 255, 255, 70)
-                                                                                : QColor(0, 0, 0, 55));
+    const bool coloured =
+        m_label.colorVisibility == DragSessionLabel::ColorVisibility::always || m_hovering || m_highlighted;
+    QColor colour = coloured ? m_label.color.color().color(isDark())
+                             : (isDark() ? QColor(255, 255, 255, 70) : QColor(0, 0, 0, 55));
     painter.setPen(Qt::NoPen);
     painter.setBrush(colour);
     painter.drawRoundedRect(grabber, 2.5, 2.5);
@@ -468,12 +476,14 @@ void QtDragSessionView::paintGrabber(QPainter& painter, const QRectF& card) cons
 void QtDragSessionView::paintEmptyState(QPainter& painter) const
 {
     const QRectF zone = pileRect().adjusted(6, 4, -6, -2);
-    const QColor ink = m_highlighted ? accentColor() : (isDark() ? QColor(255, 255, 255, 90) : QColor(0, 0, 0, 80));
+    const QColor ink =
+        m_highlighted ? accentColor() : (isDark() ? QColor(255, 255, 255, 90) : QColor(0, 0, 0, 80));
     QPen dashed(ink, 1.5, Qt::DashLine, Qt::RoundCap);
     dashed.setDashPattern({4, 3});
     painter.setPen(dashed);
-    painter.setBrush(m_highlighted ? QColor(accentColor().red(), accentColor().green(), accentColor().blue(), 28)
-                                   : Qt::NoBrush);
+    QColor tint = accentColor();
+    tint.setAlpha(28);
+    painter.setBrush(m_highlighted ? QBrush(tint) : QBrush(Qt::NoBrush));
     painter.drawRoundedRect(zone, 12, 12);
 
     // An arrow into a tray.
@@ -482,9 +492,10 @@ void QtDragSessionView::paintEmptyState(QPainter& painter) const
     painter.setPen(stroke);
     painter.setBrush(Qt::NoBrush);
     painter.drawLine(centre + QPointF(0, -12), centre + QPointF(0, 6));
-    painter.drawPolyline(QPolygonF({centre + QPointF(-6, 0), centre + QPointF(0, 6), centre + QPointF(6, 0)}));
-    painter.drawPolyline(QPolygonF({centre + QPointF(-12, 6), centre + QPointF(-12, 12), centre + QPointF(12, 12),
-                                    centre + QPointF(12, 6)}));
+    painter.drawPolyline(
+        QPolygonF({centre + QPointF(-6, 0), centre + QPointF(0, 6), centre + QPointF(6, 0)}));
+    painter.drawPolyline(QPolygonF({centre + QPointF(-12, 6), centre + QPointF(-12, 12),
+                                    centre + QPointF(12, 12), centre + QPointF(12, 6)}));
 
     QFont font = this->font();
     font.setPixelSize(11);

@@ -31,7 +31,8 @@ bool isX11()
 
 QtDragSessionWindow::QtDragSessionWindow(quint64 windowNumber, const QSizeF& size)
     : m_windowNumber(windowNumber)
-    , m_widget(std::make_unique<QWidget>(nullptr, Qt::Tool | Qt::FramelessWindowHint | Qt::WindowStaysOnTopHint))
+    , m_widget(
+          std::make_unique<QWidget>(nullptr, Qt::Tool | Qt::FramelessWindowHint | Qt::WindowStaysOnTopHint))
 {
     m_widget->setAttribute(Qt::WA_TranslucentBackground);
     m_widget->setAttribute(Qt::WA_DeleteOnClose, false);
@@ -99,7 +100,7 @@ bool QtDragSessionWindow::isVisible() const
 double QtDragSessionWindow::alphaValue() const
 {
     return m_alphaAnimation.state() == QAbstractAnimation::Running ? m_alphaAnimation.endValue().toDouble()
-                                                                    : m_widget->windowOpacity();
+                                                                   : m_widget->windowOpacity();
 }
 
 void QtDragSessionWindow::setAlphaValue(double alpha, bool animated)

@@ -68,8 +68,8 @@ std::unique_ptr<X11DirectSaveTransport> X11DirectSaveTransport::fetch(const QMim
     };
     if (!isAcceptableName(name)) {
         qCWarning(lcDraggable).noquote() << "Refused a promised file whose name leaves its folder:" << name;
-        return make(std::unexpected(failure(Localized("receive-error.direct-save.name",
-                                                      "It proposed a name that is not allowed."))));
+        return make(std::unexpected(
+            failure(Localized("receive-error.direct-save.name", "It proposed a name that is not allowed."))));
     }
     if (!sourceWindow) {
         qCWarning(lcDraggable) << "Direct save promise without a source window";
@@ -81,8 +81,8 @@ std::unique_ptr<X11DirectSaveTransport> X11DirectSaveTransport::fetch(const QMim
         return make(std::unexpected(failure(QString())));
     }
 
-    X11Properties::write(sourceWindow, X11Properties::atom("XdndDirectSave0"), X11Properties::atom("text/plain"),
-                         QUrl::fromLocalFile(path).toEncoded());
+    X11Properties::write(sourceWindow, X11Properties::atom("XdndDirectSave0"),
+                         X11Properties::atom("text/plain"), QUrl::fromLocalFile(path).toEncoded());
     X11Properties::flush();
     // Converting the selection to the protocol's own target is what asks the source to save.
     const QByteArray answer = dropData.data(PasteboardTypes::directSave);
@@ -90,8 +90,8 @@ std::unique_ptr<X11DirectSaveTransport> X11DirectSaveTransport::fetch(const QMim
                                   << "for" << name;
     if (answer.startsWith('S')) {
         if (!QFileInfo(path).isFile()) {
-            qCWarning(lcDraggable).noquote() << "Direct save source reported success but wrote no file at"
-                                             << path;
+            qCWarning(lcDraggable).noquote()
+                << "Direct save source reported success but wrote no file at" << path;
             return make(std::unexpected(failure(QString())));
         }
         return make(QUrl::fromLocalFile(path));
@@ -99,8 +99,8 @@ std::unique_ptr<X11DirectSaveTransport> X11DirectSaveTransport::fetch(const QMim
     if (answer.startsWith('F')) {
         const QByteArray bytes = dropData.data(octetStream);
         if (bytes.isEmpty() || !saveBytes(path, bytes)) {
-            qCWarning(lcDraggable).noquote() << "Could not save the fetched bytes of a direct save promise to"
-                                             << path;
+            qCWarning(lcDraggable).noquote()
+                << "Could not save the fetched bytes of a direct save promise to" << path;
             return make(std::unexpected(failure(QString())));
         }
         return make(QUrl::fromLocalFile(path));
@@ -118,7 +118,8 @@ QStringList X11DirectSaveTransport::fileNames() const
     return {m_name};
 }
 
-void X11DirectSaveTransport::receive(const QString& destination, FileHandler onFile, FinishedHandler onFinished)
+void X11DirectSaveTransport::receive(const QString& destination, FileHandler onFile,
+                                     FinishedHandler onFinished)
 {
     if (m_received) {
         return;

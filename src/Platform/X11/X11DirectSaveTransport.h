@@ -20,7 +20,8 @@ public:
     // Asks `sourceWindow` to save its file into `folder`, reading the drop's data through `dropData`, which
     // must be the data of the drop being delivered.
     static std::unique_ptr<X11DirectSaveTransport> fetch(const QMimeData& dropData, quint32 sourceWindow,
-                                                         const QByteArray& proposedName, const QString& folder);
+                                                         const QByteArray& proposedName,
+                                                         const QString& folder);
 
     // The name the source of the current drag proposes, read from its window; absent without one.
     static std::optional<QByteArray> proposedName(quint32 sourceWindow);

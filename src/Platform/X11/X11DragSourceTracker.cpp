@@ -9,7 +9,7 @@ namespace Vantrope {
 
 X11DragSourceTracker* X11DragSourceTracker::instance()
 {
-    static X11DragSourceTracker* tracker = [] () -> X11DragSourceTracker* {
+    static X11DragSourceTracker* tracker = []() -> X11DragSourceTracker* {
         if (!X11Properties::connection()) {
             return nullptr;
         }

@@ -2,10 +2,10 @@
 
 #include <cstring>
 #include <QGuiApplication>
-#include <QtGui/qguiapplication_platform.h>
 #include <QHash>
 #include <QList>
 #include <QMutex>
+#include <QtGui/qguiapplication_platform.h>
 #include <xcb/xcb.h>
 
 namespace Vantrope {
@@ -28,8 +28,8 @@ std::optional<PropertyReply> readProperty(quint32 window, quint32 property)
     quint32 offset = 0;
     // Long values come in pieces; 64 KiB of 32-bit units per request.
     for (;;) {
-        const auto cookie = xcb_get_property(connection, false, window, property, XCB_GET_PROPERTY_TYPE_ANY,
-                                             offset, 16384);
+        const auto cookie =
+            xcb_get_property(connection, false, window, property, XCB_GET_PROPERTY_TYPE_ANY, offset, 16384);
         xcb_get_property_reply_t* reply = xcb_get_property_reply(connection, cookie, nullptr);
         if (!reply) {
             return std::nullopt;

@@ -21,8 +21,8 @@
 #include <QMimeData>
 #include <QMouseEvent>
 #include <QPainter>
-#include <QTimer>
 #include <QtGui/qguiapplication_platform.h>
+#include <QTimer>
 #include <QUrl>
 #include <QWidget>
 #include <xcb/xcb.h>
@@ -64,8 +64,8 @@ xcb_window_t dragWindow()
 
 QByteArray readDirectSaveProperty()
 {
-    const auto cookie =
-        xcb_get_property(connection(), false, dragWindow(), atom("XdndDirectSave0"), XCB_GET_PROPERTY_TYPE_ANY, 0, 4096);
+    const auto cookie = xcb_get_property(connection(), false, dragWindow(), atom("XdndDirectSave0"),
+                                         XCB_GET_PROPERTY_TYPE_ANY, 0, 4096);
     xcb_get_property_reply_t* reply = xcb_get_property_reply(connection(), cookie, nullptr);
     QByteArray value;
     if (reply) {
@@ -99,7 +99,8 @@ protected:
         say("asked to save to " + uri);
         if (m_mode == 'S') {
             QFile file(QUrl::fromEncoded(uri).toLocalFile());
-            if (!file.open(QIODevice::WriteOnly) || file.write(directSaveContent) != directSaveContent.size()) {
+            if (!file.open(QIODevice::WriteOnly) ||
+                file.write(directSaveContent) != directSaveContent.size()) {
                 return QByteArray("E");
             }
         }
@@ -174,7 +175,8 @@ protected:
     void mouseMoveEvent(QMouseEvent* event) override
     {
         if ((event->buttons() & Qt::LeftButton) &&
-            (event->position().toPoint() - m_pressPosition).manhattanLength() >= QApplication::startDragDistance()) {
+            (event->position().toPoint() - m_pressPosition).manhattanLength() >=
+                QApplication::startDragDistance()) {
             startDrag();
         }
     }
@@ -207,7 +209,8 @@ private:
         } else if (m_kind == QLatin1String("ark")) {
             data->setData(QStringLiteral("application/x-kde-ark-dndextract-service"),
                           QDBusConnection::sessionBus().baseService().toUtf8());
-            data->setData(QStringLiteral("application/x-kde-ark-dndextract-path"), QByteArray("/DndExtract/1"));
+            data->setData(QStringLiteral("application/x-kde-ark-dndextract-path"),
+                          QByteArray("/DndExtract/1"));
         }
         return data;
     }
@@ -225,8 +228,9 @@ private:
         if (m_kind == QLatin1String("xds")) {
             // The window exists once the drag has begun; name the file on it then.
             QTimer::singleShot(0, this, [this] {
-                xcb_change_property(connection(), XCB_PROP_MODE_REPLACE, dragWindow(), atom("XdndDirectSave0"),
-                                    atom("text/plain"), 8, uint32_t(m_xdsName.size()), m_xdsName.constData());
+                xcb_change_property(connection(), XCB_PROP_MODE_REPLACE, dragWindow(),
+                                    atom("XdndDirectSave0"), atom("text/plain"), 8,
+                                    uint32_t(m_xdsName.size()), m_xdsName.constData());
                 xcb_flush(connection());
             });
         }

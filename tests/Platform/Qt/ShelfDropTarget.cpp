@@ -67,7 +67,7 @@ int main(int argc, char* argv[])
     const QStringList arguments = QApplication::arguments();
     const qsizetype index = arguments.indexOf(QStringLiteral("--action"));
     DropTargetWidget window(index >= 0 && index + 1 < arguments.size() ? arguments.at(index + 1)
-                                                                        : QStringLiteral("copy"));
+                                                                       : QStringLiteral("copy"));
     window.setWindowTitle(QStringLiteral("Shelf drop target"));
     window.setGeometry(1400, 60, 300, 220);
     window.show();

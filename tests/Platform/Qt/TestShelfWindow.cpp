@@ -42,15 +42,16 @@ namespace {
 QStringList dragScript(const QPoint& from, const QPoint& to)
 {
     QStringList script{QStringLiteral("mousemove"), QString::number(from.x()), QString::number(from.y()),
-                       QStringLiteral("sleep"),     QStringLiteral("0.2"),    QStringLiteral("mousedown"),
-                       QStringLiteral("1"),         QStringLiteral("sleep"),  QStringLiteral("0.15")};
+                       QStringLiteral("sleep"),     QStringLiteral("0.2"),     QStringLiteral("mousedown"),
+                       QStringLiteral("1"),         QStringLiteral("sleep"),   QStringLiteral("0.15")};
     constexpr int steps = 8;
     for (int step = 1; step <= steps; ++step) {
         const QPoint at = from + (to - from) * step / steps;
         script << QStringLiteral("mousemove") << QString::number(at.x()) << QString::number(at.y())
                << QStringLiteral("sleep") << QStringLiteral("0.06");
     }
-    script << QStringLiteral("sleep") << QStringLiteral("0.3") << QStringLiteral("mouseup") << QStringLiteral("1");
+    script << QStringLiteral("sleep") << QStringLiteral("0.3") << QStringLiteral("mouseup")
+           << QStringLiteral("1");
     return script;
 }
 
@@ -136,8 +137,9 @@ public Q_SLOTS:
     {
         QMutexLocker lock(&m_mutex);
         for (const QDBusUnixFileDescriptor& fd : fds) {
-            m_paths.append(key + QLatin1Char(' ') +
-                           QFileInfo(QStringLiteral("/proc/self/fd/%1").arg(fd.fileDescriptor())).symLinkTarget());
+            m_paths.append(
+                key + QLatin1Char(' ') +
+                QFileInfo(QStringLiteral("/proc/self/fd/%1").arg(fd.fileDescriptor())).symLinkTarget());
         }
     }
 
@@ -167,22 +169,27 @@ private Q_SLOTS:
     {
         m_dir = std::make_unique<QTemporaryDir>();
         m_preferences = std::make_unique<Preferences>(std::make_unique<MemoryPreferenceStorage>());
-        m_store = std::make_unique<PersistentDragSessionStore>(m_dir->filePath(QStringLiteral(".drag_sessions")));
+        m_store =
+            std::make_unique<PersistentDragSessionStore>(m_dir->filePath(QStringLiteral(".drag_sessions")));
         m_messages = std::make_unique<MessageWindowCenter>();
         m_ui = std::make_unique<QtDragSessionUserInterface>(
             QtDragSessionUserInterface::Dependencies{*m_messages, *m_preferences, Clock::system()});
         m_controller = std::make_unique<SessionController>(SessionController::Dependencies{
             *m_store, *m_preferences, *m_ui, m_screens, *m_messages, m_clipboard, Clock::system()});
         m_output.clear();
+        m_targetOutput.clear();
     }
 
     void cleanup()
     {
-        // Also the shelves a message would keep open.
+        // Also the shelves a message would keep open; each is gone, windows and all, before the next test.
+        QList<std::weak_ptr<DragSessionCoordinator>> closing;
         for (const auto& shelf : m_controller->coordinators()) {
+            closing.append(shelf);
             shelf->stop(false);
         }
-        QTRY_VERIFY(m_controller->coordinators().isEmpty());
+        QTRY_VERIFY(
+            std::all_of(closing.cbegin(), closing.cend(), [](const auto& shelf) { return shelf.expired(); }));
         for (QProcess* process : {&m_source, &m_target}) {
             if (process->state() != QProcess::NotRunning) {
                 process->kill();
@@ -215,7 +222,8 @@ private Q_SLOTS:
         QVERIFY(widget.windowFlags().testFlag(Qt::FramelessWindowHint));
         // The window manager keeps these properties; they are read back from the server.
         const quint32 allDesktops = 0xFFFFFFFF;
-        QTRY_COMPARE(X11Properties::read32(id, X11Properties::atom("_NET_WM_DESKTOP")).value_or(QList<quint32>{})
+        QTRY_COMPARE(X11Properties::read32(id, X11Properties::atom("_NET_WM_DESKTOP"))
+                             .value_or(QList<quint32>{})
                              .value(0) == allDesktops,
                      !keepInOwnSpace);
         const QList<quint32> states =
@@ -237,25 +245,30 @@ private Q_SLOTS:
         QTest::addColumn<QByteArray>("firstContent");
         QTest::addColumn<QString>("logLine");
 
-        QTest::newRow("file") << QStringList{QStringLiteral("--kind"), QStringLiteral("files"), QStringLiteral("--file"),
-                                             QStringLiteral("@dropped.txt")}
-                              << QStringList{QStringLiteral("file: dropped.txt")} << QByteArray("bytes of dropped.txt")
-                              << QString();
+        QTest::newRow("file") << QStringList{QStringLiteral("--kind"), QStringLiteral("files"),
+                                             QStringLiteral("--file"), QStringLiteral("@dropped.txt")}
+                              << QStringList{QStringLiteral("file: dropped.txt")}
+                              << QByteArray("bytes of dropped.txt") << QString();
         QTest::newRow("text") << QStringList{QStringLiteral("--kind"), QStringLiteral("text")}
                               << QStringList{QStringLiteral("text: Shopping list.txt")}
-                              << QByteArray("Shopping list\nMilk, bread and a good deal of coffee") << QString();
+                              << QByteArray("Shopping list\nMilk, bread and a good deal of coffee")
+                              << QString();
         QTest::newRow("link") << QStringList{QStringLiteral("--kind"), QStringLiteral("link")}
-                              << QStringList{QStringLiteral("link: example.org.webloc")} << QByteArray() << QString();
-        QTest::newRow("browser image") << QStringList{QStringLiteral("--kind"), QStringLiteral("image")}
-                                       << QStringList{QStringLiteral("webimage: *.jpg")} << QByteArray() << QString();
+                              << QStringList{QStringLiteral("link: example.org.webloc")} << QByteArray()
+                              << QString();
+        QTest::newRow("browser image")
+            << QStringList{QStringLiteral("--kind"), QStringLiteral("image")}
+            << QStringList{QStringLiteral("webimage: *.jpg")} << QByteArray() << QString();
         QTest::newRow("direct save, saved by the source")
-            << QStringList{QStringLiteral("--kind"), QStringLiteral("xds"), QStringLiteral("--xds-mode"),
-                           QStringLiteral("S"), QStringLiteral("--xds-name"), QStringLiteral("Quarterly report.txt")}
-            << QStringList{QStringLiteral("promise: Quarterly report.txt")} << QByteArray("saved by the source\n")
-            << QStringLiteral("Promise succeeded");
+            << QStringList{QStringLiteral("--kind"),     QStringLiteral("xds"),
+                           QStringLiteral("--xds-mode"), QStringLiteral("S"),
+                           QStringLiteral("--xds-name"), QStringLiteral("Quarterly report.txt")}
+            << QStringList{QStringLiteral("promise: Quarterly report.txt")}
+            << QByteArray("saved by the source\n") << QStringLiteral("Promise succeeded");
         QTest::newRow("direct save, fetched and saved here")
-            << QStringList{QStringLiteral("--kind"), QStringLiteral("xds"), QStringLiteral("--xds-mode"),
-                           QStringLiteral("F"), QStringLiteral("--xds-name"), QStringLiteral("fetched.txt")}
+            << QStringList{QStringLiteral("--kind"),     QStringLiteral("xds"),
+                           QStringLiteral("--xds-mode"), QStringLiteral("F"),
+                           QStringLiteral("--xds-name"), QStringLiteral("fetched.txt")}
             << QStringList{QStringLiteral("promise: fetched.txt")} << QByteArray("saved by the source\n")
             << QStringLiteral("Promise succeeded");
         QTest::newRow("direct save, failed at the source")
@@ -265,7 +278,19 @@ private Q_SLOTS:
         QTest::newRow("direct save naming a parent folder")
             << QStringList{QStringLiteral("--kind"), QStringLiteral("xds"), QStringLiteral("--xds-name"),
                            QStringLiteral("../x")}
-            << QStringList() << QByteArray() << QStringLiteral("Refused a promised file whose name leaves its folder");
+            << QStringList() << QByteArray()
+            << QStringLiteral("Refused a promised file whose name leaves its folder");
+        QTest::newRow("text from GTK")
+            << QStringList{QStringLiteral("gtk"), QStringLiteral("--kind"), QStringLiteral("text")}
+            << QStringList{QStringLiteral("text: Meeting notes.txt")}
+            << QByteArray("Meeting notes\nBring the slides and the budget") << QString();
+        QTest::newRow("files from GTK")
+            << QStringList{QStringLiteral("gtk"),          QStringLiteral("--kind"),
+                           QStringLiteral("files"),        QStringLiteral("--file"),
+                           QStringLiteral("@gtk one.txt"), QStringLiteral("--file"),
+                           QStringLiteral("@gtk two.txt")}
+            << QStringList{QStringLiteral("file: gtk one.txt"), QStringLiteral("file: gtk two.txt")}
+            << QByteArray("bytes of gtk one.txt") << QString();
         QTest::newRow("archive extraction")
             << QStringList{QStringLiteral("--kind"), QStringLiteral("ark")}
             << QStringList{QStringLiteral("promise: first.txt"), QStringLiteral("file: second.txt")}
@@ -319,9 +344,9 @@ private Q_SLOTS:
             QVERIFY(Test::readFile(path).contains("https://www.example.org/articles/shelf"));
         }
         if (arguments.contains(QStringLiteral("xds"))) {
-            QCOMPARE(QFileInfo(path).canonicalPath().startsWith(QFileInfo(*TemporaryDirectories::path(
-                                                                     ReservedTemporaryDirectory::promises))
-                                                                     .canonicalFilePath()),
+            QCOMPARE(QFileInfo(path).canonicalPath().startsWith(
+                         QFileInfo(*TemporaryDirectories::path(ReservedTemporaryDirectory::promises))
+                             .canonicalFilePath()),
                      true);
             if (arguments.contains(QStringLiteral("F"))) {
                 QVERIFY(waitForOutput(m_source, "fetched"));
@@ -334,7 +359,8 @@ private Q_SLOTS:
         const QString path = file(QStringLiteral("twice.txt"));
         auto shelf = openShelf(QPoint(800, 420));
         shelf->appendItems({DraggableFile::make(QUrl::fromLocalFile(path))});
-        const QPoint from = startSource({QStringLiteral("--kind"), QStringLiteral("files"), QStringLiteral("--file"), path});
+        const QPoint from =
+            startSource({QStringLiteral("--kind"), QStringLiteral("files"), QStringLiteral("--file"), path});
         QVERIFY(runXdotool(dragScript(from, shelfCentre(*shelf))));
         QVERIFY(waitForOutput(m_source, "drag finished"));
 
@@ -387,7 +413,8 @@ private Q_SLOTS:
         QTest::addColumn<QString>("action");
         QTest::addColumn<bool>("closes");
         QTest::addColumn<QString>("logLine");
-        QTest::newRow("copied") << QStringLiteral("copy") << false << QStringLiteral("Finishing drag session");
+        QTest::newRow("copied") << QStringLiteral("copy") << false
+                                << QStringLiteral("Finishing drag session");
         QTest::newRow("moved") << QStringLiteral("move") << true << QStringLiteral("Finishing drag session");
         QTest::newRow("refused") << QStringLiteral("refuse") << false
                                  << QStringLiteral("No drag operation, cancelling drag session...");
@@ -401,7 +428,8 @@ private Q_SLOTS:
         const QString a = file(QStringLiteral("out-a.txt"));
         const QString b = file(QStringLiteral("out b.txt"));
         auto shelf = openShelf(QPoint(800, 420));
-        shelf->appendItems({DraggableFile::make(QUrl::fromLocalFile(a)), DraggableFile::make(QUrl::fromLocalFile(b))});
+        shelf->appendItems(
+            {DraggableFile::make(QUrl::fromLocalFile(a)), DraggableFile::make(QUrl::fromLocalFile(b))});
         QTRY_VERIFY(shelf->itemsController().processingItems().isEmpty());
         const QPoint to = startTarget(action);
         QVERIFY(!to.isNull());
@@ -419,7 +447,8 @@ private Q_SLOTS:
         }
         QVERIFY(waitForOutput(m_target, "end"));
         const QByteArray uris = QByteArray::fromPercentEncoding(typeValue("text/uri-list"));
-        QCOMPARE(uris, QUrl::fromLocalFile(a).toEncoded() + "\r\n" + QUrl::fromLocalFile(b).toEncoded() + "\r\n");
+        QCOMPARE(uris,
+                 QUrl::fromLocalFile(a).toEncoded() + "\r\n" + QUrl::fromLocalFile(b).toEncoded() + "\r\n");
         QCOMPARE(m_preferences->value(PreferenceKeys::numberOfDrops, 0), 1);
         QVERIFY(!shelf->view().hasDraggedOutItems());
     }
@@ -431,7 +460,8 @@ private Q_SLOTS:
         FakeTransferPortal portal;
         portal.moveToThread(&thread);
         thread.start();
-        QDBusConnection bus = QDBusConnection::connectToBus(QDBusConnection::SessionBus, QStringLiteral("portal"));
+        QDBusConnection bus =
+            QDBusConnection::connectToBus(QDBusConnection::SessionBus, QStringLiteral("portal"));
         QVERIFY(bus.registerService(FileTransferPortal::service));
         QVERIFY(bus.registerObject(FileTransferPortal::objectPath, &portal, QDBusConnection::ExportAllSlots));
         const auto stop = qScopeGuard([&] {
@@ -446,10 +476,8 @@ private Q_SLOTS:
         auto shelf = openShelf(QPoint(800, 420));
         shelf->appendItems({DraggableFile::make(QUrl::fromLocalFile(path))});
         const QPoint to = startTarget(QStringLiteral("copy"));
-        Test::LogCapture log;
         QVERIFY(runXdotool(dragScript(pileCentre(*shelf), to)));
         QVERIFY(waitForOutput(m_target, "end"));
-        for (const QString& m : log.messages()) fprintf(stderr, "LOG %s\n", qPrintable(m));
         QCOMPARE(typeValue(FileTransferPortal::mimeType.toUtf8()), QByteArray("transfer-key-1"));
         QCOMPARE(portal.paths(), QStringList{QStringLiteral("transfer-key-1 ") + path});
     }
@@ -463,7 +491,8 @@ private Q_SLOTS:
         QTest::newRow("share in progress")
             << QStringLiteral("sharing") << QStringLiteral("Share state in progress, ignoring mouse drag");
         QTest::newRow("items on their way back")
-            << QStringLiteral("cancelling") << QStringLiteral("Cancel animation is in progress, ignoring mouse drag");
+            << QStringLiteral("cancelling")
+            << QStringLiteral("Cancel animation is in progress, ignoring mouse drag");
         QTest::newRow("press beside the items")
             << QStringLiteral("beside") << QStringLiteral("No eligible item views, ignoring mouse drag");
         QTest::newRow("only a promise not yet kept")
@@ -477,7 +506,8 @@ private Q_SLOTS:
         QFETCH(QString, logLine);
         auto shelf = openShelf(QPoint(800, 420));
         if (state == QLatin1String("promise")) {
-            shelf->appendItems({DraggablePromise::make([] { return DraggablePromise::VantropePromiseResult(); })});
+            shelf->appendItems(
+                {DraggablePromise::make([] { return DraggablePromise::VantropePromiseResult(); })});
         } else {
             shelf->appendItems({DraggableFile::make(QUrl::fromLocalFile(file(QStringLiteral("held.txt"))))});
         }
@@ -511,34 +541,43 @@ private Q_SLOTS:
         wallpaper.setBrush(QPalette::Window, gradient);
         desktop.setPalette(wallpaper);
         desktop.setAutoFillBackground(true);
-        desktop.setGeometry(500, 200, 700, 500);
+        desktop.setGeometry(400, 150, 920, 400);
         desktop.show();
         QVERIFY(QTest::qWaitForWindowExposed(&desktop));
 
         const QString photo = m_files->filePath(QStringLiteral("Lake at dusk.png"));
         QVERIFY(Test::writeFile(photo, gradientPng(QSize(400, 300))));
-        auto shelf = openShelf(QPoint(700, 320));
-        auto empty = openShelf(QPoint(960, 320));
-        DragSessionLabel label = shelf->label();
+        const auto pdf = DraggableFile::make(QUrl::fromLocalFile(file(QStringLiteral("Itinerary.pdf"))));
+        const auto link = DraggableWeblocation::make(QUrl(QStringLiteral("https://www.example.org/stay")));
+        const auto text =
+            DraggableText::make("Packing list\nBoots, map, a warm coat and the tickets for the ferry",
+                                QStringLiteral("text/plain"), false);
+
+        auto trip = openShelf(QPoint(620, 330));
+        DragSessionLabel label = trip->label();
         label.name = QStringLiteral("Trip notes");
         label.color = DragSessionLabelColor(DragSessionLabelColor::Identifier::blue);
         label.colorVisibility = DragSessionLabel::ColorVisibility::always;
         label.pinned = true;
-        shelf->setLabel(label);
-        shelf->appendItems({DraggableFile::make(QUrl::fromLocalFile(file(QStringLiteral("Itinerary.pdf")))),
-                            DraggableWeblocation::make(QUrl(QStringLiteral("https://www.example.org/stay"))),
-                            DraggableText::make("Packing list\nBoots, map and a warm coat", QStringLiteral("text/plain"),
-                                                false),
-                            DraggableFile::make(QUrl::fromLocalFile(photo))});
-        m_messages->show(empty->window().windowNumber(),
-                         Message::plain(Message::Icon::warning, QStringLiteral("This is already on the shelf.")), 0);
+        trip->setLabel(label);
+        trip->appendItems({pdf, link, text, DraggableFile::make(QUrl::fromLocalFile(photo))});
+        // A gesture opens a new shelf only where no empty one is showing.
+        auto notes = openShelf(QPoint(850, 330));
+        notes->appendItems({link, text});
+        auto empty = openShelf(QPoint(1080, 330));
+        m_messages->show(
+            empty->window().windowNumber(),
+            Message::plain(Message::Icon::warning, QStringLiteral("This is already on the shelf.")), 0);
         dynamic_cast<QtDragSessionView&>(empty->view()).updateHoverState(true);
         QTest::qWait(600);
 
-        const QRect area = shelfWindow(*shelf).widget().geometry().united(shelfWindow(*empty).widget().geometry())
+        const QRect area = shelfWindow(*trip)
+                               .widget()
+                               .geometry()
+                               .united(shelfWindow(*empty).widget().geometry())
                                .adjusted(-24, -24, 24, 24);
-        const QPixmap shot = QGuiApplication::primaryScreen()->grabWindow(0, area.x(), area.y(), area.width(),
-                                                                         area.height());
+        const QPixmap shot =
+            QGuiApplication::primaryScreen()->grabWindow(0, area.x(), area.y(), area.width(), area.height());
         const QString path = QCoreApplication::applicationDirPath() + QStringLiteral("/shelf-screenshot.png");
         QVERIFY(shot.save(path));
         QCOMPARE(QImage(path).size(), area.size());
@@ -601,20 +640,27 @@ private:
         return ready.size() == 3 ? QPoint(ready[1].toInt(), ready[2].toInt()) : QPoint();
     }
 
-    QPoint startSource(const QStringList& arguments)
+    // A first argument "gtk" runs the GTK source instead of the Qt one.
+    QPoint startSource(QStringList arguments)
     {
+        if (arguments.value(0) == QLatin1String("gtk")) {
+            arguments.removeFirst();
+            return startProgram(m_source, QStringLiteral(GTK_DRAG_SOURCE_SCRIPT), arguments);
+        }
         return startProgram(m_source, QStringLiteral(SHELF_DRAG_SOURCE_BINARY), arguments);
     }
 
     QPoint startTarget(const QString& action)
     {
-        return startProgram(m_target, QStringLiteral(SHELF_DROP_TARGET_BINARY), {QStringLiteral("--action"), action});
+        return startProgram(m_target, QStringLiteral(SHELF_DROP_TARGET_BINARY),
+                            {QStringLiteral("--action"), action});
     }
 
     bool waitForOutput(QProcess& process, const QByteArray& line)
     {
         QByteArray& output = &process == &m_source ? m_output : m_targetOutput;
-        return QTest::qWaitFor([&] { return output.append(process.readAllStandardOutput()).contains(line); }, 15000);
+        return QTest::qWaitFor([&] { return output.append(process.readAllStandardOutput()).contains(line); },
+                               15000);
     }
 
     // The value the drop target printed for a type.
