@@ -1,3 +1,4 @@
+#include "support/PointerScript.h"
 #include "support/TestSupport.h"
 
 #include <csignal>
@@ -7,6 +8,8 @@
 #include <QJsonObject>
 #include <QProcess>
 #include <QProcessEnvironment>
+#include <QRect>
+#include <QScopeGuard>
 #include <QTemporaryDir>
 #include <QTest>
 
@@ -200,6 +203,99 @@ private Q_SLOTS:
         QCOMPARE(list().size(), 1);
     }
 
+    void dragGestureOpensAShelfAtThePointer_data()
+    {
+        QTest::addColumn<bool>("withModifier");
+        QTest::addColumn<bool>("dropOnShelf");
+        QTest::newRow("shake, dropped on the shelf") << false << true;
+        QTest::newRow("shake, released elsewhere") << false << false;
+        QTest::newRow("trigger modifier, dropped on the shelf") << true << true;
+    }
+
+    void dragGestureOpensAShelfAtThePointer()
+    {
+        QFETCH(bool, withModifier);
+        QFETCH(bool, dropOnShelf);
+        // No introduction window in the way; the trigger modifier as the row asks.
+        QVERIFY(Vantrope::Test::writeFile(
+            m_home->filePath(QStringLiteral("config/vantrope/preferences.json")),
+            QJsonDocument(QJsonObject{{QStringLiteral("IsFirstLaunch"), true},
+                                      {QStringLiteral("ShelfTriggerModifierKeyEnabled"), withModifier},
+                                      {QStringLiteral("ShelfTriggerModifierKey"), QStringLiteral("shift")}})
+                .toJson()));
+        startAgent();
+        const QString dropped = file(QStringLiteral("a.txt"));
+        QProcess source;
+        source.start(QStringLiteral(SHELF_DRAG_SOURCE_BINARY),
+                     {QStringLiteral("--kind"), QStringLiteral("files"), QStringLiteral("--file"), dropped});
+        const auto stopSource = qScopeGuard([&source] {
+            source.kill();
+            source.waitForFinished();
+        });
+        QByteArray sourceOutput;
+        QTRY_VERIFY_WITH_TIMEOUT(sourceOutput.append(source.readAllStandardOutput()).contains("ready "),
+                                 10000);
+        const QList<QByteArray> ready =
+            sourceOutput.mid(sourceOutput.indexOf("ready ")).split('\n').first().split(' ');
+        QCOMPARE(ready.size(), 3);
+
+        // The button stays down between the two runs, so the shelf can be looked at mid-drag.
+        Vantrope::Test::PointerScript gesture;
+        if (withModifier) {
+            gesture.keyDown(QStringLiteral("shift"));
+        }
+        gesture.startDrag(QPoint(ready[1].toInt(), ready[2].toInt()));
+        if (withModifier) {
+            // The moves so far carried no content yet; the next one begins the gesture.
+            gesture.pause(0.6).move(10, 0);
+        } else {
+            gesture.pause(1.2).shake();
+        }
+        auto releaseAll = qScopeGuard([withModifier] {
+            Vantrope::Test::runXdotool(
+                withModifier
+                    ? Vantrope::Test::PointerScript().release().keyUp(QStringLiteral("shift")).arguments()
+                    : Vantrope::Test::PointerScript().release().arguments());
+        });
+        QVERIFY(Vantrope::Test::runXdotool(gesture.arguments()));
+        QTRY_COMPARE_WITH_TIMEOUT(list().size(), 1, 5000);
+        QCOMPARE(list().first().toObject().value(QStringLiteral("items")).toArray().size(), 0);
+        const QRect shelf = agentShelfGeometry();
+        QCOMPARE(shelf.size(), QSize(180, 188));
+        QVERIFY2(shelf.contains(pointerLocation()),
+                 qPrintable(QStringLiteral("shelf at %1,%2, pointer at %3,%4")
+                                .arg(shelf.x())
+                                .arg(shelf.y())
+                                .arg(pointerLocation().x())
+                                .arg(pointerLocation().y())));
+
+        Vantrope::Test::PointerScript end;
+        if (dropOnShelf) {
+            // The drag source learns of the new window under the pointer from the next motion.
+            end.move(4, 4).pause(0.2).move(-4, -4).pause(0.3);
+        } else {
+            end.move(0, 150).pause(0.05).move(0, 150).pause(0.05).move(0, 150).pause(0.3);
+        }
+        end.release();
+        if (withModifier) {
+            end.keyUp(QStringLiteral("shift"));
+        }
+        QVERIFY(Vantrope::Test::runXdotool(end.arguments()));
+        releaseAll.dismiss();
+        QTRY_VERIFY_WITH_TIMEOUT(
+            sourceOutput.append(source.readAllStandardOutput()).contains("drag finished"), 10000);
+        if (!dropOnShelf) {
+            // The empty shelf goes once the drag is over.
+            QTRY_COMPARE_WITH_TIMEOUT(list().size(), 0, 5000);
+            return;
+        }
+        QTRY_COMPARE_WITH_TIMEOUT(list().at(0).toObject().value(QStringLiteral("items")).toArray(),
+                                  QJsonArray{dropped}, 5000);
+        // Past the moment the end of the drag closes empty shelves, the shelf with the file stays.
+        QTest::qWait(400);
+        QCOMPARE(list().size(), 1);
+    }
+
     void hungAgentCostsATimeoutNotAHang()
     {
         startAgent();
@@ -215,6 +311,49 @@ private Q_SLOTS:
 
 private:
     QString file(const QString& name) const { return m_home->filePath(name); }
+
+    // The frame of the agent's shelf window on the screen, read from the X server through xdotool.
+    QRect agentShelfGeometry()
+    {
+        const Result windows = runTool(QStringLiteral("xdotool"),
+                                       {QStringLiteral("search"), QStringLiteral("--onlyvisible"),
+                                        QStringLiteral("--pid"), QString::number(m_agent->processId())});
+        for (const QString& window : windows.output.split(QLatin1Char('\n'), Qt::SkipEmptyParts)) {
+            const QMap<QString, int> geometry =
+                shellValues(runTool(QStringLiteral("xdotool"),
+                                    {QStringLiteral("getwindowgeometry"), QStringLiteral("--shell"), window})
+                                .output);
+            const QRect frame(geometry.value(QStringLiteral("X")), geometry.value(QStringLiteral("Y")),
+                              geometry.value(QStringLiteral("WIDTH")),
+                              geometry.value(QStringLiteral("HEIGHT")));
+            if (frame.size() == QSize(180, 188)) {
+                return frame;
+            }
+        }
+        return {};
+    }
+
+    QPoint pointerLocation()
+    {
+        const QMap<QString, int> location =
+            shellValues(runTool(QStringLiteral("xdotool"),
+                                {QStringLiteral("getmouselocation"), QStringLiteral("--shell")})
+                            .output);
+        return {location.value(QStringLiteral("X"), -1), location.value(QStringLiteral("Y"), -1)};
+    }
+
+    // xdotool's "--shell" output: NAME=number lines.
+    static QMap<QString, int> shellValues(const QString& output)
+    {
+        QMap<QString, int> values;
+        for (const QString& line : output.split(QLatin1Char('\n'), Qt::SkipEmptyParts)) {
+            const qsizetype equals = line.indexOf(QLatin1Char('='));
+            if (equals > 0) {
+                values.insert(line.left(equals), line.mid(equals + 1).toInt());
+            }
+        }
+        return values;
+    }
 
     void startAgent(const QStringList& arguments = {})
     {
@@ -235,10 +374,15 @@ private:
 
     Result run(const QStringList& arguments, const QString& workingDirectory = {})
     {
+        return runTool(QStringLiteral(VANTROPE_BINARY), arguments, workingDirectory);
+    }
+
+    Result runTool(const QString& program, const QStringList& arguments, const QString& workingDirectory = {})
+    {
         QProcess process;
         process.setProcessEnvironment(m_environment);
         process.setWorkingDirectory(workingDirectory);
-        process.start(QStringLiteral(VANTROPE_BINARY), arguments);
+        process.start(program, arguments);
         if (!process.waitForFinished(20000)) {
             process.kill();
             process.waitForFinished();

@@ -6,8 +6,10 @@
 #include <QFile>
 #include <QFileInfo>
 #include <QMutex>
+#include <QProcess>
 #include <QStandardPaths>
 #include <QTemporaryDir>
+#include <QTest>
 #include <sys/syscall.h>
 #include <unistd.h>
 
@@ -101,6 +103,23 @@ QByteArray readFile(const QString& path)
         return {};
     }
     return file.readAll();
+}
+
+bool runXdotool(const QStringList& arguments, int timeoutMilliseconds)
+{
+    QProcess xdotool;
+    xdotool.setProcessChannelMode(QProcess::ForwardedChannels);
+    xdotool.start(QStringLiteral("xdotool"), arguments);
+    if (!xdotool.waitForStarted()) {
+        return false;
+    }
+    if (!QTest::qWaitFor([&xdotool] { return xdotool.state() == QProcess::NotRunning; },
+                         timeoutMilliseconds)) {
+        xdotool.kill();
+        xdotool.waitForFinished();
+        return false;
+    }
+    return xdotool.exitStatus() == QProcess::NormalExit && xdotool.exitCode() == 0;
 }
 
 UnreadableFolder::UnreadableFolder(const QString& folder)

@@ -31,6 +31,10 @@ void isolateStandardPaths();
 bool writeFile(const QString& path, const QByteArray& data);
 QByteArray readFile(const QString& path);
 
+// Runs xdotool with `arguments` (a PointerScript's, say) while this thread's event loop goes on, so the
+// program under test answers the input as it comes. True when xdotool finished in time and succeeded.
+bool runXdotool(const QStringList& arguments, int timeoutMilliseconds = 30000);
+
 // While it lives, a folder without permissions that this thread cannot list even as root: it drops the
 // capabilities that override permissions. The destructor gives them back and the owner every permission.
 // Where the folder can still be listed (some sandboxes), isEnforced() is false and the test should skip.

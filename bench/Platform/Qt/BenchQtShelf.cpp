@@ -22,6 +22,7 @@
 #include "Platform/X11/X11DragMonitor.h"
 #include "Preferences/MemoryPreferenceStorage.h"
 #include "Preferences/Preferences.h"
+#include "support/PointerScript.h"
 
 #include <algorithm>
 #include <cstdio>
@@ -135,31 +136,6 @@ double dropAndLayOut(DragSessionCoordinator& shelf, QMimeData& data)
     return double(timer.nsecsElapsed()) / 1e6;
 }
 
-QStringList relativeMove(int dx)
-{
-    return {QStringLiteral("mousemove_relative"), QStringLiteral("--"), QString::number(dx),
-            QStringLiteral("0")};
-}
-
-// Press on the source, start its drag, wait for its content to show, then one shake of normal strength.
-QStringList shakeScript(const QPoint& source)
-{
-    QStringList script{QStringLiteral("mousemove"), QString::number(source.x()), QString::number(source.y()),
-                       QStringLiteral("sleep"),     QStringLiteral("0.1"),       QStringLiteral("mousedown"),
-                       QStringLiteral("1"),         QStringLiteral("sleep"),     QStringLiteral("0.1")};
-    script << relativeMove(20) << QStringLiteral("sleep") << QStringLiteral("0.05") << relativeMove(20)
-           << QStringLiteral("sleep") << QStringLiteral("1.2");
-    for (int run = 0; run < 6; ++run) {
-        for (int i = 0; i < (run == 5 ? 1 : 4); ++i) {
-            script << relativeMove(run % 2 == 0 ? 15 : -15) << QStringLiteral("sleep")
-                   << QStringLiteral("0.02");
-        }
-    }
-    script << QStringLiteral("sleep") << QStringLiteral("0.4") << QStringLiteral("mouseup")
-           << QStringLiteral("1");
-    return script;
-}
-
 // Times the path from the recognizer's decision, made within the handling of the completing drag event,
 // to the shelf's window being exposed.
 class TimingDelegate final : public QObject, public DragRecognizerDelegate {
@@ -247,7 +223,10 @@ double measureShake(Shelves& shelves, const QString& file)
     const QPoint at(ready.value(1).toInt(), ready.value(2).toInt());
     for (int i = 0; i < shakes; ++i) {
         QProcess xdotool;
-        xdotool.start(QStringLiteral("xdotool"), shakeScript(at));
+        // Press on the source, start its drag, wait for its content to show, then one shake.
+        xdotool.start(
+            QStringLiteral("xdotool"),
+            Test::PointerScript().startDrag(at).pause(1.2).shake().pause(0.4).release().arguments());
         waitFor([&] { return xdotool.state() == QProcess::NotRunning; });
         // The release closes the empty shelf; wait for it before the next shake.
         waitFor([&] { return shelves.controller.coordinators().isEmpty(); });

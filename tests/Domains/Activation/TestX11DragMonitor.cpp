@@ -5,6 +5,7 @@
 #include "Platform/X11/X11DragMonitor.h"
 #include "Preferences/MemoryPreferenceStorage.h"
 #include "Preferences/Preferences.h"
+#include "support/PointerScript.h"
 #include "support/TestSupport.h"
 
 #include <array>
@@ -32,37 +33,6 @@ public:
 };
 
 enum class Gesture { shake, slowShake, modifier, lateContent };
-
-// Pointer motion as a device makes it. xdotool's absolute move warps the pointer instead, which no
-// device does and which makes no raw motion.
-QStringList move(int dx, int dy)
-{
-    return {QStringLiteral("mousemove_relative"), QStringLiteral("--"), QString::number(dx),
-            QString::number(dy)};
-}
-
-QStringList moveTo(int x, int y)
-{
-    return {QStringLiteral("mousemove"), QString::number(x), QString::number(y)};
-}
-
-// One horizontal shake of normal strength: runs of four 15-point steps, ending on the step that makes
-// the fifth counted turn, 45 points right of where it starts.
-QStringList shake(const QString& pause)
-{
-    QStringList script;
-    for (int run = 0; run < 6; ++run) {
-        for (int i = 0; i < (run == 5 ? 1 : 4); ++i) {
-            script << move(run % 2 == 0 ? 15 : -15, 0) << QStringLiteral("sleep") << pause;
-        }
-    }
-    return script;
-}
-
-QStringList pause(const char* seconds)
-{
-    return {QStringLiteral("sleep"), QString::fromLatin1(seconds)};
-}
 
 } // namespace
 
@@ -158,21 +128,27 @@ private Q_SLOTS:
         if (!key.isEmpty()) {
             script << QStringLiteral("keydown") << key;
         }
-        script << moveTo(400, 400);
+        script << Test::PointerScript().moveTo(QPoint(400, 400)).arguments();
         if (!button.isEmpty()) {
             script << QStringLiteral("mousedown") << button;
         }
-        script << pause("0.05") << move(30, 10) << pause("0.05") << move(30, 10) << pause("0.05");
+        script << Test::PointerScript()
+                      .pause(0.05)
+                      .move(30, 10)
+                      .pause(0.05)
+                      .move(30, 10)
+                      .pause(0.05)
+                      .arguments();
         if (!button.isEmpty()) {
             script << QStringLiteral("mouseup") << button;
         }
         if (!key.isEmpty()) {
             script << QStringLiteral("keyup") << key;
         }
-        QVERIFY(runXdotool(script));
+        QVERIFY(Test::runXdotool(script));
         if (!reported) {
             // A primary click afterwards marks the end: everything before it has been read by then.
-            QVERIFY(runXdotool(
+            QVERIFY(Test::runXdotool(
                 {QStringLiteral("click"), leftHanded ? QStringLiteral("3") : QStringLiteral("1")}));
         }
         QTRY_VERIFY(!m_events.isEmpty() && m_events.last().type == GlobalMouseEvent::Type::leftMouseUp);
@@ -293,39 +269,37 @@ private Q_SLOTS:
         const int y = ready[2].toInt();
         const qint64 changeCount = m_monitor->dragPasteboardChangeCount();
 
-        QStringList script;
+        Test::PointerScript script;
         if (gesture == Gesture::modifier) {
-            script << QStringLiteral("keydown") << QStringLiteral("shift");
+            script.keyDown(QStringLiteral("shift"));
         }
-        script << moveTo(x, y) << pause("0.1") << QStringLiteral("mousedown") << QStringLiteral("1")
-               << pause("0.1") << move(20, 0) << pause("0.05") << move(20, 0);
+        script.startDrag(QPoint(x, y));
         QPointF expected(x + 85, m_screenHeight - y);
         switch (gesture) {
         case Gesture::shake:
             // Long enough for the drag's content to be seen and the one-second window to start over.
-            script << pause("1.2") << shake(QStringLiteral("0.02"));
+            script.pause(1.2).shake();
             break;
         case Gesture::slowShake:
-            script << pause("1.2") << shake(QStringLiteral("0.25"));
+            script.pause(1.2).shake(0.25);
             break;
         case Gesture::modifier:
             // The moves so far carried no content yet; the next one begins the gesture.
-            script << pause("0.6") << move(10, 0);
+            script.pause(0.6).move(10, 0);
             expected = QPointF(x + 50, m_screenHeight - y);
             break;
         case Gesture::lateContent:
             // The shake is over before the source starts its drag, 0.9 s after the press. The gesture
             // begins where the pointer is then; a warp moves it without a drag event.
-            script << pause("0.05") << shake(QStringLiteral("0.02")) << moveTo(x + 100, y + 30)
-                   << pause("0.8");
+            script.pause(0.05).shake().moveTo(QPoint(x + 100, y + 30)).pause(0.8);
             expected = QPointF(x + 100, m_screenHeight - y - 30);
             break;
         }
-        script << pause("0.3") << QStringLiteral("mouseup") << QStringLiteral("1");
+        script.pause(0.3).release();
         if (gesture == Gesture::modifier) {
-            script << QStringLiteral("keyup") << QStringLiteral("shift");
+            script.keyUp(QStringLiteral("shift"));
         }
-        QVERIFY(runXdotool(script));
+        QVERIFY(Test::runXdotool(script.arguments()));
 
         QTRY_VERIFY_WITH_TIMEOUT(
             m_sourceOutput.append(source.readAllStandardOutput()).contains("drag finished"), 10000);
@@ -405,20 +379,6 @@ private:
             }
             return type != 0;
         });
-    }
-
-    // Keeps the event loop running meanwhile, so the monitor reads events as they come.
-    static bool runXdotool(const QStringList& script)
-    {
-        QProcess xdotool;
-        xdotool.start(QStringLiteral("xdotool"), script);
-        if (!xdotool.waitForStarted()) {
-            return false;
-        }
-        if (!QTest::qWaitFor([&xdotool] { return xdotool.state() == QProcess::NotRunning; }, 30000)) {
-            return false;
-        }
-        return xdotool.exitStatus() == QProcess::NormalExit && xdotool.exitCode() == 0;
     }
 
     Display* m_display = nullptr;

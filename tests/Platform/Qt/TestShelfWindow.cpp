@@ -17,6 +17,7 @@
 #include "Platform/X11/X11Properties.h"
 #include "Preferences/MemoryPreferenceStorage.h"
 #include "Preferences/Preferences.h"
+#include "support/PointerScript.h"
 #include "support/TestSupport.h"
 
 #include <QApplication>
@@ -37,23 +38,6 @@
 using namespace Vantrope;
 
 namespace {
-
-// Pointer paths are warped by xdotool; each warp is a motion event for the drag's pointer grab.
-QStringList dragScript(const QPoint& from, const QPoint& to)
-{
-    QStringList script{QStringLiteral("mousemove"), QString::number(from.x()), QString::number(from.y()),
-                       QStringLiteral("sleep"),     QStringLiteral("0.2"),     QStringLiteral("mousedown"),
-                       QStringLiteral("1"),         QStringLiteral("sleep"),   QStringLiteral("0.15")};
-    constexpr int steps = 8;
-    for (int step = 1; step <= steps; ++step) {
-        const QPoint at = from + (to - from) * step / steps;
-        script << QStringLiteral("mousemove") << QString::number(at.x()) << QString::number(at.y())
-               << QStringLiteral("sleep") << QStringLiteral("0.06");
-    }
-    script << QStringLiteral("sleep") << QStringLiteral("0.3") << QStringLiteral("mouseup")
-           << QStringLiteral("1");
-    return script;
-}
 
 // What an item is and which file it stands for, as the rows name it.
 QString describe(const DraggablePtr& item)
@@ -313,7 +297,7 @@ private Q_SLOTS:
         auto shelf = openShelf(QPoint(800, 420));
         const QPoint from = startSource(arguments);
         QVERIFY(!from.isNull());
-        QVERIFY(runXdotool(dragScript(from, shelfCentre(*shelf))));
+        QVERIFY(Test::runXdotool(Test::PointerScript().drag(from, shelfCentre(*shelf)).arguments()));
         QVERIFY(waitForOutput(m_source, "drag finished"));
 
         const DragSessionItemsController& items = shelf->itemsController();
@@ -361,7 +345,7 @@ private Q_SLOTS:
         shelf->appendItems({DraggableFile::make(QUrl::fromLocalFile(path))});
         const QPoint from =
             startSource({QStringLiteral("--kind"), QStringLiteral("files"), QStringLiteral("--file"), path});
-        QVERIFY(runXdotool(dragScript(from, shelfCentre(*shelf))));
+        QVERIFY(Test::runXdotool(Test::PointerScript().drag(from, shelfCentre(*shelf)).arguments()));
         QVERIFY(waitForOutput(m_source, "drag finished"));
 
         const quint64 number = shelf->window().windowNumber();
@@ -395,7 +379,7 @@ private Q_SLOTS:
         connect(&view.dropView(), &DragSessionInboundDropView::concluded, &view,
                 [&] { readLater = view.isAsyncDragInProgress(); });
         const QPoint from = startSource(arguments);
-        QVERIFY(runXdotool(dragScript(from, shelfCentre(*shelf))));
+        QVERIFY(Test::runXdotool(Test::PointerScript().drag(from, shelfCentre(*shelf)).arguments()));
         if (efficient) {
             // Read after a pause, off the main thread; the empty shelf is not closed in the meantime.
             QTRY_VERIFY(view.isAsyncDragInProgress());
@@ -435,7 +419,7 @@ private Q_SLOTS:
         QVERIFY(!to.isNull());
 
         Test::LogCapture log;
-        QVERIFY(runXdotool(dragScript(pileCentre(*shelf), to)));
+        QVERIFY(Test::runXdotool(Test::PointerScript().drag(pileCentre(*shelf), to).arguments()));
         QTRY_VERIFY(log.contains(logLine));
         QVERIFY(log.contains(QStringLiteral("About start drag session...")));
         QTRY_COMPARE(shelf->hasStopped(), closes);
@@ -476,7 +460,7 @@ private Q_SLOTS:
         auto shelf = openShelf(QPoint(800, 420));
         shelf->appendItems({DraggableFile::make(QUrl::fromLocalFile(path))});
         const QPoint to = startTarget(QStringLiteral("copy"));
-        QVERIFY(runXdotool(dragScript(pileCentre(*shelf), to)));
+        QVERIFY(Test::runXdotool(Test::PointerScript().drag(pileCentre(*shelf), to).arguments()));
         QVERIFY(waitForOutput(m_target, "end"));
         QCOMPARE(typeValue(FileTransferPortal::mimeType.toUtf8()), QByteArray("transfer-key-1"));
         QCOMPARE(portal.paths(), QStringList{QStringLiteral("transfer-key-1 ") + path});
@@ -672,18 +656,6 @@ private:
             }
         }
         return {};
-    }
-
-    // Runs while this process's event loop goes on: the shelf here must answer the drag as it happens.
-    bool runXdotool(const QStringList& script)
-    {
-        QProcess xdotool;
-        xdotool.start(QStringLiteral("xdotool"), script);
-        if (!xdotool.waitForStarted()) {
-            return false;
-        }
-        return QTest::qWaitFor([&] { return xdotool.state() == QProcess::NotRunning; }, 20000) &&
-               xdotool.exitCode() == 0;
     }
 
     std::unique_ptr<QTemporaryDir> m_files;
