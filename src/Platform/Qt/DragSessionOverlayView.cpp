@@ -122,7 +122,7 @@ void DragSessionOverlayView::paintEvent(QPaintEvent*)
     painter.setRenderHint(QPainter::Antialiasing);
     const QRectF panel = QRectF(rect()).adjusted(0.5, 0.5, -0.5, -0.5);
     painter.setPen(QPen(QColor(255, 255, 255, 30), 1));
-    painter.setBrush(QColor(28, 28, 32, 235));
+    painter.setBrush(QColor(28, 28, 32));
     painter.drawRoundedRect(panel, 11, 11);
 
     if (m_content.icon != Icon::none) {

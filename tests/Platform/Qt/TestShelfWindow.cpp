@@ -525,7 +525,7 @@ private Q_SLOTS:
         wallpaper.setBrush(QPalette::Window, gradient);
         desktop.setPalette(wallpaper);
         desktop.setAutoFillBackground(true);
-        desktop.setGeometry(400, 150, 920, 400);
+        desktop.setGeometry(400, 150, 1160, 400);
         desktop.show();
         QVERIFY(QTest::qWaitForWindowExposed(&desktop));
 
@@ -548,7 +548,14 @@ private Q_SLOTS:
         // A gesture opens a new shelf only where no empty one is showing.
         auto notes = openShelf(QPoint(850, 330));
         notes->appendItems({link, text});
-        auto empty = openShelf(QPoint(1080, 330));
+        dynamic_cast<QtDragSessionView&>(notes->view())
+            .setShareState(
+                {DragSessionActionState::Confirmation{QUrl(QStringLiteral("https://example.org/s/k3Yw9"))}});
+        auto upload = openShelf(QPoint(1080, 330));
+        upload->appendItems({DraggableFile::make(QUrl::fromLocalFile(photo))});
+        dynamic_cast<QtDragSessionView&>(upload->view())
+            .setShareState({DragSessionActionState::Loading{0.62, QStringLiteral("Uploading 1 item")}});
+        auto empty = openShelf(QPoint(1310, 330));
         m_messages->show(
             empty->window().windowNumber(),
             Message::plain(Message::Icon::warning, QStringLiteral("This is already on the shelf.")), 0);
@@ -560,11 +567,18 @@ private Q_SLOTS:
                                .geometry()
                                .united(shelfWindow(*empty).widget().geometry())
                                .adjusted(-24, -24, 24, 24);
-        const QPixmap shot =
-            QGuiApplication::primaryScreen()->grabWindow(0, area.x(), area.y(), area.width(), area.height());
+        const QImage shot = QGuiApplication::primaryScreen()
+                                ->grabWindow(0, area.x(), area.y(), area.width(), area.height())
+                                .toImage();
+        // Each shelf is drawn over the desktop: its card hides the wallpaper, its rounded corners show it.
+        const QColor wallpaperAtCorner = shot.pixelColor(4, 4);
+        for (const auto& shelf : {trip, notes, upload, empty}) {
+            const QRect frame = shelfWindow(*shelf).widget().geometry().translated(-area.topLeft());
+            QVERIFY(shot.pixelColor(frame.center().x(), frame.top() + 30) != wallpaperAtCorner);
+            QVERIFY(qAbs(shot.pixelColor(frame.topLeft()).blue() - wallpaperAtCorner.blue()) < 40);
+        }
         const QString path = QCoreApplication::applicationDirPath() + QStringLiteral("/shelf-screenshot.png");
         QVERIFY(shot.save(path));
-        QCOMPARE(QImage(path).size(), area.size());
         qInfo().noquote() << "Screenshot saved to" << path;
     }
 
