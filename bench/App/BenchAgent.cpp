@@ -5,6 +5,8 @@
 // and scaled to a minute.
 // cli_list_ms: wall time of `vantrope list --json` against the running agent (median of 20).
 
+#include "support/BenchSupport.h"
+
 #include <algorithm>
 #include <cstdio>
 #include <cstdlib>
@@ -19,17 +21,13 @@
 #include <unistd.h>
 #include <vector>
 
+using namespace Vantrope;
+
 namespace {
 
 constexpr int starts = 5;
 constexpr int listCalls = 20;
 constexpr int idleSeconds = 20;
-
-double median(std::vector<double> values)
-{
-    std::sort(values.begin(), values.end());
-    return values.at(values.size() / 2);
-}
 
 // All threads' time on a CPU, in nanoseconds, from the scheduler's own accounting.
 double cpuNanoseconds(qint64 pid)
@@ -45,23 +43,9 @@ double cpuNanoseconds(qint64 pid)
     return total;
 }
 
-double residentMegabytes(qint64 pid)
-{
-    QFile status(QStringLiteral("/proc/%1/status").arg(pid));
-    if (!status.open(QIODevice::ReadOnly)) {
-        return -1;
-    }
-    for (const QByteArray& line : status.readAll().split('\n')) {
-        if (line.startsWith("VmRSS:")) {
-            return line.mid(6).trimmed().split(' ').value(0).toDouble() / 1024.0;
-        }
-    }
-    return -1;
-}
-
-class Bench final {
+class AgentBench final {
 public:
-    Bench()
+    AgentBench()
     {
         m_environment = QProcessEnvironment::systemEnvironment();
         m_environment.insert(QStringLiteral("HOME"), m_home.path());
@@ -103,7 +87,7 @@ public:
             return 1;
         }
         QThread::sleep(2);
-        const double rss = residentMegabytes(agent.processId());
+        const double rss = Bench::residentMegabytes(agent.processId());
         const double before = cpuNanoseconds(agent.processId());
         if (before <= 0) {
             std::fprintf(stderr, "no scheduler statistics in /proc, so no CPU figure\n");
@@ -124,10 +108,10 @@ public:
         m_tray.kill();
         m_tray.waitForFinished();
 
-        std::printf("startup_to_tray_ms %.1f ms\n", median(startups));
+        std::printf("startup_to_tray_ms %.1f ms\n", Bench::median(startups));
         std::printf("idle_rss_mb %.1f MB\n", rss);
         std::printf("idle_cpu_ms_per_min %.2f ms\n", idleCpu);
-        std::printf("cli_list_ms %.1f ms\n", median(lists));
+        std::printf("cli_list_ms %.1f ms\n", Bench::median(lists));
         return 0;
     }
 
@@ -197,19 +181,10 @@ private:
 
 int main(int argc, char* argv[])
 {
-    // Always a display and a session bus of its own, never the user's.
-    if (qEnvironmentVariable("VANTROPE_BENCH_DISPLAY") != QStringLiteral("1")) {
-        for (const char* tool : {"Xvfb", "openbox", "dbus-run-session"}) {
-            if (QStandardPaths::findExecutable(QString::fromLatin1(tool)).isEmpty()) {
-                std::fprintf(stderr, "skipped: %s is missing (scripts/deps.sh test installs it)\n", tool);
-                return 0;
-            }
-        }
-        ::setenv("VANTROPE_BENCH_DISPLAY", "1", 1);
-        ::execl(WITH_DISPLAY_SCRIPT, WITH_DISPLAY_SCRIPT, argv[0], static_cast<char*>(nullptr));
-        std::perror("with-display.sh");
-        return 1;
+    if (const std::optional<int> exitCode =
+            Bench::runOnOwnDisplay(argv, {"Xvfb", "openbox", "dbus-run-session"})) {
+        return *exitCode;
     }
     QCoreApplication app(argc, argv);
-    return Bench().run();
+    return AgentBench().run();
 }

@@ -6,6 +6,7 @@
 #include "Domains/Activation/DragRecognizer.h"
 #include "Domains/Activation/TransientProperties.h"
 #include "Platform/X11/X11DragMonitor.h"
+#include "support/BenchSupport.h"
 
 #include <cstdio>
 #include <cstdlib>
@@ -125,18 +126,9 @@ double measureIdle(X11DragMonitor& monitor)
 
 int main(int argc, char* argv[])
 {
-    // Always a display of its own: on the user's display xdotool would move the real pointer.
-    if (qEnvironmentVariable("VANTROPE_BENCH_DISPLAY") != QStringLiteral("1")) {
-        for (const char* tool : {"Xvfb", "xdotool", "openbox", "dbus-run-session"}) {
-            if (QStandardPaths::findExecutable(QString::fromLatin1(tool)).isEmpty()) {
-                std::fprintf(stderr, "skipped: %s is missing (scripts/deps.sh test installs it)\n", tool);
-                return 0;
-            }
-        }
-        ::setenv("VANTROPE_BENCH_DISPLAY", "1", 1);
-        ::execl(WITH_DISPLAY_SCRIPT, WITH_DISPLAY_SCRIPT, argv[0], static_cast<char*>(nullptr));
-        std::perror("with-display.sh");
-        return 1;
+    if (const std::optional<int> exitCode =
+            Bench::runOnOwnDisplay(argv, {"Xvfb", "xdotool", "openbox", "dbus-run-session"})) {
+        return *exitCode;
     }
 
     QCoreApplication app(argc, argv);

@@ -22,6 +22,7 @@
 #include "Platform/X11/X11DragMonitor.h"
 #include "Preferences/MemoryPreferenceStorage.h"
 #include "Preferences/Preferences.h"
+#include "support/BenchSupport.h"
 #include "support/PointerScript.h"
 
 #include <algorithm>
@@ -49,26 +50,6 @@ namespace {
 constexpr int fileCount = 1000;
 constexpr int drops = 5;
 constexpr int shakes = 3;
-
-double median(std::vector<double> values)
-{
-    std::sort(values.begin(), values.end());
-    return values.at(values.size() / 2);
-}
-
-double residentMegabytes()
-{
-    QFile status(QStringLiteral("/proc/self/status"));
-    if (!status.open(QIODevice::ReadOnly)) {
-        return -1;
-    }
-    for (const QByteArray& line : status.readAll().split('\n')) {
-        if (line.startsWith("VmRSS:")) {
-            return line.mid(6).trimmed().split(' ').first().toDouble() / 1024.0;
-        }
-    }
-    return -1;
-}
 
 bool waitFor(const std::function<bool()>& condition, int milliseconds = 20000)
 {
@@ -238,25 +219,16 @@ double measureShake(Shelves& shelves, const QString& file)
         std::fprintf(stderr, "only %zu of %d shakes opened a shelf\n", delegate.times.size(), shakes);
         return -1;
     }
-    return median(delegate.times);
+    return Bench::median(delegate.times);
 }
 
 } // namespace
 
 int main(int argc, char* argv[])
 {
-    // Always a display of its own: on the user's display xdotool would move the real pointer.
-    if (qEnvironmentVariable("VANTROPE_BENCH_DISPLAY") != QStringLiteral("1")) {
-        for (const char* tool : {"Xvfb", "xdotool", "openbox", "dbus-run-session"}) {
-            if (QStandardPaths::findExecutable(QString::fromLatin1(tool)).isEmpty()) {
-                std::fprintf(stderr, "skipped: %s is missing (scripts/deps.sh test installs it)\n", tool);
-                return 0;
-            }
-        }
-        ::setenv("VANTROPE_BENCH_DISPLAY", "1", 1);
-        ::execl(WITH_DISPLAY_SCRIPT, WITH_DISPLAY_SCRIPT, argv[0], static_cast<char*>(nullptr));
-        std::perror("with-display.sh");
-        return 1;
+    if (const std::optional<int> exitCode =
+            Bench::runOnOwnDisplay(argv, {"Xvfb", "xdotool", "openbox", "dbus-run-session"})) {
+        return *exitCode;
     }
 
     QTemporaryDir home;
@@ -289,14 +261,14 @@ int main(int argc, char* argv[])
     warmUp.reset();
     shelves.closeAll();
 
-    const double before = residentMegabytes();
+    const double before = Bench::residentMegabytes();
     auto shelf = shelves.open();
     if (dropAndLayOut(*shelf, data) < 0 ||
         !waitFor([&] { return shelf->itemsController().processingItems().isEmpty(); })) {
         std::fprintf(stderr, "the items were not processed\n");
         return 1;
     }
-    const double held = residentMegabytes() - before;
+    const double held = Bench::residentMegabytes() - before;
     shelf.reset();
     shelves.closeAll();
 
@@ -312,7 +284,7 @@ int main(int argc, char* argv[])
         dropped.reset();
         shelves.closeAll();
     }
-    const double dropTime = median(times);
+    const double dropTime = Bench::median(times);
 
     const double shake = measureShake(shelves, urls.first().toLocalFile());
     if (shake < 0) {
