@@ -514,6 +514,26 @@ private Q_SLOTS:
         QVERIFY(!log.contains(QStringLiteral("About start drag session...")));
     }
 
+    void replacingAnItemSwapsItsView()
+    {
+        const auto before = DraggableFile::make(QUrl::fromLocalFile(file(QStringLiteral("draft.txt"))));
+        const auto after = DraggableFile::make(QUrl::fromLocalFile(file(QStringLiteral("final.txt"))));
+        const auto other = DraggableFile::make(QUrl::fromLocalFile(file(QStringLiteral("other.txt"))));
+        auto shelf = openShelf(QPoint(800, 420));
+        shelf->appendItems({before, other});
+        auto& view = dynamic_cast<QtDragSessionView&>(shelf->view());
+
+        Test::LogCapture log;
+        view.replaceDraggable(before, after);
+        QCOMPARE(stackView(*shelf).draggables(), (DraggableList{after, other}));
+        QVERIFY(!log.contains(QStringLiteral("Attempted to replace")));
+        // The old one has no view any more.
+        view.replaceDraggable(before, other);
+        QVERIFY(log.contains(
+            QStringLiteral("Attempted to replace a draggable that does not have an associated view")));
+        QCOMPARE(stackView(*shelf).draggables(), (DraggableList{after, other}));
+    }
+
     void screenshotOfAShelf()
     {
         // Something of a desktop behind the shelf.
