@@ -1,8 +1,10 @@
 #include "DraggableStorage.h"
 
 #include "DraggableLogging.h"
+#include "Libraries/Core/AtomicFileWriter.h"
 
 #include <QFile>
+#include <QFileInfo>
 
 namespace Vantrope::DraggableStorage {
 
@@ -18,6 +20,13 @@ std::optional<QString> filePath(ReservedTemporaryDirectory directory, const QStr
 
 std::expected<void, QString> overwrite(const QString& path, const QByteArray& data)
 {
+    if (!QFileInfo::exists(path)) {
+        // Nobody follows a file that is not there yet: it appears whole, never empty or half written.
+        if (const auto written = AtomicFileWriter::write(path, data); !written) {
+            return std::unexpected(written.error().reason);
+        }
+        return {};
+    }
     QFile file(path);
     if (!file.open(QIODevice::WriteOnly | QIODevice::Truncate)) {
         return std::unexpected(file.errorString());

@@ -12,8 +12,9 @@ namespace Vantrope::DraggableStorage {
 // Where an item that is not a file by itself puts the file that stands for it.
 std::optional<QString> filePath(ReservedTemporaryDirectory directory, const QString& fileName);
 
-// Replaces the file's contents in place. Another shelf may follow the same file by its inode, which a
-// write through a renamed temporary file would take away from under it.
+// Writes the file. A new one appears whole; an existing one has its contents replaced in place, since
+// another shelf may follow it by its inode, which a write through a renamed temporary file would take
+// away from under it.
 std::expected<void, QString> overwrite(const QString& path, const QByteArray& data);
 
 } // namespace Vantrope::DraggableStorage
