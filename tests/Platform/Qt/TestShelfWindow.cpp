@@ -394,18 +394,22 @@ private Q_SLOTS:
 
     void dragOutEndsAsTheTargetSays_data()
     {
+        QTest::addColumn<bool>("gtk");
         QTest::addColumn<QString>("action");
         QTest::addColumn<bool>("closes");
         QTest::addColumn<QString>("logLine");
-        QTest::newRow("copied") << QStringLiteral("copy") << false
-                                << QStringLiteral("Finishing drag session");
-        QTest::newRow("moved") << QStringLiteral("move") << true << QStringLiteral("Finishing drag session");
-        QTest::newRow("refused") << QStringLiteral("refuse") << false
+        const QString finished = QStringLiteral("Finishing drag session");
+        QTest::newRow("copied") << false << QStringLiteral("copy") << false << finished;
+        QTest::newRow("moved") << false << QStringLiteral("move") << true << finished;
+        QTest::newRow("refused") << false << QStringLiteral("refuse") << false
                                  << QStringLiteral("No drag operation, cancelling drag session...");
+        QTest::newRow("copied into a GTK program") << true << QStringLiteral("copy") << false << finished;
+        QTest::newRow("moved into a GTK program") << true << QStringLiteral("move") << true << finished;
     }
 
     void dragOutEndsAsTheTargetSays()
     {
+        QFETCH(bool, gtk);
         QFETCH(QString, action);
         QFETCH(bool, closes);
         QFETCH(QString, logLine);
@@ -415,7 +419,7 @@ private Q_SLOTS:
         shelf->appendItems(
             {DraggableFile::make(QUrl::fromLocalFile(a)), DraggableFile::make(QUrl::fromLocalFile(b))});
         QTRY_VERIFY(shelf->itemsController().processingItems().isEmpty());
-        const QPoint to = startTarget(action);
+        const QPoint to = startTarget(action, gtk);
         QVERIFY(!to.isNull());
 
         Test::LogCapture log;
@@ -668,10 +672,11 @@ private:
         return startProgram(m_source, QStringLiteral(SHELF_DRAG_SOURCE_BINARY), arguments);
     }
 
-    QPoint startTarget(const QString& action)
+    QPoint startTarget(const QString& action, bool gtk = false)
     {
-        return startProgram(m_target, QStringLiteral(SHELF_DROP_TARGET_BINARY),
-                            {QStringLiteral("--action"), action});
+        return startProgram(
+            m_target, gtk ? QStringLiteral(GTK_DROP_TARGET_SCRIPT) : QStringLiteral(SHELF_DROP_TARGET_BINARY),
+            {QStringLiteral("--action"), action});
     }
 
     bool waitForOutput(QProcess& process, const QByteArray& line)

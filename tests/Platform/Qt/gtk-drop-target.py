@@ -1,0 +1,69 @@
+#!/usr/bin/python3
+# A GTK 3 window that takes file drops as GTK programs do (it asks for text/uri-list only), for the tests
+# that drag a shelf's items out. It prints "ready X Y" (its centre in root coordinates) once placed and,
+# for a drop, "dropped ACTION", "type text/uri-list BYTES-AS-PERCENT-ENCODING" and "end".
+#   --action copy|move   the action it takes
+import argparse
+import sys
+import urllib.parse
+
+import gi
+
+gi.require_version("Gtk", "3.0")
+gi.require_version("Gdk", "3.0")
+from gi.repository import Gdk, GLib, Gtk  # noqa: E402
+
+
+def say(line):
+    print(line, flush=True)
+
+
+def main():
+    parser = argparse.ArgumentParser()
+    parser.add_argument("--action", default="copy", choices=["copy", "move"])
+    options = parser.parse_args()
+    action = Gdk.DragAction.MOVE if options.action == "move" else Gdk.DragAction.COPY
+    uri_list = Gdk.Atom.intern("text/uri-list", False)
+
+    window = Gtk.Window(title="GTK drop target")
+    window.set_default_size(300, 220)
+    window.move(1400, 60)
+    area = Gtk.EventBox()
+    window.add(area)
+    # No default handling: the motion and drop answers below are the whole protocol.
+    area.drag_dest_set(0, [], action)
+    area.drag_dest_set_target_list(Gtk.TargetList.new([Gtk.TargetEntry.new("text/uri-list", 0, 0)]))
+
+    def on_motion(_widget, context, _x, _y, time):
+        Gdk.drag_status(context, action, time)
+        return True
+
+    def on_drop(widget, context, _x, _y, time):
+        widget.drag_get_data(context, uri_list, time)
+        return True
+
+    def on_received(_widget, context, _x, _y, selection, _info, time):
+        say("dropped " + options.action)
+        data = selection.get_data() or b""
+        say("type text/uri-list " + urllib.parse.quote(data, safe=""))
+        say("end")
+        Gtk.drag_finish(context, bool(data), action == Gdk.DragAction.MOVE, time)
+
+    area.connect("drag-motion", on_motion)
+    area.connect("drag-drop", on_drop)
+    area.connect("drag-data-received", on_received)
+    window.connect("destroy", Gtk.main_quit)
+    window.show_all()
+
+    def announce():
+        _, x, y = area.get_window().get_origin()
+        allocation = area.get_allocation()
+        say("ready %d %d" % (x + allocation.width // 2, y + allocation.height // 2))
+        return False
+
+    GLib.timeout_add(500, announce)
+    Gtk.main()
+
+
+if __name__ == "__main__":
+    sys.exit(main())
