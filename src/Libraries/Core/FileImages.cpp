@@ -1,5 +1,6 @@
 #include "FileImages.h"
 
+#include <QFileInfo>
 #include <QIcon>
 #include <QImageReader>
 #include <QMimeDatabase>
@@ -54,7 +55,8 @@ QImage FileImages::previewImage(const QString& path, const QSize& size)
 
 QImage FileImages::thumbnailImage(const QString& path, const QSize& size)
 {
-    if (size.isEmpty()) {
+    // Only regular files: opening a pipe or a device would block until someone writes to it.
+    if (size.isEmpty() || !QFileInfo(path).isFile()) {
         return {};
     }
     QImageReader reader(path);

@@ -1,9 +1,11 @@
 #include "Libraries/Core/FileImages.h"
 #include "support/TestSupport.h"
 
+#include <QFile>
 #include <QImage>
 #include <QTemporaryDir>
 #include <QTest>
+#include <sys/stat.h>
 
 using namespace Vantrope;
 using namespace Qt::StringLiterals;
@@ -21,6 +23,8 @@ private Q_SLOTS:
         QVERIFY(wide.save(path(u"wide.png"_s)));
         QVERIFY(Test::writeFile(path(u"broken.png"_s), "\x89PNG\r\n\x1a\nnot really"));
         QVERIFY(Test::writeFile(path(u"notes.txt"_s), "words"));
+        // Opening a pipe for reading waits for a writer that never comes.
+        QCOMPARE(::mkfifo(QFile::encodeName(path(u"pipe.png"_s)).constData(), 0600), 0);
     }
 
     void preview_data()
@@ -32,6 +36,7 @@ private Q_SLOTS:
         QTest::newRow("broken image") << u"broken.png"_s << QSize(64, 64) << false;
         QTest::newRow("text file") << u"notes.txt"_s << QSize(64, 64) << false;
         QTest::newRow("vanished file") << u"gone.pdf"_s << QSize(64, 64) << false;
+        QTest::newRow("named pipe") << u"pipe.png"_s << QSize(64, 64) << false;
     }
 
     void preview()
