@@ -10,6 +10,7 @@
 #include "PersistentDragSessionStore.h"
 #include "Preferences/Preferences.h"
 
+#include <algorithm>
 #include <QFileInfo>
 #include <QUuid>
 
@@ -284,7 +285,11 @@ void DragSessionCoordinator::didConcludeDrop(const DraggableList& draggables)
 void DragSessionCoordinator::didDragItems(const DragEvent& event, bool hasMoved)
 {
     if (event.endedInDrop) {
-        if (hasMoved || m_preferences.value(PreferenceKeys::alwaysCloseShelf, false)) {
+        // Files still being received were not in the drag; closing now would lose them.
+        const DraggableList items = m_itemsController->items();
+        const bool arriving = std::any_of(items.cbegin(), items.cend(),
+                                          [](const DraggablePtr& item) { return !item->isReady(); });
+        if (!arriving && (hasMoved || m_preferences.value(PreferenceKeys::alwaysCloseShelf, false))) {
             stop(true);
         } else {
             saveSession();
@@ -367,10 +372,18 @@ void DragSessionCoordinator::didSelectRestoreButton()
     appendItems(*draggables, true);
 }
 
-void DragSessionCoordinator::didRemoveDraggable(const DraggablePtr& draggable)
+void DragSessionCoordinator::didFailReceivingDraggable(const DraggablePtr& draggable,
+                                                       const DraggableError& error)
 {
     m_itemsController->remove(draggable);
     throttleSave();
+    // The item vanishes from the pile; say why, or it looks as if the drop was lost.
+    m_messages.show(
+        m_window->windowNumber(),
+        Message::highlighted(Message::Icon::error,
+                             Localized("shelf.receive-failed.title", "A file could not be received"),
+                             error.description),
+        failureMessageDuration);
 }
 
 void DragSessionCoordinator::handleDeletedItems(

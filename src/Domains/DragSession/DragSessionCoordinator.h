@@ -99,7 +99,7 @@ public:
     void didFailDraggingItems(bool outbound, const DragError& error, int rejectedCount) override;
     void didSelectCloseButton(bool alternateModifier) override;
     void didSelectRestoreButton() override;
-    void didRemoveDraggable(const DraggablePtr& draggable) override;
+    void didFailReceivingDraggable(const DraggablePtr& draggable, const DraggableError& error) override;
 
 Q_SIGNALS:
     void labelChanged();

@@ -53,8 +53,8 @@ public:
     virtual void didFailDraggingItems(bool outbound, const DragError& error, int rejectedCount) = 0;
     virtual void didSelectCloseButton(bool alternateModifier) = 0;
     virtual void didSelectRestoreButton() = 0;
-    // An item the view let go of by itself: a promise whose file never came.
-    virtual void didRemoveDraggable(const DraggablePtr& draggable) = 0;
+    // A promise whose file never came; the view has let go of it.
+    virtual void didFailReceivingDraggable(const DraggablePtr& draggable, const DraggableError& error) = 0;
 };
 
 } // namespace Vantrope

@@ -4,7 +4,6 @@
 
 #include <fcntl.h>
 #include <QDBusConnection>
-#include <QDBusConnectionInterface>
 #include <QDBusMessage>
 #include <QDBusMetaType>
 #include <QDBusReply>
@@ -25,8 +24,12 @@ constexpr int callTimeout = 1000;
 // than the drag, and where sandboxed programs run, the desktop has started it already.
 bool portalRunning(QDBusConnection& bus)
 {
-    QDBusConnectionInterface* interface = bus.interface();
-    return interface && interface->isServiceRegistered(FileTransferPortal::service);
+    QDBusMessage ask = QDBusMessage::createMethodCall(
+        QStringLiteral("org.freedesktop.DBus"), QStringLiteral("/org/freedesktop/DBus"),
+        QStringLiteral("org.freedesktop.DBus"), QStringLiteral("NameHasOwner"));
+    ask << FileTransferPortal::service;
+    const QDBusReply<bool> running = bus.call(ask, QDBus::Block, callTimeout);
+    return running.isValid() && running.value();
 }
 
 QDBusMessage portalCall(const QString& method)

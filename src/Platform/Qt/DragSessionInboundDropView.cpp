@@ -153,9 +153,13 @@ bool DragSessionInboundDropView::accepts(const QMimeData& data) const
 
 void DragSessionInboundDropView::acceptAsCopy(QDropEvent* event) const
 {
-    // The shelf never takes the originals away from their owner.
-    event->setDropAction(event->possibleActions().testFlag(Qt::CopyAction) ? Qt::CopyAction
-                                                                           : event->proposedAction());
+    // The shelf never takes the originals away from their owner: it keeps a reference, so a copy or a
+    // link is what happens. Only a source that offers neither gets its own proposal, a move, which for
+    // text means the source drops its copy and the shelf's is the one left.
+    const Qt::DropActions possible = event->possibleActions();
+    event->setDropAction(possible.testFlag(Qt::CopyAction)   ? Qt::CopyAction
+                         : possible.testFlag(Qt::LinkAction) ? Qt::LinkAction
+                                                             : event->proposedAction());
     event->accept();
 }
 

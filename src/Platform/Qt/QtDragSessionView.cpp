@@ -105,6 +105,7 @@ QtDragSessionView::QtDragSessionView(const Dependencies& dependencies, QWidget* 
 
     connect(m_stack, &DragSessionStackView::dragRequested, this, &QtDragSessionView::mouseDragged);
     connect(m_stack, &DragSessionStackView::countChanged, this, [this] {
+        updateCaption();
         updateChrome();
         Q_EMIT itemsLaidOut();
     });
@@ -170,7 +171,9 @@ void QtDragSessionView::replaceDraggable(const DraggablePtr& oldDraggable, const
 {
     if (!m_stack->replaceDraggable(oldDraggable, newDraggable)) {
         qCWarning(lcDragSession) << "Attempted to replace a draggable that does not have an associated view";
+        return;
     }
+    updateCaption();
 }
 
 void QtDragSessionView::removeAllDraggables(bool animated)
@@ -184,7 +187,7 @@ void QtDragSessionView::setLabel(const DragSessionLabel& label)
     m_stack->setAccentColor(accentColor());
     m_shareView->setAccentColor(accentColor());
     m_messageView->setAccentColor(accentColor());
-    update();
+    updateCaption();
 }
 
 void QtDragSessionView::setHasPermanentCloseButton(bool permanent)
@@ -338,7 +341,7 @@ void QtDragSessionView::receivePromises(const DraggableList& draggables,
                 qCWarning(lcDragSession).noquote()
                     << QStringLiteral("Failed to receive promise with error ") + result.error().description;
                 self->m_stack->removeDraggable(received);
-                self->m_delegate.didRemoveDraggable(received);
+                self->m_delegate.didFailReceivingDraggable(received, result.error());
                 return;
             }
             DraggableList additional;
@@ -349,6 +352,7 @@ void QtDragSessionView::receivePromises(const DraggableList& draggables,
                 self->m_delegate.didConcludeDrop(additional);
             }
             self->m_stack->refreshDraggable(received);
+            self->updateCaption();
             received->makeCachedImage(pictureSize,
                                       [self, weak](std::expected<void, DraggablePromise::ImageError>) {
                                           if (const auto item = weak.lock(); self && item) {
@@ -506,23 +510,28 @@ void QtDragSessionView::paintEmptyState(QPainter& painter) const
                      Localized("shelf.empty.hint", "Drop here"));
 }
 
-void QtDragSessionView::paintTitle(QPainter& painter, const QRectF& card) const
+void QtDragSessionView::updateCaption()
 {
     const DraggableList& items = m_stack->draggables();
-    QString title;
-    QString subtitle;
+    m_title.clear();
+    m_subtitle.clear();
     if (items.size() == 1) {
-        title = DraggableItemImage::displayName(*items.first());
-        subtitle = DraggableItemImage::kindName(*items.first());
+        m_title = DraggableItemImage::displayName(*items.first());
+        m_subtitle = DraggableItemImage::kindName(*items.first());
     } else if (!items.isEmpty()) {
-        title = Localized("shelf.items.count", "%n Items", int(items.size()));
-        subtitle = summary(items);
+        m_title = Localized("shelf.items.count", "%n Items", int(items.size()));
+        m_subtitle = summary(items);
     }
     if (m_label.name && !m_label.name->isEmpty()) {
-        subtitle = title;
-        title = *m_label.name;
+        m_subtitle = m_title;
+        m_title = *m_label.name;
     }
-    if (title.isEmpty()) {
+    update();
+}
+
+void QtDragSessionView::paintTitle(QPainter& painter, const QRectF& card) const
+{
+    if (m_title.isEmpty()) {
         return;
     }
     const QRectF area(card.left() + 10, card.bottom() - titleHeight - 2, card.width() - 20, titleHeight);
@@ -535,12 +544,13 @@ void QtDragSessionView::paintTitle(QPainter& painter, const QRectF& card) const
     painter.setFont(titleFont);
     painter.setPen(ink);
     painter.drawText(QRectF(area.left(), area.top(), area.width(), 17), Qt::AlignCenter,
-                     QFontMetrics(titleFont).elidedText(title, Qt::ElideMiddle, int(area.width())));
-    if (!subtitle.isEmpty()) {
+                     QFontMetrics(titleFont).elidedText(m_title, Qt::ElideMiddle, int(area.width())));
+    if (!m_subtitle.isEmpty()) {
         painter.setFont(subtitleFont);
         painter.setPen(QColor(ink.red(), ink.green(), ink.blue(), 140));
-        painter.drawText(QRectF(area.left(), area.top() + 16, area.width(), 14), Qt::AlignCenter,
-                         QFontMetrics(subtitleFont).elidedText(subtitle, Qt::ElideRight, int(area.width())));
+        painter.drawText(
+            QRectF(area.left(), area.top() + 16, area.width(), 14), Qt::AlignCenter,
+            QFontMetrics(subtitleFont).elidedText(m_subtitle, Qt::ElideRight, int(area.width())));
     }
 }
 

@@ -91,6 +91,9 @@ private:
     void hideMessage(quint64 windowNumber);
     void concludeDrop(const DragSessionInboundDropView::ConcludeDropEvent& event);
     void receivePromises(const DraggableList& draggables, std::optional<quint64> sequenceNumber);
+    // The title and subtitle under the pile, worked out when the items or the label change: naming the
+    // kinds of items looks at the files, too slow for every frame of an animation.
+    void updateCaption();
     void paintTitle(QPainter& painter, const QRectF& card) const;
     void paintEmptyState(QPainter& painter) const;
     void paintGrabber(QPainter& painter, const QRectF& card) const;
@@ -105,6 +108,8 @@ private:
     DragSessionOverlayView* m_messageView = nullptr;
     DragSessionOverlayView* m_shareView = nullptr;
     DragSessionLabel m_label;
+    QString m_title;
+    QString m_subtitle;
     DragSessionActionState m_shareState;
     bool m_permanentClose = false;
     bool m_hovering = false;

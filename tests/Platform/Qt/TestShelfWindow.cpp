@@ -308,6 +308,10 @@ private Q_SLOTS:
         if (expected.isEmpty()) {
             // Refused promises leave nothing behind, neither on the shelf nor beside its folder.
             QTRY_VERIFY(stackView(*shelf).draggables().isEmpty());
+            // The shelf says why the item it showed for a moment went away.
+            QTRY_VERIFY(m_messages->hasMessage(shelf->window().windowNumber()));
+            const std::optional<Message> message = m_messages->message(shelf->window().windowNumber());
+            QCOMPARE(message->title, std::optional(QStringLiteral("A file could not be received")));
             const QString promises = *TemporaryDirectories::path(ReservedTemporaryDirectory::promises);
             QVERIFY(!QFileInfo::exists(promises + QStringLiteral("/x")));
             if (arguments.contains(QStringLiteral("../x"))) {
