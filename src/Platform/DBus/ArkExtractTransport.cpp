@@ -10,6 +10,7 @@
 #include <QDBusPendingCallWatcher>
 #include <QDBusPendingReply>
 #include <QDir>
+#include <QDirIterator>
 #include <QElapsedTimer>
 #include <QFileInfo>
 #include <QRegularExpression>
@@ -74,17 +75,20 @@ public:
     void cancel() { m_cancelled.store(true); }
 
 private:
-    // Name, size and time of every entry: the folder holds still when two looks agree.
+    // Path, size and time of every entry, inside extracted folders too: a folder's own size and time
+    // stop changing while files deep in it are still being written. The folder holds still when two
+    // looks agree.
     QStringList snapshot() const
     {
         QStringList entries;
-        const QFileInfoList infos =
-            QDir(m_destination)
-                .entryInfoList(QDir::AllEntries | QDir::NoDotAndDotDot | QDir::Hidden, QDir::Name);
-        for (const QFileInfo& info : infos) {
-            entries.append(info.fileName() + QLatin1Char('\n') + QString::number(info.size()) +
+        QDirIterator it(m_destination, QDir::AllEntries | QDir::NoDotAndDotDot | QDir::Hidden,
+                        QDirIterator::Subdirectories);
+        while (it.hasNext()) {
+            const QFileInfo info = it.nextFileInfo();
+            entries.append(info.filePath() + QLatin1Char('\n') + QString::number(info.size()) +
                            QLatin1Char('\n') + QString::number(info.lastModified().toMSecsSinceEpoch()));
         }
+        entries.sort();
         return entries;
     }
 
