@@ -12,12 +12,9 @@ import gi
 gi.require_version("Gtk", "3.0")
 gi.require_version("Gdk", "3.0")
 from gi.repository import Gdk, GLib, Gtk  # noqa: E402
+from gtktestwindow import make_window, run, say  # noqa: E402
 
 TEXT = "Meeting notes\nBring the slides and the budget"
-
-
-def say(line):
-    print(line, flush=True)
 
 
 def main():
@@ -26,11 +23,7 @@ def main():
     parser.add_argument("--file", action="append", default=[])
     options = parser.parse_args()
 
-    window = Gtk.Window(title="GTK drag source")
-    window.set_default_size(300, 220)
-    window.move(40, 60)
-    area = Gtk.EventBox()
-    window.add(area)
+    window, area = make_window("GTK drag source", 40, 60)
 
     targets = Gtk.TargetList.new([])
     if options.kind == "files":
@@ -49,17 +42,7 @@ def main():
     area.connect("drag-data-get", on_data_get)
     area.connect("drag-begin", lambda *_: say("drag started"))
     area.connect("drag-end", lambda *_: say("drag finished"))
-    window.connect("destroy", Gtk.main_quit)
-    window.show_all()
-
-    def announce():
-        _, x, y = area.get_window().get_origin()
-        allocation = area.get_allocation()
-        say("ready %d %d" % (x + allocation.width // 2, y + allocation.height // 2))
-        return False
-
-    GLib.timeout_add(500, announce)
-    Gtk.main()
+    run(window, area)
 
 
 if __name__ == "__main__":

@@ -11,11 +11,8 @@ import gi
 
 gi.require_version("Gtk", "3.0")
 gi.require_version("Gdk", "3.0")
-from gi.repository import Gdk, GLib, Gtk  # noqa: E402
-
-
-def say(line):
-    print(line, flush=True)
+from gi.repository import Gdk, Gtk  # noqa: E402
+from gtktestwindow import make_window, run, say  # noqa: E402
 
 
 def main():
@@ -25,11 +22,7 @@ def main():
     action = Gdk.DragAction.MOVE if options.action == "move" else Gdk.DragAction.COPY
     uri_list = Gdk.Atom.intern("text/uri-list", False)
 
-    window = Gtk.Window(title="GTK drop target")
-    window.set_default_size(300, 220)
-    window.move(1400, 60)
-    area = Gtk.EventBox()
-    window.add(area)
+    window, area = make_window("GTK drop target", 1400, 60)
     # No default handling: the motion and drop answers below are the whole protocol.
     area.drag_dest_set(0, [], action)
     area.drag_dest_set_target_list(Gtk.TargetList.new([Gtk.TargetEntry.new("text/uri-list", 0, 0)]))
@@ -52,17 +45,7 @@ def main():
     area.connect("drag-motion", on_motion)
     area.connect("drag-drop", on_drop)
     area.connect("drag-data-received", on_received)
-    window.connect("destroy", Gtk.main_quit)
-    window.show_all()
-
-    def announce():
-        _, x, y = area.get_window().get_origin()
-        allocation = area.get_allocation()
-        say("ready %d %d" % (x + allocation.width // 2, y + allocation.height // 2))
-        return False
-
-    GLib.timeout_add(500, announce)
-    Gtk.main()
+    run(window, area)
 
 
 if __name__ == "__main__":
