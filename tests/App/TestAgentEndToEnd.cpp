@@ -251,12 +251,13 @@ private Q_SLOTS:
         } else {
             gesture.pause(1.2).shake();
         }
-        auto releaseAll = qScopeGuard([withModifier] {
-            Vantrope::Test::runXdotool(
-                withModifier
-                    ? Vantrope::Test::PointerScript().release().keyUp(QStringLiteral("shift")).arguments()
-                    : Vantrope::Test::PointerScript().release().arguments());
-        });
+        // Whatever happens, the button and the key do not stay down for the next test.
+        Vantrope::Test::PointerScript letGo;
+        letGo.release();
+        if (withModifier) {
+            letGo.keyUp(QStringLiteral("shift"));
+        }
+        auto releaseAll = qScopeGuard([&letGo] { Vantrope::Test::runXdotool(letGo.arguments()); });
         QVERIFY(Vantrope::Test::runXdotool(gesture.arguments()));
         QTRY_COMPARE_WITH_TIMEOUT(list().size(), 1, 5000);
         QCOMPARE(list().first().toObject().value(QStringLiteral("items")).toArray().size(), 0);
@@ -276,11 +277,7 @@ private Q_SLOTS:
         } else {
             end.move(0, 150).pause(0.05).move(0, 150).pause(0.05).move(0, 150).pause(0.3);
         }
-        end.release();
-        if (withModifier) {
-            end.keyUp(QStringLiteral("shift"));
-        }
-        QVERIFY(Vantrope::Test::runXdotool(end.arguments()));
+        QVERIFY(Vantrope::Test::runXdotool(end.arguments() + letGo.arguments()));
         releaseAll.dismiss();
         QTRY_VERIFY_WITH_TIMEOUT(
             sourceOutput.append(source.readAllStandardOutput()).contains("drag finished"), 10000);

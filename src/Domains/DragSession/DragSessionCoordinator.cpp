@@ -285,11 +285,14 @@ void DragSessionCoordinator::didConcludeDrop(const DraggableList& draggables)
 void DragSessionCoordinator::didDragItems(const DragEvent& event, bool hasMoved)
 {
     if (event.endedInDrop) {
+        const bool closes = hasMoved || m_preferences.value(PreferenceKeys::alwaysCloseShelf, false);
         // Files still being received were not in the drag; closing now would lose them.
-        const DraggableList items = m_itemsController->items();
-        const bool arriving = std::any_of(items.cbegin(), items.cend(),
-                                          [](const DraggablePtr& item) { return !item->isReady(); });
-        if (!arriving && (hasMoved || m_preferences.value(PreferenceKeys::alwaysCloseShelf, false))) {
+        const auto stillArriving = [this] {
+            const DraggableList items = m_itemsController->items();
+            return std::any_of(items.cbegin(), items.cend(),
+                               [](const DraggablePtr& item) { return !item->isReady(); });
+        };
+        if (closes && !stillArriving()) {
             stop(true);
         } else {
             saveSession();

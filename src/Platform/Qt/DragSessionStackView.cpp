@@ -182,14 +182,13 @@ void DragSessionStackView::dropUnusedPictures() const
 
 QList<QRectF> DragSessionStackView::visibleItemFrames() const
 {
-    const QList<double> angles = StackLayout::angles(m_draggables.size());
-    const QList<QPointF> offsets = StackLayout::offsets(m_draggables.size());
+    const QRectF home = StackLayout::frame(size(), itemSize);
     QList<QRectF> frames;
-    for (qsizetype depth = 0; depth < angles.size(); ++depth) {
-        const QRectF frame = StackLayout::frame(size(), itemSize).translated(offsets.at(depth));
+    for (const StackLayout::Placement& placement : StackLayout::placements(m_draggables.size())) {
+        const QRectF frame = home.translated(placement.offset);
         QTransform turn;
         turn.translate(frame.center().x(), frame.center().y());
-        turn.rotate(angles.at(depth));
+        turn.rotate(placement.angle);
         turn.translate(-frame.center().x(), -frame.center().y());
         frames.append(turn.mapRect(frame).translated(m_pileOffset));
     }
@@ -270,17 +269,17 @@ void DragSessionStackView::paintItem(QPainter& painter, const Picture& picture, 
 void DragSessionStackView::paintPile(QPainter& painter, const QPointF& offset, double scale,
                                      double opacity) const
 {
-    const QList<double> angles = StackLayout::angles(m_draggables.size());
-    const QList<QPointF> offsets = StackLayout::offsets(m_draggables.size());
+    const QList<StackLayout::Placement> placements = StackLayout::placements(m_draggables.size());
     const QRectF home = StackLayout::frame(size(), itemSize);
     const QRectF centre(home.center() - QPointF(home.width() * scale / 2, home.height() * scale / 2) + offset,
                         home.size() * scale);
     painter.save();
     painter.setOpacity(opacity);
     // Bottom first, so the top item covers the others.
-    for (qsizetype depth = angles.size() - 1; depth >= 0; --depth) {
+    for (qsizetype depth = placements.size() - 1; depth >= 0; --depth) {
         const DraggablePtr& draggable = m_draggables.at(m_draggables.size() - 1 - depth);
-        const QRectF frame = centre.translated(offsets.at(depth) * scale);
+        const double angle = placements.at(depth).angle;
+        const QRectF frame = centre.translated(placements.at(depth).offset * scale);
         const bool settling = depth == 0 && m_settle < 1.0;
         painter.save();
         if (settling) {
@@ -291,10 +290,10 @@ void DragSessionStackView::paintPile(QPainter& painter, const QPointF& offset, d
         }
         if (depth == 0 && m_replacedPicture && m_replaceProgress < 1.0) {
             painter.setOpacity(opacity * (1.0 - m_replaceProgress));
-            paintItem(painter, *m_replacedPicture, frame, angles.at(depth));
+            paintItem(painter, *m_replacedPicture, frame, angle);
             painter.setOpacity(opacity * m_replaceProgress);
         }
-        paintItem(painter, picture(draggable), frame, angles.at(depth));
+        paintItem(painter, picture(draggable), frame, angle);
         painter.restore();
     }
     painter.restore();

@@ -5,19 +5,15 @@
 
 namespace Vantrope {
 
-QList<double> StackLayout::angles(qsizetype numberOfItems)
+QList<StackLayout::Placement> StackLayout::placements(qsizetype numberOfItems)
 {
-    static constexpr std::array<double, maximumVisibleItems> fan{0.0, -7.0, 6.0, -11.0, 10.0};
+    static constexpr std::array<Placement, maximumVisibleItems> pile{{{0.0, QPointF(0, 0)},
+                                                                      {-7.0, QPointF(-7, -5)},
+                                                                      {6.0, QPointF(7, -8)},
+                                                                      {-11.0, QPointF(-10, -10)},
+                                                                      {10.0, QPointF(10, -12)}}};
     const qsizetype count = std::clamp<qsizetype>(numberOfItems, 0, maximumVisibleItems);
-    return QList<double>(fan.begin(), fan.begin() + count);
-}
-
-QList<QPointF> StackLayout::offsets(qsizetype numberOfItems)
-{
-    static constexpr std::array<QPointF, maximumVisibleItems> spread{
-        QPointF(0, 0), QPointF(-7, -5), QPointF(7, -8), QPointF(-10, -10), QPointF(10, -12)};
-    const qsizetype count = std::clamp<qsizetype>(numberOfItems, 0, maximumVisibleItems);
-    return QList<QPointF>(spread.begin(), spread.begin() + count);
+    return QList<Placement>(pile.begin(), pile.begin() + count);
 }
 
 QRectF StackLayout::frame(const QSizeF& stackSize, const QSizeF& itemSize)

@@ -13,13 +13,16 @@ public:
     // Deeper items are hidden under these; a drop of thousands costs no more to draw than five.
     static constexpr int maximumVisibleItems = 5;
 
-    // Degrees for the visible pile, the top item first. The top item stands straight so its picture
-    // reads; the ones below fan out alternately so the pile shows its depth.
-    static QList<double> angles(qsizetype numberOfItems);
+    // How one visible item lies on the pile: turned by `angle` degrees and moved by `offset` from the
+    // pile's centre. The top item stands straight and centred so its picture reads; the ones below fan
+    // out alternately and peek out above it, so even a pile of equal pictures shows its depth.
+    struct Placement {
+        double angle = 0.0;
+        QPointF offset;
+    };
 
-    // How far each visible item sits from the pile's centre, the top item first: the ones below peek out
-    // above it, so a pile of equal pictures still shows its depth.
-    static QList<QPointF> offsets(qsizetype numberOfItems);
+    // One placement per visible item, the top item first.
+    static QList<Placement> placements(qsizetype numberOfItems);
 
     // The frame of one item in a pile of `stackSize`: centred, and never larger than the pile.
     static QRectF frame(const QSizeF& stackSize, const QSizeF& itemSize);
