@@ -85,7 +85,14 @@ DragSessionCoordinator::~DragSessionCoordinator()
 void DragSessionCoordinator::start(const QPointF& origin)
 {
     m_window->setFrameOrigin(origin);
-    m_window->makeKeyAndOrderFront();
+    // A shelf the user asked for takes the keyboard. One that comes by itself (mid-drag, from a watched
+    // folder or another program) must not: focus would leave the window the user works in.
+    if (m_source.is<DragSessionSource::Gesture>() || m_source.is<DragSessionSource::MenuBarDrop>() ||
+        m_source.is<DragSessionSource::Custom>()) {
+        m_window->orderFrontRegardless();
+    } else {
+        m_window->makeKeyAndOrderFront();
+    }
     if (!m_source.is<DragSessionSource::Gesture>() && !m_source.is<DragSessionSource::HotKey>()) {
         m_view->playAttentionAnimation();
     }

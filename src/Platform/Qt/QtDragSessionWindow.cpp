@@ -66,10 +66,29 @@ QtDragSessionWindow::~QtDragSessionWindow()
     }
 }
 
+void QtDragSessionWindow::park()
+{
+    // Beyond the top left of all screens together: no screen shows it, whatever their layout.
+    QRect desktop;
+    for (const QScreen* screen : QGuiApplication::screens()) {
+        desktop |= screen->geometry();
+    }
+    m_widget->setAttribute(Qt::WA_ShowWithoutActivating);
+    m_widget->move(desktop.topLeft() - QPoint(m_widget->width(), m_widget->height()) - QPoint(100, 100));
+    m_widget->show();
+}
+
+void QtDragSessionWindow::setSize(const QSizeF& size)
+{
+    m_widget->setFixedSize(size.toSize());
+}
+
 void QtDragSessionWindow::setContentView(QtDragSessionView* view)
 {
     m_view = view;
     m_widget->layout()->addWidget(view);
+    // A parked window is already mapped: the layout alone would show the view only later.
+    view->show();
     applyShape();
 }
 
@@ -130,9 +149,17 @@ void QtDragSessionWindow::setFrameOrigin(const QPointF& origin)
 
 void QtDragSessionWindow::makeKeyAndOrderFront()
 {
+    m_widget->setAttribute(Qt::WA_ShowWithoutActivating, false);
     m_widget->show();
     m_widget->raise();
     m_widget->activateWindow();
+}
+
+void QtDragSessionWindow::orderFrontRegardless()
+{
+    m_widget->setAttribute(Qt::WA_ShowWithoutActivating);
+    m_widget->show();
+    m_widget->raise();
 }
 
 void QtDragSessionWindow::close()

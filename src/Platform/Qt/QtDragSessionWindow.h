@@ -22,6 +22,12 @@ public:
     QtDragSessionWindow(quint64 windowNumber, const QSizeF& size);
     ~QtDragSessionWindow() override;
 
+    // Maps the window off every screen without focusing it, so that it exists for drag sources that
+    // only consider the windows mapped when their drag began; it is brought into view by
+    // setFrameOrigin.
+    void park();
+    void setSize(const QSizeF& size);
+
     // The view fills the window; the window does not own it.
     void setContentView(QtDragSessionView* view);
     QWidget& widget() const { return *m_widget; }
@@ -32,6 +38,7 @@ public:
     QRectF frame() const override;
     void setFrameOrigin(const QPointF& origin) override;
     void makeKeyAndOrderFront() override;
+    void orderFrontRegardless() override;
     quint64 windowNumber() const override { return m_windowNumber; }
     void close() override;
     void setTitle(const QString& title) override;

@@ -342,6 +342,41 @@ private Q_SLOTS:
         }
     }
 
+    void shelfOpenedMidDragTakesDropsFromSourcesThatKnowOnlyEarlierWindows_data()
+    {
+        QTest::addColumn<bool>("secondShelf");
+        QTest::newRow("first shelf") << false;
+        // The window waiting for the next shelf is replaced once the first one is taken.
+        QTest::newRow("next shelf") << true;
+    }
+
+    // Like Chromium, the source looks for drop targets only among the windows mapped when its drag began,
+    // and the shelf its shake opens comes later. The shelf also leaves the focus with the source.
+    void shelfOpenedMidDragTakesDropsFromSourcesThatKnowOnlyEarlierWindows()
+    {
+        QFETCH(bool, secondShelf);
+        if (secondShelf) {
+            auto first = openShelf(QPoint(400, 700));
+            first->appendItems({DraggableFile::make(QUrl::fromLocalFile(file(QStringLiteral("held.txt"))))});
+        }
+        const QString path = file(QStringLiteral("from a snapshot source.txt"));
+        const QPoint from = startProgram(m_source, QStringLiteral(SNAPSHOT_SOURCE_SCRIPT), {path});
+        QVERIFY(!from.isNull());
+        QVERIFY(Test::runXdotool(Test::PointerScript().startDrag(from).arguments()));
+        QVERIFY(waitForOutput(m_source, "dragging"));
+
+        auto shelf = openShelf(QPoint(800, 420));
+        QVERIFY(Test::runXdotool(Test::PointerScript()
+                                     .glide(from + QPoint(40, 0), shelfCentre(*shelf))
+                                     .pause(0.3)
+                                     .release()
+                                     .arguments()));
+        QVERIFY(waitForOutput(m_source, "dropped"));
+        QTRY_COMPARE(describe(shelf->itemsController().items()),
+                     QStringList{QStringLiteral("file: from a snapshot source.txt")});
+        QVERIFY(QGuiApplication::focusWindow() != shelfWindow(*shelf).widget().windowHandle());
+    }
+
     void fileAlreadyOnTheShelfIsRefused()
     {
         const QString path = file(QStringLiteral("twice.txt"));
