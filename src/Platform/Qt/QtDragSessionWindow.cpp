@@ -75,7 +75,20 @@ void QtDragSessionWindow::park()
     }
     m_widget->setAttribute(Qt::WA_ShowWithoutActivating);
     m_widget->move(desktop.topLeft() - QPoint(m_widget->width(), m_widget->height()) - QPoint(100, 100));
+    // Window managers keep part of a window on screen whatever it asks for: a shape with nothing in it
+    // leaves that part unseen and lets clicks through.
+    m_parked = true;
+    m_widget->setMask(QRegion(-1, -1, 1, 1));
     m_widget->show();
+}
+
+void QtDragSessionWindow::unpark()
+{
+    if (m_parked) {
+        m_parked = false;
+        m_widget->clearMask();
+        applyShape();
+    }
 }
 
 void QtDragSessionWindow::setSize(const QSizeF& size)
@@ -99,7 +112,7 @@ void QtDragSessionWindow::applyShape()
 #else
     const bool composited = true;
 #endif
-    if (!m_view) {
+    if (!m_view || m_parked) {
         return;
     }
     m_view->setOpaque(!composited);
@@ -150,6 +163,7 @@ void QtDragSessionWindow::setFrameOrigin(const QPointF& origin)
 void QtDragSessionWindow::makeKeyAndOrderFront()
 {
     m_widget->setAttribute(Qt::WA_ShowWithoutActivating, false);
+    unpark();
     m_widget->show();
     m_widget->raise();
     m_widget->activateWindow();
@@ -158,6 +172,7 @@ void QtDragSessionWindow::makeKeyAndOrderFront()
 void QtDragSessionWindow::orderFrontRegardless()
 {
     m_widget->setAttribute(Qt::WA_ShowWithoutActivating);
+    unpark();
     m_widget->show();
     m_widget->raise();
 }

@@ -50,6 +50,7 @@ public:
 
 private:
     void applyShape();
+    void unpark();
 
     const quint64 m_windowNumber;
     std::unique_ptr<QWidget> m_widget;
@@ -58,6 +59,7 @@ private:
     QPropertyAnimation m_moveAnimation;
     bool m_allDesktops = true;
     bool m_retracted = false;
+    bool m_parked = false;
 };
 
 } // namespace Vantrope
