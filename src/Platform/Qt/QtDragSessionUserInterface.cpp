@@ -9,6 +9,7 @@
 
 #ifdef WITH_X11
 #include "Platform/X11/X11DragSourceTracker.h"
+#include "Platform/X11/X11TimestampGuard.h"
 #endif
 
 namespace Vantrope {
@@ -19,6 +20,7 @@ QtDragSessionUserInterface::QtDragSessionUserInterface(const Dependencies& depen
 #ifdef WITH_X11
     // Drops of promised files need the source window, which only the XDND messages tell.
     X11DragSourceTracker::instance();
+    X11TimestampGuard::instance();
 #endif
     // Later, so that starting the program does not wait for a window nobody has asked for yet.
     QTimer::singleShot(0, &m_context, [this] { prepareSpareWindow(); });

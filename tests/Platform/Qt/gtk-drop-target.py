@@ -3,8 +3,11 @@
 # that drag a shelf's items out. It prints "ready X Y" (its centre in root coordinates) once placed and,
 # for a drop, "dropped ACTION", "type text/uri-list BYTES-AS-PERCENT-ENCODING" and "end".
 #   --action copy|move   the action it takes
+#   --unix-time          asks for the data with the Unix time in seconds as the X time, as some file
+#                        managers do
 import argparse
 import sys
+import time as clock
 import urllib.parse
 
 import gi
@@ -18,6 +21,7 @@ from gtktestwindow import make_window, run, say  # noqa: E402
 def main():
     parser = argparse.ArgumentParser()
     parser.add_argument("--action", default="copy", choices=["copy", "move"])
+    parser.add_argument("--unix-time", action="store_true")
     options = parser.parse_args()
     action = Gdk.DragAction.MOVE if options.action == "move" else Gdk.DragAction.COPY
     uri_list = Gdk.Atom.intern("text/uri-list", False)
@@ -32,6 +36,8 @@ def main():
         return True
 
     def on_drop(widget, context, _x, _y, time):
+        if options.unix_time:
+            time = int(clock.time()) & 0xFFFFFFFF
         widget.drag_get_data(context, uri_list, time)
         return True
 

@@ -1,0 +1,105 @@
+#include "X11TimestampGuard.h"
+
+#include "Domains/DragSession/DragSessionLogging.h"
+#include "X11Properties.h"
+
+#include <QGuiApplication>
+#include <X11/Xatom.h>
+#include <X11/Xlib.h>
+#include <xcb/xcb.h>
+
+namespace Vantrope {
+
+X11TimestampGuard* X11TimestampGuard::instance()
+{
+    static X11TimestampGuard* guard = []() -> X11TimestampGuard* {
+        if (!X11Properties::connection()) {
+            return nullptr;
+        }
+        // Lives as long as the process: the application keeps a plain pointer to its filters.
+        auto* made = new X11TimestampGuard;
+        qGuiApp->installNativeEventFilter(made);
+        return made;
+    }();
+    return guard;
+}
+
+X11TimestampGuard::X11TimestampGuard()
+    : m_position(X11Properties::atom("XdndPosition"))
+    , m_drop(X11Properties::atom("XdndDrop"))
+{}
+
+X11TimestampGuard::~X11TimestampGuard()
+{
+    if (m_display) {
+        XCloseDisplay(m_display);
+    }
+}
+
+bool X11TimestampGuard::nativeEventFilter(const QByteArray& eventType, void* message, qintptr*)
+{
+    if (eventType != "xcb_generic_event_t") {
+        return false;
+    }
+    auto* event = static_cast<xcb_generic_event_t*>(message);
+    const quint8 type = event->response_type & 0x7f;
+    if (type == XCB_SELECTION_REQUEST) {
+        auto* request = static_cast<xcb_selection_request_event_t*>(message);
+        if (request->time != XCB_CURRENT_TIME && isFromTheFuture(request->time)) {
+            qCInfo(lcDragSession) << "Ignoring the time" << request->time << "of a data request from window"
+                                  << request->requestor << ", it lies in the future";
+            // "Whenever" answers the request as before; only the false time is gone.
+            request->time = XCB_CURRENT_TIME;
+        }
+    } else if (type == XCB_CLIENT_MESSAGE) {
+        auto* client = static_cast<xcb_client_message_event_t*>(message);
+        if (client->format != 32) {
+            return false;
+        }
+        quint32* time = client->type == m_position ? &client->data.data32[3]
+                        : client->type == m_drop   ? &client->data.data32[2]
+                                                   : nullptr;
+        if (time && *time != XCB_CURRENT_TIME && isFromTheFuture(*time)) {
+            qCInfo(lcDragSession) << "Ignoring the time" << *time << "of a drag from window"
+                                  << client->data.data32[0] << ", it lies in the future";
+            *time = m_latestServerTime;
+        }
+    }
+    return false;
+}
+
+bool X11TimestampGuard::isFromTheFuture(quint32 time)
+{
+    if (m_latestServerTime != 0 && !isLater(time, m_latestServerTime)) {
+        return false;
+    }
+    const quint32 now = serverTime();
+    if (now == 0) {
+        return false;
+    }
+    m_latestServerTime = now;
+    return isLater(time, now);
+}
+
+quint32 X11TimestampGuard::serverTime()
+{
+    if (!m_display) {
+        m_display = XOpenDisplay(nullptr);
+        if (!m_display) {
+            qCWarning(lcDragSession) << "Cannot open a connection to the X server to check times";
+            return 0;
+        }
+        XSetWindowAttributes attributes{};
+        attributes.event_mask = PropertyChangeMask;
+        m_window = XCreateWindow(m_display, DefaultRootWindow(m_display), -10, -10, 1, 1, 0, 0, InputOnly,
+                                 CopyFromParent, CWEventMask, &attributes);
+        m_property = XInternAtom(m_display, "VANTROPE_SERVER_TIME", False);
+    }
+    // Appending nothing changes nothing but still makes the server report the time of the change.
+    XChangeProperty(m_display, m_window, m_property, XA_STRING, 8, PropModeAppend, nullptr, 0);
+    XEvent event;
+    XWindowEvent(m_display, m_window, PropertyChangeMask, &event);
+    return quint32(event.xproperty.time);
+}
+
+} // namespace Vantrope
