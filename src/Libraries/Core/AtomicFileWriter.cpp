@@ -34,6 +34,13 @@ std::expected<void, AtomicFileWriter::Error> AtomicFileWriter::write(const QStri
     if (!file.open(QIODevice::WriteOnly)) {
         return std::unexpected(Error{path, file.errorString()});
     }
+    // What the program writes is the user's: paths of their files, their text, their thumbnails. The
+    // new file takes the place of the old one with these permissions, whatever the old one had.
+    if (!file.setPermissions(QFileDevice::ReadOwner | QFileDevice::WriteOwner)) {
+        const QString reason = file.errorString();
+        file.cancelWriting();
+        return std::unexpected(Error{path, reason});
+    }
     if (file.write(data) != data.size()) {
         const QString reason = file.errorString();
         file.cancelWriting();

@@ -15,7 +15,7 @@ public:
         QString description() const;
     };
 
-    // Creates missing parent folders (mode 0700) and replaces `path` with `data` in one rename.
+    // Creates missing parent folders (mode 0700) and replaces `path` with `data` (mode 0600) in one rename.
     static std::expected<void, Error> write(const QString& path, const QByteArray& data);
 
     // Moves an unreadable file out of the way so that the next write cannot destroy what the user

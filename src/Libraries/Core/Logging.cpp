@@ -61,7 +61,9 @@ void writeToFile(const QString& line)
         s.file.close();
         QDir().mkpath(s.directory);
         s.file.setFileName(wanted);
-        if (!s.file.open(QIODevice::WriteOnly | QIODevice::Append | QIODevice::Text)) {
+        // Log lines name the user's files.
+        if (!s.file.open(QIODevice::WriteOnly | QIODevice::Append | QIODevice::Text,
+                         QFileDevice::ReadOwner | QFileDevice::WriteOwner)) {
             return;
         }
     }
@@ -102,6 +104,8 @@ QString Logging::formatLine(QtMsgType type, const QMessageLogContext& context, c
 
 void Logging::install()
 {
+    // Debug lines are for whoever asks for them with QT_LOGGING_RULES, which overrides this.
+    QLoggingCategory::setFilterRules(QStringLiteral("*.debug=false"));
     qInstallMessageHandler(messageHandler);
 }
 

@@ -8,7 +8,8 @@ Q_DECLARE_LOGGING_CATEGORY(lcCore)
 namespace Vantrope {
 
 // The process-wide message handler: every line carries time, level, category, file, function and line.
-// While a log folder is set the same lines also go to "<folder>/vantrope-<date>.log".
+// While a log folder is set the same lines also go to "<folder>/vantrope-<date>.log". Debug lines are
+// off unless QT_LOGGING_RULES turns them on.
 class Logging final {
 public:
     static void install();

@@ -1,5 +1,6 @@
 #include "Libraries/Core/AtomicFileWriter.h"
 #include "Libraries/Core/NonEmptyCollection.h"
+#include "Libraries/Core/PrivateFolders.h"
 #include "Libraries/Core/ReservedTemporaryDirectory.h"
 #include "Libraries/Core/SemanticVersion.h"
 #include "Libraries/Core/StringTruncation.h"
@@ -7,6 +8,7 @@
 #include "Libraries/Core/Unique.h"
 #include "support/TestSupport.h"
 
+#include <QDir>
 #include <QFileInfo>
 #include <QStandardPaths>
 #include <QTemporaryDir>
@@ -130,8 +132,13 @@ private Q_SLOTS:
         const QString path = dir.filePath(QStringLiteral("nested/deeper/store.json"));
         QVERIFY(AtomicFileWriter::write(path, "first"));
         QCOMPARE(Test::readFile(path), QByteArray("first"));
+        QCOMPARE(QFileInfo(path).permissions() & 0x0077, QFileDevice::Permissions());
+        // A file that others could read before is replaced by one they cannot.
+        QVERIFY(QFile::setPermissions(path, QFileInfo(path).permissions() | QFileDevice::ReadGroup |
+                                                QFileDevice::ReadOther));
         QVERIFY(AtomicFileWriter::write(path, "second"));
         QCOMPARE(Test::readFile(path), QByteArray("second"));
+        QCOMPARE(QFileInfo(path).permissions() & 0x0077, QFileDevice::Permissions());
         // Created folders are private to the user.
         QCOMPARE(QFileInfo(dir.filePath(QStringLiteral("nested/deeper"))).permissions() & 0x0077,
                  QFileDevice::Permissions());
@@ -141,6 +148,34 @@ private Q_SLOTS:
         QVERIFY(!failure);
         QVERIFY(failure.error().description().contains(blocked));
         QCOMPARE(Test::readFile(path), QByteArray("second"));
+    }
+
+    void openFoldersOfOursAreClosedButNothingOutside()
+    {
+        QTemporaryDir dir;
+        const auto open = [](const QString& path) {
+            QVERIFY(QDir().mkpath(path));
+            QVERIFY(QFile::setPermissions(path, QFileDevice::Permissions(0x7755)));
+        };
+        const QString ours = dir.filePath(QStringLiteral("vantrope"));
+        const QString users = dir.filePath(QStringLiteral("users-folder"));
+        open(ours + QStringLiteral("/Snapshots/shelves/deeper"));
+        open(ours + QStringLiteral("/.hidden"));
+        open(users);
+        QVERIFY(QFile::link(users, ours + QStringLiteral("/link")));
+
+        PrivateFolders::tighten(ours, 2);
+
+        const auto isPrivate = [](const QString& path) {
+            return (QFileInfo(path).permissions() & 0x0077) == QFileDevice::Permissions();
+        };
+        for (const QString& path :
+             QStringList{ours, ours + QStringLiteral("/Snapshots"),
+                         ours + QStringLiteral("/Snapshots/shelves"), ours + QStringLiteral("/.hidden")}) {
+            QVERIFY2(isPrivate(path), qPrintable(path));
+        }
+        QVERIFY(!isPrivate(ours + QStringLiteral("/Snapshots/shelves/deeper")));
+        QVERIFY(!isPrivate(users));
     }
 
     void reservedFoldersArePrivateAndInsideTheCache()
