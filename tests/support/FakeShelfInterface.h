@@ -18,7 +18,7 @@ public:
     QRectF frame() const override { return m_frame; }
     void setFrameOrigin(const QPointF& origin) override { m_frame.moveTopLeft(origin); }
     void makeKeyAndOrderFront() override { m_visible = true; }
-    void orderFrontRegardless() override { m_visible = true; }
+    void showWithoutActivating() override { m_visible = true; }
     quint64 windowNumber() const override { return m_number; }
     void close() override { m_closed = true; }
     void setTitle(const QString& title) override { m_title = title; }

@@ -89,7 +89,7 @@ void DragSessionCoordinator::start(const QPointF& origin)
     // folder or another program) must not: focus would leave the window the user works in.
     if (m_source.is<DragSessionSource::Gesture>() || m_source.is<DragSessionSource::MenuBarDrop>() ||
         m_source.is<DragSessionSource::Custom>()) {
-        m_window->orderFrontRegardless();
+        m_window->showWithoutActivating();
     } else {
         m_window->makeKeyAndOrderFront();
     }

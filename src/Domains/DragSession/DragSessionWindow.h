@@ -24,7 +24,7 @@ public:
     virtual void makeKeyAndOrderFront() = 0;
     // Shows the window above the others and leaves the focus where it is, so that a drag in progress
     // keeps its source window active.
-    virtual void orderFrontRegardless() = 0;
+    virtual void showWithoutActivating() = 0;
     // Unique among the program's windows for its whole run.
     virtual quint64 windowNumber() const = 0;
     virtual void close() = 0;

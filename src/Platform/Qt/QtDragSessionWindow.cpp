@@ -169,7 +169,7 @@ void QtDragSessionWindow::makeKeyAndOrderFront()
     m_widget->activateWindow();
 }
 
-void QtDragSessionWindow::orderFrontRegardless()
+void QtDragSessionWindow::showWithoutActivating()
 {
     m_widget->setAttribute(Qt::WA_ShowWithoutActivating);
     unpark();

@@ -38,7 +38,7 @@ public:
     QRectF frame() const override;
     void setFrameOrigin(const QPointF& origin) override;
     void makeKeyAndOrderFront() override;
-    void orderFrontRegardless() override;
+    void showWithoutActivating() override;
     quint64 windowNumber() const override { return m_windowNumber; }
     void close() override;
     void setTitle(const QString& title) override;
