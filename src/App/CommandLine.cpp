@@ -1,8 +1,11 @@
 #include "CommandLine.h"
 
+#include "LocalFileName.h"
 #include "Version.h"
 
-#include <QFileInfo>
+#include <cerrno>
+#include <cstring>
+#include <unistd.h>
 
 namespace Vantrope {
 
@@ -67,6 +70,8 @@ CommandLine::Request CommandLine::parse(const QStringList& arguments, const QStr
         for (const QString& name : names) {
             paths.append(QDir::cleanPath(base.absoluteFilePath(name)));
         }
+        // A file is on a shelf once, however often it is named.
+        paths.removeDuplicates();
         return paths;
     };
     const auto noOperands = [&](Request request) -> Request {
@@ -103,11 +108,25 @@ CommandLine::Request CommandLine::parse(const QStringList& arguments, const QStr
     return noOperands(List{json});
 }
 
-std::optional<QString> CommandLine::firstMissing(const QStringList& paths)
+std::optional<CommandLine::FileProblem> CommandLine::firstUnusable(const QStringList& paths)
 {
     for (const QString& path : paths) {
-        if (!QFileInfo::exists(path)) {
-            return path;
+        const QByteArray bytes = LocalFileName::encode(path);
+        const QString shown = LocalFileName::displayName(path);
+        if (::access(bytes.constData(), F_OK) != 0) {
+            if (errno == ENOENT || errno == ENOTDIR) {
+                return FileProblem{FileProblem::Kind::missing, path,
+                                   QStringLiteral("no such file: %1").arg(shown)};
+            }
+            return FileProblem{FileProblem::Kind::unreadable, path,
+                               QStringLiteral("cannot read %1: %2")
+                                   .arg(shown, QString::fromLocal8Bit(std::strerror(errno)))};
+        }
+        // Accepted now and found unreadable later, it would vanish from the shelf as if deleted.
+        if (::access(bytes.constData(), R_OK) != 0) {
+            return FileProblem{FileProblem::Kind::unreadable, path,
+                               QStringLiteral("cannot read %1: %2")
+                                   .arg(shown, QString::fromLocal8Bit(std::strerror(errno)))};
         }
     }
     return std::nullopt;

@@ -9,7 +9,7 @@
 namespace Vantrope {
 
 // What the command line asks for. Parsing touches neither the display nor the file system, so
-// `--help` and `--version` work anywhere; file names come back absolute.
+// `--help` and `--version` work anywhere; file names come back absolute, each named once.
 class CommandLine final {
 public:
     // Run the agent, or hand over to the one already running. Files become a shelf either way.
@@ -42,8 +42,15 @@ public:
     static constexpr int usageExitCode = 2;
 
     static Request parse(const QStringList& arguments, const QString& workingDirectory = QDir::currentPath());
-    // The first of `paths` that names nothing on disk.
-    static std::optional<QString> firstMissing(const QStringList& paths);
+    // Why a file cannot go on a shelf; `message` names the file.
+    struct FileProblem {
+        enum class Kind { missing, unreadable };
+        Kind kind = Kind::missing;
+        QString path;
+        QString message;
+    };
+    // The first of `paths` (see LocalFileName) that names nothing on disk or that this process cannot read.
+    static std::optional<FileProblem> firstUnusable(const QStringList& paths);
     static QString helpText();
     static QString versionText();
 };

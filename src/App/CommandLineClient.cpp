@@ -1,5 +1,7 @@
 #include "CommandLineClient.h"
 
+#include "LocalFileName.h"
+
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
@@ -41,10 +43,14 @@ CommandLineClient::Outcome CommandLineClient::run(const CommandLine::Request& re
 {
     return std::visit(Overloaded{
                           [this](const CommandLine::AddFiles& add) -> Outcome {
-                              if (const auto missing = CommandLine::firstMissing(add.files)) {
-                                  return {1, {}, QStringLiteral("no such file: %1").arg(*missing)};
+                              if (const auto problem = CommandLine::firstUnusable(add.files)) {
+                                  return {1, {}, problem->message};
                               }
-                              return printing(m_client.addFiles(add.files));
+                              QList<QByteArray> paths;
+                              for (const QString& file : add.files) {
+                                  paths.append(LocalFileName::encode(file));
+                              }
+                              return printing(m_client.addFiles(paths));
                           },
                           [this](const CommandLine::NewShelf&) { return printing(m_client.newShelf()); },
                           [this](const CommandLine::OpenRecent& open) {
@@ -86,17 +92,49 @@ QString CommandLineClient::listJson(const QList<ShelfSummary>& shelves)
     return QString::fromUtf8(QJsonDocument(array).toJson(QJsonDocument::Indented));
 }
 
+QString CommandLineClient::printable(const QString& name)
+{
+    QString shown;
+    shown.reserve(name.size());
+    for (const QChar c : name) {
+        switch (c.unicode()) {
+        case u'\\':
+            shown += QStringLiteral("\\\\");
+            continue;
+        case u'\n':
+            shown += QStringLiteral("\\n");
+            continue;
+        case u'\t':
+            shown += QStringLiteral("\\t");
+            continue;
+        case u'\r':
+            shown += QStringLiteral("\\r");
+            continue;
+        default:
+            break;
+        }
+        const bool lineBreak =
+            c.category() == QChar::Separator_Line || c.category() == QChar::Separator_Paragraph;
+        if (c.category() == QChar::Other_Control || lineBreak) {
+            shown += QStringLiteral("\\u%1").arg(c.unicode(), 4, 16, QLatin1Char('0'));
+        } else {
+            shown += c;
+        }
+    }
+    return shown;
+}
+
 QString CommandLineClient::listText(const QList<ShelfSummary>& shelves)
 {
     QString text;
     for (const ShelfSummary& shelf : shelves) {
         text += shelf.identifier;
         if (shelf.name && !shelf.name->isEmpty()) {
-            text += QStringLiteral("  \"%1\"").arg(*shelf.name);
+            text += QStringLiteral("  \"%1\"").arg(printable(*shelf.name));
         }
         text += QStringLiteral("  %1 item(s)\n").arg(shelf.items.size());
         for (const QString& item : shelf.items) {
-            text += QStringLiteral("    ") + item + QLatin1Char('\n');
+            text += QStringLiteral("    ") + printable(item) + QLatin1Char('\n');
         }
     }
     return text;

@@ -22,6 +22,8 @@ public:
 
     static QString listJson(const QList<ShelfSummary>& shelves);
     static QString listText(const QList<ShelfSummary>& shelves);
+    // `name` on one line: control characters and backslashes escaped as in C.
+    static QString printable(const QString& name);
 
 private:
     const ApplicationDBusClient& m_client;

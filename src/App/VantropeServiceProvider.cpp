@@ -1,11 +1,13 @@
 #include "VantropeServiceProvider.h"
 
 #include "AppDelegate.h"
+#include "CommandLine.h"
 #include "Domains/DragSession/PersistentDragSessionStore.h"
 #include "Domains/SessionController/SessionController.h"
+#include "LocalFileName.h"
 #include "RootCoordinator.h"
 
-#include <QFileInfo>
+#include <QDir>
 #include <QPointer>
 #include <QSet>
 
@@ -33,18 +35,38 @@ void VantropeServiceProvider::activate()
     m_appDelegate.handleReopen();
 }
 
-std::expected<QString, Error> VantropeServiceProvider::addFiles(const QStringList& paths)
+std::expected<QString, Error> VantropeServiceProvider::addFiles(const QList<QByteArray>& paths)
 {
     if (paths.isEmpty()) {
         return std::unexpected(Error{Error::Kind::invalidArguments, QStringLiteral("no files given")});
     }
-    QList<QUrl> urls;
-    for (const QString& path : paths) {
-        if (QFileInfo(path).isRelative() || !QFileInfo::exists(path)) {
+    QStringList names;
+    for (const QByteArray& path : paths) {
+        const QString name = LocalFileName::decode(path);
+        if (!path.startsWith('/')) {
             return std::unexpected(
-                Error{Error::Kind::missingFile, QStringLiteral("no such file: %1").arg(path)});
+                Error{Error::Kind::invalidArguments,
+                      QStringLiteral("not an absolute path: %1").arg(LocalFileName::displayName(name))});
         }
-        urls.append(QUrl::fromLocalFile(path));
+        names.append(QDir::cleanPath(name));
+    }
+    // As with a drop, a file goes on the shelf once.
+    names.removeDuplicates();
+    if (const auto problem = CommandLine::firstUnusable(names)) {
+        return std::unexpected(Error{problem->kind == CommandLine::FileProblem::Kind::missing
+                                         ? Error::Kind::missingFile
+                                         : Error::Kind::unreadableFile,
+                                     problem->message});
+    }
+    QList<QUrl> urls;
+    for (const QString& name : std::as_const(names)) {
+        const auto reachable = LocalFileName::reachableName(name);
+        if (!reachable) {
+            return std::unexpected(
+                Error{Error::Kind::unreadableFile,
+                      QStringLiteral("cannot make %1 reachable").arg(LocalFileName::displayName(name))});
+        }
+        urls.append(QUrl::fromLocalFile(*reachable));
     }
     SessionController& sessions = m_coordinator.sessionController();
     const qsizetype before = sessions.coordinators().size();

@@ -13,7 +13,7 @@ public:
     VantropeServiceProvider(AppDelegate& appDelegate, RootCoordinator& coordinator);
 
     void activate() override;
-    std::expected<QString, Error> addFiles(const QStringList& paths) override;
+    std::expected<QString, Error> addFiles(const QList<QByteArray>& paths) override;
     QString newShelf() override;
     std::expected<QString, Error> openRecent(const QString& identifier) override;
     void closeAll(std::function<void()> done) override;

@@ -8,8 +8,11 @@
 #include "Libraries/Core/Clock.h"
 #include "Libraries/Core/Localized.h"
 #include "Libraries/Core/Logging.h"
+#include "Libraries/Core/PrivateFolders.h"
+#include "LocalFileName.h"
 #include "Platform/DBus/ApplicationDBusClient.h"
 #include "Platform/DBus/ApplicationDBusService.h"
+#include "Platform/DBus/SessionBusAddress.h"
 #include "Platform/DisplayEnvironment.h"
 #include "Platform/Qt/QtClipboardSource.h"
 #include "Platform/Qt/QtDragSessionUserInterface.h"
@@ -22,8 +25,11 @@
 
 #include <csignal>
 #include <cstdio>
+#include <cstdlib>
 #include <QCoreApplication>
+#include <QDir>
 #include <QUrl>
+#include <unistd.h>
 
 using namespace Vantrope;
 
@@ -34,7 +40,8 @@ void print(FILE* stream, const QString& text)
     if (text.isEmpty()) {
         return;
     }
-    const QByteArray bytes = text.toLocal8Bit();
+    // A file name goes out as the very bytes it came in as.
+    const QByteArray bytes = LocalFileName::encode(text);
     std::fputs(bytes.constData(), stream);
     if (!text.endsWith(QLatin1Char('\n'))) {
         std::fputc('\n', stream);
@@ -73,8 +80,14 @@ std::optional<int> forwardToRunningAgent(const QStringList& files)
         if (const auto activated = client.activate(); !activated) {
             error = activated.error();
         }
-    } else if (const auto added = client.addFiles(files); !added) {
-        error = added.error();
+    } else {
+        QList<QByteArray> paths;
+        for (const QString& file : files) {
+            paths.append(LocalFileName::encode(file));
+        }
+        if (const auto added = client.addFiles(paths); !added) {
+            error = added.error();
+        }
     }
     if (!error) {
         return 0;
@@ -110,8 +123,14 @@ std::optional<int> becomeTheOnlyAgent(ApplicationDBusService& service, const QSt
 
 int runAgent(int argc, char* argv[], const CommandLine::RunAgent& request)
 {
-    if (const auto missing = CommandLine::firstMissing(request.files)) {
-        return fail(QStringLiteral("no such file or command: %1; see \"vantrope --help\"").arg(*missing));
+    if (const auto problem = CommandLine::firstUnusable(request.files)) {
+        if (problem->kind == CommandLine::FileProblem::Kind::missing) {
+            // Quite likely a mistyped command rather than a file.
+            return fail(QStringLiteral("no such file or command: %1; see \"vantrope --help\"")
+                            .arg(LocalFileName::displayName(problem->path)),
+                        CommandLine::usageExitCode);
+        }
+        return fail(problem->message);
     }
     const DisplayEnvironment display = DisplayEnvironment::detect();
     if (!display.isUsable()) {
@@ -130,6 +149,8 @@ int runAgent(int argc, char* argv[], const CommandLine::RunAgent& request)
     if (const auto handedOver = becomeTheOnlyAgent(service, request.files)) {
         return *handedOver;
     }
+
+    PrivateFolders::tightenAll();
 
     Preferences preferences(
         std::make_unique<SettingsPreferenceStorage>(SettingsPreferenceStorage::defaultFilePath()));
@@ -155,7 +176,9 @@ int runAgent(int argc, char* argv[], const CommandLine::RunAgent& request)
     if (!request.files.isEmpty()) {
         QList<QUrl> urls;
         for (const QString& file : request.files) {
-            urls.append(QUrl::fromLocalFile(file));
+            if (const auto reachable = LocalFileName::reachableName(file)) {
+                urls.append(QUrl::fromLocalFile(*reachable));
+            }
         }
         appDelegate.openFiles(urls);
     }
@@ -172,12 +195,20 @@ int runAgent(int argc, char* argv[], const CommandLine::RunAgent& request)
 
 int main(int argc, char* argv[])
 {
+    // Before anything, Qt included, looks for the session bus.
+    SessionBusAddress::preventAutolaunch();
+
     QStringList arguments;
     for (int i = 0; i < argc; ++i) {
-        arguments.append(QString::fromLocal8Bit(argv[i]));
+        arguments.append(LocalFileName::decode(argv[i]));
+    }
+    QString workingDirectory = QDir::currentPath();
+    if (char* current = ::getcwd(nullptr, 0)) {
+        workingDirectory = LocalFileName::decode(current);
+        std::free(current);
     }
 
-    const CommandLine::Request request = CommandLine::parse(arguments);
+    const CommandLine::Request request = CommandLine::parse(arguments, workingDirectory);
     return std::visit(Overloaded{
                           [&](const CommandLine::RunAgent& run) { return runAgent(argc, argv, run); },
                           [](const CommandLine::ShowHelp&) {

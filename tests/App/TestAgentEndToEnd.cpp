@@ -113,8 +113,6 @@ private Q_SLOTS:
             << QStringLiteral("no recent shelf has the identifier \"NO-SUCH-ID\"");
         QTest::newRow("nothing closed yet") << QStringList{QStringLiteral("open-recent")}
                                             << QStringLiteral("there is no closed recent shelf to open");
-        QTest::newRow("second launch with a missing file")
-            << QStringList{QStringLiteral("gone.txt")} << QStringLiteral("no such file or command: ");
     }
 
     void refusesBadRequests()

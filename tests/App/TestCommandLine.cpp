@@ -1,5 +1,8 @@
 #include "App/CommandLine.h"
+#include "App/CommandLineClient.h"
+#include "App/LocalFileName.h"
 
+#include <QFile>
 #include <QProcess>
 #include <QProcessEnvironment>
 #include <QTemporaryDir>
@@ -98,6 +101,54 @@ private Q_SLOTS:
                  expected);
     }
 
+    void printsNamesOnOneLine_data()
+    {
+        QTest::addColumn<QString>("name");
+        QTest::addColumn<QString>("printed");
+        QTest::newRow("plain") << QStringLiteral("/tmp/caf\u00e9 1.txt")
+                               << QStringLiteral("/tmp/caf\u00e9 1.txt");
+        QTest::newRow("line breaks and tabs")
+            << QStringLiteral("a\nb\r\tc") << QStringLiteral("a\\nb\\r\\tc");
+        QTest::newRow("a backslash stays readable") << QStringLiteral("a\\n") << QStringLiteral("a\\\\n");
+        QTest::newRow("other control characters")
+            << QStringLiteral("a\u001bb\u007f\u2028") << QStringLiteral("a\\u001bb\\u007f\\u2028");
+    }
+
+    void printsNamesOnOneLine()
+    {
+        QFETCH(QString, name);
+        QFETCH(QString, printed);
+        QCOMPARE(CommandLineClient::printable(name), printed);
+        const QString listed =
+            CommandLineClient::listText({ShelfSummary{QStringLiteral("ID"), name, {}, false, {name}}});
+        QCOMPARE(listed.count(QLatin1Char('\n')), 2);
+    }
+
+    void fileNamesKeepTheirBytes_data()
+    {
+        QTest::addColumn<QByteArray>("bytes");
+        QTest::addColumn<bool>("plain");
+        QTest::newRow("ASCII") << QByteArray("/tmp/a b.txt") << true;
+        QTest::newRow("UTF-8") << QByteArray("/tmp/caf\xc3\xa9\xf0\x9f\x98\x80") << true;
+        QTest::newRow("Latin-1") << QByteArray("/tmp/caf\xe9.txt") << false;
+        QTest::newRow("a cut sequence at the end") << QByteArray("/tmp/x\xe2\x82") << false;
+        QTest::newRow("an overlong slash") << QByteArray("/tmp/\xc0\xaf") << false;
+        QTest::newRow("an encoded surrogate") << QByteArray("/tmp/\xed\xb2\x80") << false;
+    }
+
+    void fileNamesKeepTheirBytes()
+    {
+        QFETCH(QByteArray, bytes);
+        QFETCH(bool, plain);
+        const QString name = LocalFileName::decode(bytes);
+        QCOMPARE(LocalFileName::encode(name), bytes);
+        QCOMPARE(LocalFileName::isPlain(bytes), plain);
+        QCOMPARE(LocalFileName::displayName(name).contains(QChar::ReplacementCharacter), !plain);
+        if (plain) {
+            QCOMPARE(name, QFile::decodeName(bytes));
+        }
+    }
+
     // The real program, with no agent to talk to: every answer is one line and an exit status.
     void answersWithoutAgent_data()
     {
@@ -125,7 +176,7 @@ private Q_SLOTS:
         QTest::newRow("unreachable X display") << QStringList{} << QStringLiteral(":4242") << 1 << QString()
                                                << QStringLiteral("cannot connect to the X display \":4242\"");
         QTest::newRow("typo of a command") << QStringList{QStringLiteral("lst")} << QStringLiteral(":4242")
-                                           << 1 << QString() << QStringLiteral("no such file or command: ");
+                                           << 2 << QString() << QStringLiteral("no such file or command: ");
         QTest::newRow("missing file is found before the bus")
             << QStringList{QStringLiteral("add"), QStringLiteral("/nonexistent/file")} << QString() << 1
             << QString() << QStringLiteral("no such file: /nonexistent/file");

@@ -1,6 +1,7 @@
 #include "ApplicationDBusClient.h"
 
 #include "ApplicationDBusInterface.h"
+#include "SessionBusAddress.h"
 
 #include <QDBusArgument>
 #include <QDBusConnection>
@@ -35,6 +36,7 @@ ApplicationDBusClient::ApplicationDBusClient(int timeoutMilliseconds)
     : m_timeout(timeoutMilliseconds)
 {
     qDBusRegisterMetaType<QList<QVariantMap>>();
+    qDBusRegisterMetaType<QList<QByteArray>>();
 }
 
 bool ApplicationDBusClient::isAgentRunning() const
@@ -49,8 +51,9 @@ std::expected<QVariantList, Error> ApplicationDBusClient::call(const QString& me
     QDBusConnection bus = QDBusConnection::sessionBus();
     if (!bus.isConnected()) {
         return std::unexpected(
-            Error{Error::Kind::noBus, QStringLiteral("cannot reach the D-Bus session bus, so no running "
-                                                     "Vantrope can be found")});
+            Error{Error::Kind::noBus, QStringLiteral("cannot reach the D-Bus session bus (%1), so no running "
+                                                     "Vantrope can be found")
+                                          .arg(SessionBusAddress::describe())});
     }
     QDBusMessage message = QDBusMessage::createMethodCall(ApplicationDBusInterface::serviceName(),
                                                           ApplicationDBusInterface::objectPath(),
@@ -100,9 +103,9 @@ std::expected<void, Error> ApplicationDBusClient::activate() const
     return withoutValue(call(QStringLiteral("Activate")));
 }
 
-std::expected<QString, Error> ApplicationDBusClient::addFiles(const QStringList& paths) const
+std::expected<QString, Error> ApplicationDBusClient::addFiles(const QList<QByteArray>& paths) const
 {
-    return callForString(QStringLiteral("AddFiles"), {paths});
+    return callForString(QStringLiteral("AddLocalFiles"), {QVariant::fromValue(paths)});
 }
 
 std::expected<QString, Error> ApplicationDBusClient::newShelf() const

@@ -30,7 +30,8 @@ public:
     bool isAgentRunning() const;
 
     std::expected<void, Error> activate() const;
-    std::expected<QString, Error> addFiles(const QStringList& paths) const;
+    // Paths as the file system spells them, so that a name that is no valid UTF-8 arrives intact.
+    std::expected<QString, Error> addFiles(const QList<QByteArray>& paths) const;
     std::expected<QString, Error> newShelf() const;
     std::expected<QString, Error> openRecent(const QString& identifier) const;
     std::expected<void, Error> closeAll() const;

@@ -6,6 +6,7 @@
 #include <QDBusConnectionInterface>
 #include <QDBusMessage>
 #include <QDBusMetaType>
+#include <QFile>
 #include <QLoggingCategory>
 
 Q_LOGGING_CATEGORY(lcDBus, "vantrope.dbus")
@@ -20,6 +21,8 @@ QString errorSuffix(ApplicationRequestHandler::Error::Kind kind)
     switch (kind) {
     case Kind::missingFile:
         return QStringLiteral("MissingFile");
+    case Kind::unreadableFile:
+        return QStringLiteral("UnreadableFile");
     case Kind::unknownShelf:
         return QStringLiteral("UnknownShelf");
     case Kind::noRecentShelf:
@@ -36,6 +39,7 @@ ApplicationDBusService::ApplicationDBusService(QObject* parent)
     : QObject(parent)
 {
     qDBusRegisterMetaType<QList<QVariantMap>>();
+    qDBusRegisterMetaType<QList<QByteArray>>();
 }
 
 ApplicationDBusService::~ApplicationDBusService()
@@ -68,6 +72,13 @@ ApplicationDBusService::Claim ApplicationDBusService::claim()
 
 bool ApplicationDBusService::ready()
 {
+    if (calledFromDBus() && message().isReplyRequired() &&
+        !connection().interface()->isServiceRegistered(message().service())) {
+        qCInfo(lcDBus).noquote() << "The caller of" << message().member()
+                                 << "gave up waiting before it was handled; not doing it";
+        setDelayedReply(true);
+        return false;
+    }
     if (m_handler) {
         return true;
     }
@@ -94,6 +105,15 @@ void ApplicationDBusService::Activate()
 }
 
 QString ApplicationDBusService::AddFiles(const QStringList& paths)
+{
+    QList<QByteArray> encoded;
+    for (const QString& path : paths) {
+        encoded.append(QFile::encodeName(path));
+    }
+    return AddLocalFiles(encoded);
+}
+
+QString ApplicationDBusService::AddLocalFiles(const QList<QByteArray>& paths)
 {
     if (!ready()) {
         return {};

@@ -37,6 +37,8 @@ public:
 public Q_SLOTS:
     void Activate();
     QString AddFiles(const QStringList& paths);
+    // The same for paths as the file system spells them, which need not be UTF-8.
+    QString AddLocalFiles(const QList<QByteArray>& paths);
     QString NewShelf();
     QString OpenRecent(const QString& identifier);
     void CloseAll();
@@ -45,6 +47,8 @@ public Q_SLOTS:
     QList<QVariantMap> ListShelves();
 
 private:
+    // False, and nothing to do, once the caller who waits for the answer has left the bus: a request
+    // that sat in a stopped agent must not take effect after its caller reported a failure.
     bool ready();
     QString refuse(const ApplicationRequestHandler::Error& error);
 

@@ -24,7 +24,7 @@ struct ShelfSummary {
 class ApplicationRequestHandler {
 public:
     struct Error {
-        enum class Kind { missingFile, unknownShelf, noRecentShelf, invalidArguments };
+        enum class Kind { missingFile, unreadableFile, unknownShelf, noRecentShelf, invalidArguments };
         Kind kind = Kind::invalidArguments;
         QString message;
     };
@@ -33,8 +33,8 @@ public:
 
     // Someone launched the program again.
     virtual void activate() = 0;
-    // A new shelf with the files; its identifier.
-    virtual std::expected<QString, Error> addFiles(const QStringList& paths) = 0;
+    // A new shelf with the files, given as the file system spells their absolute paths; its identifier.
+    virtual std::expected<QString, Error> addFiles(const QList<QByteArray>& paths) = 0;
     virtual QString newShelf() = 0;
     // The shelf with this identifier, or the most recently closed one for an empty identifier.
     virtual std::expected<QString, Error> openRecent(const QString& identifier) = 0;
