@@ -11,6 +11,10 @@
 #include "OutboundDragData.h"
 #include "Preferences/Preferences.h"
 
+#ifdef WITH_X11
+#include "Platform/X11/X11TimestampGuard.h"
+#endif
+
 #include <QApplication>
 #include <QCursor>
 #include <QDrag>
@@ -390,6 +394,11 @@ bool QtDragSessionView::mouseDragged(const QPoint& pressPosition)
     qCInfo(lcDragSession) << "About start drag session...";
     auto* drag = new QDrag(m_stack);
     drag->setMimeData(data.release());
+#ifdef WITH_X11
+    if (X11TimestampGuard* guard = X11TimestampGuard::instance()) {
+        guard->setDragData(drag->mimeData());
+    }
+#endif
     const QPixmap pixmap = m_stack->dragPixmap();
     drag->setPixmap(pixmap);
     drag->setHotSpot(QPoint(int(pixmap.width() / pixmap.devicePixelRatio() / 2),
