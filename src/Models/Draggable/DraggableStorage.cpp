@@ -3,6 +3,8 @@
 #include "DraggableLogging.h"
 #include "Libraries/Core/AtomicFileWriter.h"
 
+#include <QCryptographicHash>
+#include <QDir>
 #include <QFile>
 #include <QFileInfo>
 
@@ -15,6 +17,24 @@ std::optional<QString> filePath(ReservedTemporaryDirectory directory, const QStr
         qCWarning(lcDraggable) << "No temporary folder" << TemporaryDirectories::folderName(directory);
         return std::nullopt;
     }
+    return *folder + QLatin1Char('/') + fileName;
+}
+
+std::optional<QString> filePath(ReservedTemporaryDirectory directory, const QString& fileName,
+                                const QByteArray& content)
+{
+    // Sixteen hex digits: a chance collision among a person's items is out of reach.
+    const QString key =
+        QString::fromLatin1(QCryptographicHash::hash(content, QCryptographicHash::Sha256).toHex().left(16));
+    const std::optional<QString> folder = filePath(directory, key);
+    if (!folder) {
+        return std::nullopt;
+    }
+    if (!QDir().mkpath(*folder)) {
+        qCWarning(lcDraggable) << "Could not make the folder" << *folder;
+        return std::nullopt;
+    }
+    QFile::setPermissions(*folder, QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
     return *folder + QLatin1Char('/') + fileName;
 }
 

@@ -12,6 +12,11 @@ namespace Vantrope::DraggableStorage {
 // Where an item that is not a file by itself puts the file that stands for it.
 std::optional<QString> filePath(ReservedTemporaryDirectory directory, const QString& fileName);
 
+// The same, in a folder of its own named after what the file holds: equal contents share a file (and
+// so count as one item), different contents never overwrite one another, however alike their names.
+std::optional<QString> filePath(ReservedTemporaryDirectory directory, const QString& fileName,
+                                const QByteArray& content);
+
 // Writes the file. A new one appears whole; an existing one has its contents replaced in place, since
 // another shelf may follow it by its inode, which a write through a renamed temporary file would take
 // away from under it.

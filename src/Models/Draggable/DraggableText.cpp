@@ -112,7 +112,7 @@ std::shared_ptr<DraggableText> DraggableText::make(const QByteArray& data, const
     }
     const QString name = baseName(plainText(bytes, kept)) + QLatin1Char('.') + fileExtension(kept);
     const std::optional<QString> path =
-        DraggableStorage::filePath(ReservedTemporaryDirectory::textFiles, name);
+        DraggableStorage::filePath(ReservedTemporaryDirectory::textFiles, name, kept.toUtf8() + '\0' + bytes);
     if (!path) {
         return nullptr;
     }

@@ -71,8 +71,8 @@ std::shared_ptr<DraggableWeblocation> DraggableWeblocation::make(const QUrl& add
     if (!webAddress(address.toString(QUrl::FullyEncoded))) {
         return nullptr;
     }
-    const std::optional<QString> path =
-        DraggableStorage::filePath(ReservedTemporaryDirectory::textFiles, fileName(address));
+    const std::optional<QString> path = DraggableStorage::filePath(ReservedTemporaryDirectory::textFiles,
+                                                                   fileName(address), address.toEncoded());
     if (!path) {
         return nullptr;
     }

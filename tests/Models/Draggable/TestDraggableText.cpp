@@ -2,6 +2,7 @@
 #include "Libraries/Core/URL.h"
 #include "Models/Draggable/DraggableContext.h"
 #include "Models/Draggable/DraggableText.h"
+#include "Models/Draggable/DraggableWeblocation.h"
 #include "Models/Draggable/RichTextConverter.h"
 #include "Models/Pasteboard/PasteboardTypes.h"
 #include "support/TestSupport.h"
@@ -93,9 +94,52 @@ private Q_SLOTS:
         } else {
             QCOMPARE(name, expected);
         }
-        QCOMPARE(QFileInfo(item->url()->toLocalFile()).path(),
+        QCOMPARE(QFileInfo(QFileInfo(item->url()->toLocalFile()).path()).path(),
                  *TemporaryDirectories::path(ReservedTemporaryDirectory::textFiles));
         QVERIFY(!QFileInfo::exists(item->url()->toLocalFile()));
+    }
+
+    void itemFilesNeverCollide_data()
+    {
+        QTest::addColumn<QByteArray>("first");
+        QTest::addColumn<QByteArray>("second");
+        QTest::newRow("same first words") << "Meeting notes for the Monday planning session\nbudget"_ba
+                                          << "Meeting notes for the Monday planning session\nhiring"_ba;
+        QTest::newRow("same text") << "Exactly the same"_ba
+                                   << "Exactly the same"_ba;
+        QTest::newRow("links to one host") << "https://same.example/a"_ba
+                                           << "https://same.example/b"_ba;
+        QTest::newRow("same link") << "https://same.example/a"_ba
+                                   << "https://same.example/a"_ba;
+    }
+
+    // Two items write their files side by side; neither may take the other's content, and only equal
+    // contents make equal items.
+    void itemFilesNeverCollide()
+    {
+        QFETCH(QByteArray, first);
+        QFETCH(QByteArray, second);
+        const auto make = [](const QByteArray& value) -> DraggablePtr {
+            if (value.startsWith("https:")) {
+                return DraggableWeblocation::make(QUrl(QString::fromUtf8(value)));
+            }
+            return textItem(value, PasteboardTypes::utf8PlainText);
+        };
+        const DraggablePtr a = make(first);
+        const DraggablePtr b = make(second);
+        QVERIFY(a && b);
+        QCOMPARE(fileName(a), fileName(b));
+        for (const DraggablePtr& item : {a, b}) {
+            std::optional<Draggable::ResolveResult> answer;
+            item->resolveUrl([&answer](const Draggable::ResolveResult& result) { answer = result; });
+            QTRY_VERIFY(answer.has_value());
+            QVERIFY(answer->has_value());
+        }
+        QCOMPARE(a->isEqual(*b), first == second);
+        QCOMPARE(a->url() == b->url(), first == second);
+        for (const auto& [item, value] : {std::pair(a, first), std::pair(b, second)}) {
+            QVERIFY(Test::readFile(item->url()->toLocalFile()).contains(value));
+        }
     }
 
     void nameOfHeavyCharactersStaysWritable()
