@@ -31,6 +31,10 @@ AppDelegate::AppDelegate(const Dependencies& dependencies, QObject* parent)
 
 AppDelegate::~AppDelegate()
 {
+    // The store outlives this object and writes what is queued before it goes.
+    if (m_rootCoordinator) {
+        m_rootCoordinator->sessionController().saveOpenSessions();
+    }
     if (m_serviceProvider && m_dependencies.publishServicesProvider) {
         m_dependencies.publishServicesProvider(nullptr);
     }

@@ -101,6 +101,44 @@ private Q_SLOTS:
         QVERIFY2(after.error.contains(QStringLiteral("not running")), qPrintable(after.error));
     }
 
+    void openShelvesOutliveTheAgent_data()
+    {
+        QTest::addColumn<QString>("end");
+        QTest::newRow("quit") << QStringLiteral("quit");
+        QTest::newRow("SIGTERM") << QStringLiteral("term");
+        // Nothing runs at the end: the shelf must be on disk while it is open.
+        QTest::newRow("kill -9") << QStringLiteral("kill");
+    }
+
+    // A shelf that held items is among the recent ones however the agent ended.
+    void openShelvesOutliveTheAgent()
+    {
+        QFETCH(QString, end);
+        startAgent();
+        const Result added = run({QStringLiteral("add"), file(QStringLiteral("a.txt"))});
+        QCOMPARE(added.exitCode, 0);
+        const QString identifier = added.output.trimmed();
+        if (end == QLatin1String("quit")) {
+            QCOMPARE(run({QStringLiteral("quit")}).exitCode, 0);
+        } else if (end == QLatin1String("term")) {
+            ::kill(static_cast<pid_t>(m_agent->processId()), SIGTERM);
+        } else {
+            const QString store = m_home->filePath(QStringLiteral("data/vantrope/.drag_sessions"));
+            QTRY_VERIFY_WITH_TIMEOUT(Vantrope::Test::readFile(store).contains(identifier.toUtf8()), 5000);
+            m_agent->kill();
+        }
+        QVERIFY(m_agent->waitForFinished(5000));
+
+        startAgent();
+        const Result reopened = run({QStringLiteral("open-recent")});
+        QCOMPARE(reopened.exitCode, 0);
+        QCOMPARE(reopened.output.trimmed(), identifier);
+        const QJsonArray shelves = list();
+        QCOMPARE(shelves.size(), 1);
+        QCOMPARE(shelves.first().toObject().value(QStringLiteral("items")).toArray(),
+                 QJsonArray({file(QStringLiteral("a.txt"))}));
+    }
+
     void refusesBadRequests_data()
     {
         QTest::addColumn<QStringList>("arguments");

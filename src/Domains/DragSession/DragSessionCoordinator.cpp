@@ -104,6 +104,10 @@ void DragSessionCoordinator::start(const QPointF& origin)
             }
         }
         appendItems(draggables, m_source.is<DragSessionSource::Restore>());
+        if (!m_source.is<DragSessionSource::Restore>()) {
+            // Items handed over by another program are kept from the start, as dropped ones are.
+            throttleSave();
+        }
     }
     m_view->updateHoverState(m_window->containsMouse());
 }

@@ -154,6 +154,15 @@ bool SessionController::isClosable(const DragSessionCoordinator& coordinator, Cl
     return false;
 }
 
+void SessionController::saveOpenSessions()
+{
+    for (const auto& coordinator : coordinators()) {
+        if (!coordinator->isStopping()) {
+            coordinator->saveSession();
+        }
+    }
+}
+
 void SessionController::closeSessions(CloseFilter filter)
 {
     QList<std::shared_ptr<DragSessionCoordinator>> closing;

@@ -56,6 +56,8 @@ public:
     void gestureEnded() { closeSessions(CloseFilter::empty); }
 
     void closeSessions(CloseFilter filter);
+    // Saves every open shelf as it is now, as the program ends: each one is then among the recent ones.
+    void saveOpenSessions();
     bool openDragSession(const QString& identifier);
     bool openMostRecentClosedDragSession();
     // Files handed over by another program or the command line.
