@@ -1,15 +1,52 @@
 #include "OutboundDragData.h"
 
+#include "Models/Draggable/DraggableText.h"
 #include "Models/Pasteboard/PasteboardTypes.h"
+#include "OutboundMimeData.h"
 #include "Platform/DBus/FileTransferPortal.h"
 
-#include <QMimeData>
+#include <QFileInfo>
 #include <QUrl>
 
 namespace Vantrope {
 
-std::unique_ptr<QMimeData> OutboundDragData::make(const DraggableList& draggables, bool offerPortal)
+namespace {
+
+// Texts alone go to text targets as text; a URI list beside them would win in browsers and editors.
+std::unique_ptr<OutboundMimeData> textDrag(const QList<std::shared_ptr<DraggableText>>& texts)
 {
+    auto data = std::make_unique<OutboundMimeData>();
+    QStringList plain;
+    for (const auto& text : texts) {
+        plain.append(DraggableText::plainText(text->data(), text->type()).value_or(QString()));
+    }
+    data->setText(plain.join(QLatin1Char('\n')));
+    if (texts.size() == 1) {
+        const DraggableText& text = *texts.first();
+        // Rich text keeps its own form for the targets that take it.
+        if (text.type() != PasteboardTypes::utf8PlainText && text.type() != PasteboardTypes::plainText &&
+            text.type() != PasteboardTypes::utf8String) {
+            data->setData(text.type(), text.data());
+        }
+        data->setDirectSave(QFileInfo(text.url()->toLocalFile()).fileName(), text.data());
+    }
+    return data;
+}
+
+} // namespace
+
+std::unique_ptr<OutboundMimeData> OutboundDragData::make(const DraggableList& draggables, bool offerPortal)
+{
+    QList<std::shared_ptr<DraggableText>> texts;
+    for (const DraggablePtr& draggable : draggables) {
+        if (auto text = std::dynamic_pointer_cast<DraggableText>(draggable); text && text->url()) {
+            texts.append(std::move(text));
+        }
+    }
+    if (!texts.isEmpty() && texts.size() == draggables.size()) {
+        return textDrag(texts);
+    }
+
     QList<PasteboardItem> items;
     QByteArray uriList;
     QStringList localFiles;
@@ -28,10 +65,10 @@ std::unique_ptr<QMimeData> OutboundDragData::make(const DraggableList& draggable
     if (items.isEmpty()) {
         return nullptr;
     }
-    auto data = std::make_unique<QMimeData>();
+    auto data = std::make_unique<OutboundMimeData>();
     data->setData(PasteboardTypes::uriList, uriList);
     if (items.size() == 1) {
-        // A single text or link also goes where only its text is understood.
+        // A single link also goes where only its text is understood.
         for (const QString& type : items.first().types()) {
             if (type != PasteboardTypes::uriList) {
                 data->setData(type, items.first().data(type).value_or(QByteArray()));

@@ -12,6 +12,7 @@
 #include "Preferences/Preferences.h"
 
 #ifdef WITH_X11
+#include "Platform/X11/X11DirectSaveSource.h"
 #include "Platform/X11/X11TimestampGuard.h"
 #endif
 
@@ -22,6 +23,7 @@
 #include <QMouseEvent>
 #include <QPainter>
 #include <QPainterPath>
+#include <QTimer>
 #include <QWindow>
 
 namespace Vantrope {
@@ -386,17 +388,26 @@ bool QtDragSessionView::mouseDragged(const QPoint& pressPosition)
         qCInfo(lcDragSession) << "No eligible item views, ignoring mouse drag";
         return false;
     }
-    std::unique_ptr<QMimeData> data = OutboundDragData::make(m_stack->draggables());
+    std::unique_ptr<OutboundMimeData> data = OutboundDragData::make(m_stack->draggables());
     if (!data) {
         qCWarning(lcDragSession) << "Attempted outbound drag items but the factory returned an empty array.";
         return false;
     }
     qCInfo(lcDragSession) << "About start drag session...";
     auto* drag = new QDrag(m_stack);
+    const QPointer<OutboundMimeData> offered = data.get();
     drag->setMimeData(data.release());
 #ifdef WITH_X11
     if (X11TimestampGuard* guard = X11TimestampGuard::instance()) {
         guard->setDragData(drag->mimeData());
+    }
+    if (!offered->directSaveFileName().isEmpty()) {
+        // The drag's window exists once the drag has begun, inside its own event loop.
+        QTimer::singleShot(0, drag, [offered] {
+            if (offered) {
+                X11DirectSaveSource::announce(offered->directSaveFileName());
+            }
+        });
     }
 #endif
     const QPixmap pixmap = m_stack->dragPixmap();
@@ -422,8 +433,10 @@ bool QtDragSessionView::mouseDragged(const QPoint& pressPosition)
         return true;
     }
     qCInfo(lcDragSession) << "Finishing drag session";
-    // Anything but a copy took the files away from where the shelf knows them.
-    m_delegate.didDragItems({true, 1}, action != Qt::CopyAction);
+    // Anything but a copy took the files away from where the shelf knows them. Texts are offered as text
+    // and saved as copies: nothing is taken away, whatever the target answered.
+    const bool offeredFiles = !offered || offered->offersFiles();
+    m_delegate.didDragItems({true, 1}, action != Qt::CopyAction && offeredFiles);
     return true;
 }
 
