@@ -8,6 +8,7 @@
 #include "Models/Draggable/DraggableFile.h"
 
 #include <QFileInfo>
+#include <QHash>
 #include <QIcon>
 #include <QMenu>
 #include <QPixmap>
@@ -34,24 +35,32 @@ QString DragSessionHistoryMenuItemFactory::title(const PersistentDragSession& se
     if (session.label() && session.label()->name && !session.label()->name->isEmpty()) {
         return *session.label()->name;
     }
-    QList<QUrl> urls = session.bookmarkUrls();
+    const QList<QUrl> urls = session.bookmarkUrls();
     if (urls.isEmpty()) {
         return Localized("menu.item.recent-windows.untitled", "Empty Shelf");
     }
-    // The saved order, so the title names the shelf's first item as the user saw it.
-    if (const auto& order = session.order()) {
-        std::stable_sort(urls.begin(), urls.end(), [&order](const QUrl& a, const QUrl& b) {
-            const auto indexOf = [&order](const QUrl& url) {
-                const QString key = url.isLocalFile() ? DraggableFile::standardizedKey(url)
-                                                      : url.toString(QUrl::FullyEncoded);
-                const auto index = order->indexOf(key);
-                return index < 0 ? order->size() : index;
-            };
-            return indexOf(a) < indexOf(b);
-        });
+    // The saved order, so the title names the shelf's first item as the user saw it. One pass over each
+    // list: shelves of thousands of items are titled on every rebuild of the menu.
+    QUrl firstUrl = urls.first();
+    if (const auto& order = session.order(); order && !order->isEmpty()) {
+        QHash<QString, qsizetype> position;
+        position.reserve(order->size());
+        for (qsizetype i = order->size() - 1; i >= 0; --i) {
+            position.insert(order->at(i), i);
+        }
+        qsizetype best = order->size();
+        for (const QUrl& url : urls) {
+            const QString key =
+                url.isLocalFile() ? DraggableFile::standardizedKey(url) : url.toString(QUrl::FullyEncoded);
+            const qsizetype index = position.value(key, order->size());
+            if (index < best) {
+                best = index;
+                firstUrl = url;
+            }
+        }
     }
-    const QString first = urls.first().isLocalFile() ? QFileInfo(urls.first().toLocalFile()).fileName()
-                                                     : urls.first().toDisplayString();
+    const QString first =
+        firstUrl.isLocalFile() ? QFileInfo(firstUrl.toLocalFile()).fileName() : firstUrl.toDisplayString();
     if (urls.size() == 1) {
         return first;
     }
