@@ -5,6 +5,9 @@
 #include "Libraries/Core/URL.h"
 
 #include <algorithm>
+#ifdef __GLIBC__
+#include <malloc.h>
+#endif
 #include <QFile>
 #include <QFileInfo>
 #include <QJsonArray>
@@ -14,6 +17,8 @@
 namespace Vantrope {
 
 namespace {
+
+constexpr qsizetype largeFile = 1024 * 1024;
 
 const QString fileName = QStringLiteral(".drag_sessions");
 
@@ -236,6 +241,12 @@ void PersistentDragSessionStore::load()
         m_setAsideBeforeSave = true;
     }
     m_sessions = std::move(decoded.sessions);
+#ifdef __GLIBC__
+    // The parse of a large file leaves its memory with the allocator; give it back to the system.
+    if (data.size() > largeFile) {
+        malloc_trim(0);
+    }
+#endif
 }
 
 void PersistentDragSessionStore::save()
@@ -281,15 +292,23 @@ PersistentDragSessionStore::Decoded PersistentDragSessionStore::decode(const QBy
     }
     Decoded decoded;
     const QJsonArray records = document.array();
+    // One line for all the bad records: a file of many would otherwise flood the log.
+    qsizetype skipped = 0;
+    QString firstReason;
     for (qsizetype i = 0; i < records.size(); ++i) {
         auto session = PersistentDragSession::fromJson(records.at(i));
         if (!session) {
-            qCWarning(lcDragSession).noquote()
-                << "Skipping recent shelf" << i << ":" << session.error().reason;
+            if (skipped++ == 0) {
+                firstReason = QStringLiteral("record %1: %2").arg(i).arg(session.error().reason);
+            }
             decoded.isDamaged = true;
             continue;
         }
         decoded.sessions.append(std::move(*session));
+    }
+    if (skipped > 0) {
+        qCWarning(lcDragSession).noquote() << "Skipping" << skipped << "unreadable recent shelves of"
+                                           << records.size() << "; the first," << firstReason;
     }
     sortSessions(decoded.sessions);
     return decoded;
