@@ -4,6 +4,10 @@
 // idle_cpu_ms_per_min: CPU time of all the agent's threads while nothing happens, measured over 20 s
 // and scaled to a minute.
 // cli_list_ms: wall time of `vantrope list --json` against the running agent (median of 20).
+// recent_menu_10000_items_ms: the same with one recent shelf of 10,000 items (median of 10).
+// bad_recent_50mb_start_ms: from starting the program over a 50 MB recent-shelves file of well-formed
+// but unreadable records to its first answer on the command line; bad_recent_50mb_rss_mb: its resident
+// memory 2 s later.
 
 #include "support/BenchSupport.h"
 
@@ -45,15 +49,7 @@ double cpuNanoseconds(qint64 pid)
 
 class AgentBench final {
 public:
-    AgentBench()
-    {
-        m_environment = QProcessEnvironment::systemEnvironment();
-        m_environment.insert(QStringLiteral("HOME"), m_home.path());
-        for (const char* name : {"CONFIG", "DATA", "CACHE"}) {
-            m_environment.insert(QStringLiteral("XDG_%1_HOME").arg(QLatin1String(name)),
-                                 m_home.filePath(QString::fromLatin1(name).toLower()));
-        }
-    }
+    AgentBench() { useHome(m_home.path()); }
 
     int run()
     {
@@ -105,17 +101,96 @@ public:
             lists.push_back(elapsed);
         }
         quit(agent);
+
+        const double bigShelfList = recentShelfOf10000Items(agent);
+        const auto [badStart, badRss] = badRecentFile(agent);
         m_tray.kill();
         m_tray.waitForFinished();
+        if (bigShelfList < 0 || badStart < 0) {
+            return 1;
+        }
 
         std::printf("startup_to_tray_ms %.1f ms\n", Bench::median(startups));
         std::printf("idle_rss_mb %.1f MB\n", rss);
         std::printf("idle_cpu_ms_per_min %.2f ms\n", idleCpu);
         std::printf("cli_list_ms %.1f ms\n", Bench::median(lists));
+        std::printf("recent_menu_10000_items_ms %.1f ms\n", bigShelfList);
+        std::printf("bad_recent_50mb_start_ms %.1f ms\n", badStart);
+        std::printf("bad_recent_50mb_rss_mb %.1f MB\n", badRss);
         return 0;
     }
 
 private:
+    void useHome(const QString& home)
+    {
+        m_environment = QProcessEnvironment::systemEnvironment();
+        m_environment.insert(QStringLiteral("HOME"), home);
+        for (const char* name : {"CONFIG", "DATA", "CACHE"}) {
+            m_environment.insert(QStringLiteral("XDG_%1_HOME").arg(QLatin1String(name)),
+                                 home + QLatin1Char('/') + QString::fromLatin1(name).toLower());
+        }
+    }
+
+    // Median `list` time with a recent shelf of 10,000 files, or -1.
+    double recentShelfOf10000Items(QProcess& agent)
+    {
+        QTemporaryDir home;
+        useHome(home.path());
+        QStringList arguments{QStringLiteral("add")};
+        for (int i = 0; i < 10000; ++i) {
+            const QString path = home.filePath(QStringLiteral("item-%1.txt").arg(i));
+            QFile file(path);
+            file.open(QIODevice::WriteOnly);
+            arguments.append(path);
+        }
+        std::vector<double> lists;
+        if (start(agent) < 0 || cli(arguments) < 0) {
+            return -1;
+        }
+        QThread::sleep(3);
+        if (cli({QStringLiteral("close-all")}) < 0) {
+            return -1;
+        }
+        QThread::sleep(2);
+        for (int i = 0; i < 10; ++i) {
+            const double elapsed = cli({QStringLiteral("list"), QStringLiteral("--json")});
+            if (elapsed < 0) {
+                return -1;
+            }
+            lists.push_back(elapsed);
+        }
+        quit(agent);
+        return Bench::median(lists);
+    }
+
+    // Start to first answer and resident megabytes over a 50 MB file of bad records; -1 on failure.
+    std::pair<double, double> badRecentFile(QProcess& agent)
+    {
+        QTemporaryDir home;
+        useHome(home.path());
+        QDir().mkpath(home.filePath(QStringLiteral("data/vantrope")));
+        QFile store(home.filePath(QStringLiteral("data/vantrope/.drag_sessions")));
+        store.open(QIODevice::WriteOnly);
+        const QByteArray record =
+            R"({"identifier":"x","date":"2026-01-01T00:00:00Z","bookmarks":["file:///home/someone/a.txt"]})";
+        store.write("[");
+        for (qint64 written = 0; written < 50 * 1024 * 1024; written += record.size() + 1) {
+            store.write(written == 0 ? record : "," + record);
+        }
+        store.write("]");
+        store.close();
+        QElapsedTimer timer;
+        timer.start();
+        if (start(agent) < 0 || cli({QStringLiteral("list")}) < 0) {
+            return {-1, -1};
+        }
+        const double elapsed = static_cast<double>(timer.nsecsElapsed()) / 1e6;
+        QThread::sleep(2);
+        const double rss = Bench::residentMegabytes(agent.processId());
+        quit(agent);
+        return {elapsed, rss};
+    }
+
     bool waitForTrayLine(const QByteArray& prefix)
     {
         while (m_tray.waitForReadyRead(10000)) {
