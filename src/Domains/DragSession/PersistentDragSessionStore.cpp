@@ -19,6 +19,7 @@ namespace Vantrope {
 namespace {
 
 constexpr qsizetype largeFile = 1024 * 1024;
+constexpr qsizetype mostRecordsRead = 1000;
 
 const QString fileName = QStringLiteral(".drag_sessions");
 
@@ -295,7 +296,15 @@ PersistentDragSessionStore::Decoded PersistentDragSessionStore::decode(const QBy
     // One line for all the bad records: a file of many would otherwise flood the log.
     qsizetype skipped = 0;
     QString firstReason;
-    for (qsizetype i = 0; i < records.size(); ++i) {
+    // The program never writes more than its pinned shelves and a few recent ones; a file of many more
+    // records is not one of its own, and reading all of them would only delay the start.
+    const qsizetype examined = std::min<qsizetype>(records.size(), mostRecordsRead);
+    if (examined < records.size()) {
+        qCWarning(lcDragSession).noquote()
+            << "Reading only the first" << examined << "of" << records.size() << "recent shelves";
+        decoded.isDamaged = true;
+    }
+    for (qsizetype i = 0; i < examined; ++i) {
         auto session = PersistentDragSession::fromJson(records.at(i));
         if (!session) {
             if (skipped++ == 0) {
