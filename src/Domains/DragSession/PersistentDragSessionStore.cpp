@@ -5,6 +5,7 @@
 #include "Libraries/Core/URL.h"
 
 #include <algorithm>
+#include <optional>
 #ifdef __GLIBC__
 #include <malloc.h>
 #endif
@@ -280,10 +281,73 @@ QByteArray PersistentDragSessionStore::encode(const QList<PersistentDragSessionP
     return out;
 }
 
+namespace {
+
+struct ArrayScan {
+    qsizetype count = 0;
+    // Where the element after the first `limit` ones begins (at its comma); -1 when there are no more.
+    qsizetype limitEnd = -1;
+};
+
+// Counts the elements of a JSON array without building them, and finds where its first `limit` ones end;
+// nothing when the text is no well-formed array. Parsing all of a huge file only to read its start would
+// take seconds.
+std::optional<ArrayScan> scanArray(const QByteArray& data, qsizetype limit)
+{
+    const auto isSpace = [](char c) { return c == ' ' || c == '\n' || c == '\r' || c == '\t'; };
+    qsizetype i = 0;
+    while (i < data.size() && isSpace(data.at(i))) {
+        ++i;
+    }
+    if (i == data.size() || data.at(i) != '[') {
+        return std::nullopt;
+    }
+    ArrayScan scan;
+    int depth = 1;
+    bool inString = false;
+    bool hasElement = false;
+    for (++i; i < data.size(); ++i) {
+        const char c = data.at(i);
+        if (inString) {
+            if (c == '\\') {
+                ++i;
+            } else if (c == '"') {
+                inString = false;
+            }
+            continue;
+        }
+        if (c == '"') {
+            inString = true;
+        } else if (c == '[' || c == '{') {
+            ++depth;
+        } else if (c == ']' || c == '}') {
+            if (--depth == 0) {
+                scan.count += hasElement ? 1 : 0;
+                return scan;
+            }
+        } else if (c == ',' && depth == 1) {
+            if (++scan.count == limit) {
+                scan.limitEnd = i;
+            }
+            continue;
+        }
+        hasElement = hasElement || !isSpace(c);
+    }
+    return std::nullopt;
+}
+
+} // namespace
+
 PersistentDragSessionStore::Decoded PersistentDragSessionStore::decode(const QByteArray& data)
 {
+    QByteArray text = data;
+    qsizetype total = -1;
+    if (const auto scan = scanArray(data, mostRecordsRead); scan && scan->limitEnd >= 0) {
+        total = scan->count;
+        text = data.left(scan->limitEnd) + ']';
+    }
     QJsonParseError error;
-    const QJsonDocument document = QJsonDocument::fromJson(data, &error);
+    const QJsonDocument document = QJsonDocument::fromJson(text, &error);
     if (error.error != QJsonParseError::NoError || !document.isArray()) {
         qCWarning(lcDragSession).noquote()
             << "The recent shelves are not a JSON array:"
@@ -299,9 +363,12 @@ PersistentDragSessionStore::Decoded PersistentDragSessionStore::decode(const QBy
     // The program never writes more than its pinned shelves and a few recent ones; a file of many more
     // records is not one of its own, and reading all of them would only delay the start.
     const qsizetype examined = std::min<qsizetype>(records.size(), mostRecordsRead);
-    if (examined < records.size()) {
+    if (total < 0) {
+        total = records.size();
+    }
+    if (examined < total) {
         qCWarning(lcDragSession).noquote()
-            << "Reading only the first" << examined << "of" << records.size() << "recent shelves";
+            << "Reading only the first" << examined << "of" << total << "recent shelves";
         decoded.isDamaged = true;
     }
     for (qsizetype i = 0; i < examined; ++i) {
@@ -317,7 +384,7 @@ PersistentDragSessionStore::Decoded PersistentDragSessionStore::decode(const QBy
     }
     if (skipped > 0) {
         qCWarning(lcDragSession).noquote() << "Skipping" << skipped << "unreadable recent shelves of"
-                                           << records.size() << "; the first," << firstReason;
+                                           << examined << "; the first," << firstReason;
     }
     sortSessions(decoded.sessions);
     return decoded;

@@ -186,6 +186,13 @@ private Q_SLOTS:
             many += ",{\"identifier\":\"x\"}";
         }
         // Thousands of bad records make a line or two, not thousands, and only so many are read.
+        QByteArray tricky = "{\"identifier\":\"a,]\\\"}[\",\"x\":[{}]}";
+        for (int i = 1; i < 1500; ++i) {
+            tricky += ", {\"identifier\":\"a,]\\\"}[\",\"x\":[{}]}";
+        }
+        QTest::newRow("many records with brackets in strings")
+            << withRecord(tricky) << 1 << true
+            << QStringLiteral("Reading only the first 1000 of 1501 recent shelves");
         QTest::newRow("many bad records")
             << withRecord(many) << 1 << true
             << QStringLiteral("Reading only the first 1000 of 5001 recent shelves");
