@@ -3,15 +3,18 @@
 #include "DraggableFile.h"
 #include "DraggableLogging.h"
 #include "DraggableStorage.h"
+#include "DraggableValues.h"
 #include "Libraries/Core/AtomicFileWriter.h"
 #include "Libraries/Core/FileImages.h"
 #include "Libraries/Core/URL.h"
 #include "Models/Pasteboard/PasteboardTypes.h"
 
 #include <QBuffer>
+#include <QDir>
 #include <QFileInfo>
 #include <QImageReader>
 #include <QPainter>
+#include <QUrl>
 #include <QUuid>
 
 namespace Vantrope {
@@ -31,6 +34,38 @@ QImage flattened(const QImage& image)
     painter.drawImage(0, 0, image);
     painter.end();
     return opaque;
+}
+
+// Formats kept as the page had them; anything else becomes a JPEG.
+const QList<QByteArray> keptFormats{"png", "jpeg", "gif", "webp"};
+
+// The picture's own name as the browser offers it, without its extension; empty when there is none.
+QString offeredName(const PasteboardItem& item)
+{
+    QString name;
+    if (const auto data = item.data(QStringLiteral("application/x-moz-file-promise-dest-filename"))) {
+        name = DraggableValues::decodeText(*data).value_or(QString()).section(QLatin1Char('\n'), 0, 0);
+    }
+    for (const QString& type : {PasteboardTypes::mozillaFilePromiseURL, PasteboardTypes::mozillaURL}) {
+        if (!name.isEmpty()) {
+            break;
+        }
+        if (const auto data = item.data(type)) {
+            const QUrl url(
+                DraggableValues::decodeText(*data).value_or(QString()).section(QLatin1Char('\n'), 0, 0));
+            name = url.fileName();
+        }
+    }
+    name = QFileInfo(name.trimmed()).fileName();
+    // Nothing that leaves the folder, hides the file or garbles a listing.
+    name.removeIf([](QChar c) {
+        return c == QLatin1Char('/') || c == QLatin1Char('\\') || c.category() == QChar::Other_Control;
+    });
+    while (name.startsWith(QLatin1Char('.'))) {
+        name.remove(0, 1);
+    }
+    // The extension comes from the bytes, not from the name.
+    return QFileInfo(name).completeBaseName().left(100).trimmed();
 }
 
 } // namespace
@@ -59,6 +94,27 @@ DraggableWebImage::fromPasteboard(const PasteboardItem& item, const QString& typ
     if (image.isNull()) {
         qCWarning(lcDraggable) << "Failed to obtain image representation from data";
         return nullptr;
+    }
+    QBuffer original(const_cast<QByteArray*>(&*data));
+    original.open(QIODevice::ReadOnly);
+    const QByteArray format = QImageReader(&original).format();
+    if (keptFormats.contains(format)) {
+        // The page's own bytes under the page's own name, in a folder of their own so names never meet.
+        const QString name = offeredName(item);
+        const std::optional<QString> folder = DraggableStorage::filePath(
+            ReservedTemporaryDirectory::promises, QUuid::createUuid().toString(QUuid::WithoutBraces));
+        if (!folder || !QDir().mkpath(*folder)) {
+            qCWarning(lcDraggable) << "Failed to save image to disk with error no temporary folder";
+            return nullptr;
+        }
+        const QString path = *folder + QLatin1Char('/') + (name.isEmpty() ? QStringLiteral("Image") : name) +
+                             QLatin1Char('.') + QString::fromLatin1(format == "jpeg" ? "jpg" : format);
+        if (const auto written = AtomicFileWriter::write(path, *data); !written) {
+            qCWarning(lcDraggable).noquote()
+                << "Failed to save image to disk with error" << written.error().description();
+            return nullptr;
+        }
+        return std::make_shared<DraggableWebImage>(Tag{}, QUrl::fromLocalFile(path));
     }
     QByteArray jpeg;
     QBuffer buffer(&jpeg);

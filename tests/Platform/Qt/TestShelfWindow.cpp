@@ -59,7 +59,7 @@ QString describe(const DraggablePtr& item)
         return kind + QStringLiteral(": (no file yet)");
     }
     QString name = QFileInfo(url->toLocalFile()).fileName();
-    // Web images are named by a fresh UUID: only the kind of file is known beforehand.
+    // Web images are named after the page's picture where it says, so only the kind of file is compared.
     if (kind == QLatin1String("webimage")) {
         name = QStringLiteral("*.") + QFileInfo(name).suffix();
     }
@@ -242,7 +242,7 @@ private Q_SLOTS:
                               << QString();
         QTest::newRow("browser image")
             << QStringList{QStringLiteral("--kind"), QStringLiteral("image")}
-            << QStringList{QStringLiteral("webimage: *.jpg")} << QByteArray() << QString();
+            << QStringList{QStringLiteral("webimage: *.png")} << QByteArray() << QString();
         QTest::newRow("direct save, saved by the source")
             << QStringList{QStringLiteral("--kind"),     QStringLiteral("xds"),
                            QStringLiteral("--xds-mode"), QStringLiteral("S"),
