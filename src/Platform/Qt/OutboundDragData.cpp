@@ -74,6 +74,11 @@ std::unique_ptr<OutboundMimeData> OutboundDragData::make(const DraggableList& dr
                 data->setData(type, items.first().data(type).value_or(QByteArray()));
             }
         }
+        // Targets that ask for plain text would otherwise be given the URI list in its place.
+        if (const auto text = items.first().data(PasteboardTypes::utf8PlainText);
+            text && !items.first().data(PasteboardTypes::plainText)) {
+            data->setData(PasteboardTypes::plainText, *text);
+        }
     }
     if (offerPortal && !localFiles.isEmpty()) {
         if (const std::optional<QString> key = FileTransferPortal::registerFiles(localFiles)) {

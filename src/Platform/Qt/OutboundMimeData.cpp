@@ -3,6 +3,7 @@
 #include "Domains/DragSession/DragSessionLogging.h"
 #include "Libraries/Core/AtomicFileWriter.h"
 #include "Models/Pasteboard/PasteboardTypes.h"
+#include "Platform/DBus/FileTransferPortal.h"
 
 #ifdef WITH_X11
 #include "Platform/X11/X11DirectSaveSource.h"
@@ -23,17 +24,24 @@ void OutboundMimeData::setDirectSave(const QString& fileName, const QByteArray& 
     setData(directSaveType, QByteArray("E"));
 }
 
-bool OutboundMimeData::offersFiles() const
-{
-    return hasFormat(PasteboardTypes::uriList);
-}
-
 QVariant OutboundMimeData::retrieveData(const QString& format, QMetaType type) const
 {
     if (format == directSaveType && !m_directSaveName.isEmpty()) {
         return saveDirectly();
     }
+    if ((format == PasteboardTypes::uriList || format == FileTransferPortal::mimeType) && hasFormat(format)) {
+        noteFilesTaken();
+    }
     return QMimeData::retrieveData(format, type);
+}
+
+void OutboundMimeData::noteFilesTaken() const
+{
+    if (!m_filesTaken) {
+        m_filesTaken = true;
+        // Asked for from a const getter; the signal changes nothing here.
+        Q_EMIT const_cast<OutboundMimeData*>(this)->filesWereTaken();
+    }
 }
 
 QByteArray OutboundMimeData::saveDirectly() const
@@ -46,6 +54,7 @@ QByteArray OutboundMimeData::saveDirectly() const
     }
     const QString path = QDir::cleanPath(*destination);
     if (path == m_savedTo) {
+        noteFilesTaken();
         return "S";
     }
     const QFileInfo info(path);
@@ -67,6 +76,7 @@ QByteArray OutboundMimeData::saveDirectly() const
     // Files a drop puts in the user's folders are the user's to share as any other they make.
     QFile::setPermissions(path, QFile::ReadOwner | QFile::WriteOwner | QFile::ReadGroup | QFile::ReadOther);
     m_savedTo = path;
+    noteFilesTaken();
     return "S";
 #else
     return "E";

@@ -16,20 +16,26 @@ public:
     // The file a direct save writes: its suggested name and its content.
     void setDirectSave(const QString& fileName, const QByteArray& content);
     const QString& directSaveFileName() const { return m_directSaveName; }
-    // Only then may a "move" answer take the items off the shelf: a text field that inserts a text and
-    // answers "move" has moved nothing.
-    bool offersFiles() const;
+    // Whether the target took files: their URIs, the portal's key or a saved direct save. Only then may
+    // a "move" answer take the items off the shelf: a text field that inserts a text and answers "move"
+    // has moved nothing.
+    bool filesTaken() const { return m_filesTaken; }
+
+Q_SIGNALS:
+    void filesWereTaken();
 
 protected:
     QVariant retrieveData(const QString& format, QMetaType type) const override;
 
 private:
+    void noteFilesTaken() const;
     // "S" once the file is written where the target asked, "E" otherwise.
     QByteArray saveDirectly() const;
 
     QString m_directSaveName;
     QByteArray m_directSaveContent;
     mutable QString m_savedTo;
+    mutable bool m_filesTaken = false;
 };
 
 } // namespace Vantrope

@@ -16,6 +16,8 @@
 #include "Platform/X11/X11TimestampGuard.h"
 #endif
 
+#include <chrono>
+#include <memory>
 #include <QApplication>
 #include <QCursor>
 #include <QDrag>
@@ -33,6 +35,8 @@ namespace {
 constexpr double attentionDuration = 1.05;
 constexpr double grabberWidth = 34.0;
 constexpr double titleHeight = 34.0;
+// How long a target that answered "move" may take to fetch what it moves.
+constexpr std::chrono::seconds dropOutcomeTimeout{15};
 
 DragSessionOverlayView::Icon overlayIcon(Message::Icon icon)
 {
@@ -433,10 +437,24 @@ bool QtDragSessionView::mouseDragged(const QPoint& pressPosition)
         return true;
     }
     qCInfo(lcDragSession) << "Finishing drag session";
-    // Anything but a copy took the files away from where the shelf knows them. Texts are offered as text
-    // and saved as copies: nothing is taken away, whatever the target answered.
-    const bool offeredFiles = !offered || offered->offersFiles();
-    m_delegate.didDragItems({true, 1}, action != Qt::CopyAction && offeredFiles);
+    // Anything but a copy took the files away from where the shelf knows them; a target that took only
+    // text moved nothing away, whatever it answered.
+    const auto decided = std::make_shared<bool>(false);
+    const auto decide = [self, decided](bool moved) {
+        if (self && !*decided) {
+            *decided = true;
+            self->m_delegate.didDragItems({true, 1}, moved);
+        }
+    };
+    if (action == Qt::CopyAction || !offered || offered->filesTaken()) {
+        decide(action != Qt::CopyAction);
+        return true;
+    }
+    // The drag returns at the drop, before the target asked for anything. Qt lets go of the drag's data
+    // when the target says it has finished (or gives up waiting); all it took is known by then.
+    connect(offered, &OutboundMimeData::filesWereTaken, this, [decide] { decide(true); });
+    connect(offered, &QObject::destroyed, this, [decide] { decide(false); });
+    QTimer::singleShot(dropOutcomeTimeout, this, [decide] { decide(false); });
     return true;
 }
 

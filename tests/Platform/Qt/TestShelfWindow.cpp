@@ -529,66 +529,6 @@ private Q_SLOTS:
         QCOMPARE(QByteArray::fromPercentEncoding(typeValue("text/uri-list")), uri);
     }
 
-    void textItemsGoOutAsText_data()
-    {
-        QTest::addColumn<QString>("action");
-        QTest::newRow("copied") << QStringLiteral("copy");
-        // Browsers answer "move" for text dropped in a field; the text item stays all the same.
-        QTest::newRow("moved") << QStringLiteral("move");
-    }
-
-    // A text field must get the text, not the path of the file that stands for it.
-    void textItemsGoOutAsText()
-    {
-        QFETCH(QString, action);
-        auto shelf = openShelf(QPoint(800, 420));
-        shelf->appendItems({DraggableText::make(QByteArray("Shopping list\nmilk, bread"),
-                                                QStringLiteral("text/plain"), false)});
-        const QPoint to = startTarget(action);
-        QVERIFY(!to.isNull());
-        QVERIFY(Test::runXdotool(Test::PointerScript().drag(pileCentre(*shelf), to).arguments()));
-        QVERIFY(waitForOutput(m_target, "end"));
-        QCOMPARE(QByteArray::fromPercentEncoding(typeValue("text/plain")),
-                 QByteArray("Shopping list\nmilk, bread"));
-        QVERIFY(!m_targetOutput.contains("type text/uri-list"));
-        QVERIFY(!m_targetOutput.contains("type text/x-moz-url"));
-        // A target that asks for the direct save without naming a place gets a refusal, and no file.
-        QCOMPARE(typeValue("XdndDirectSave0"), QByteArray("E"));
-        QTest::qWait(300);
-        QVERIFY(!shelf->hasStopped());
-        QCOMPARE(shelf->itemsController().items().size(), 1);
-    }
-
-    void textItemsGoToFileManagersAsFiles_data()
-    {
-        QTest::addColumn<bool>("taken");
-        QTest::newRow("new file") << false;
-        // A file of the user's by that name stays as it is.
-        QTest::newRow("name taken") << true;
-    }
-
-    // File managers take a text item's file through X Direct Save: the file appears where they ask.
-    void textItemsGoToFileManagersAsFiles()
-    {
-        QFETCH(bool, taken);
-        QTemporaryDir folder;
-        const QByteArray text = "Recipe\nflour, water, salt";
-        const auto item = DraggableText::make(text, QStringLiteral("text/plain"), false);
-        const QString saved = folder.filePath(QFileInfo(item->url()->toLocalFile()).fileName());
-        if (taken) {
-            QVERIFY(Test::writeFile(saved, "the user's own"));
-        }
-        auto shelf = openShelf(QPoint(800, 420));
-        shelf->appendItems({item});
-        const QPoint to = startProgram(m_target, QStringLiteral(XDS_TARGET_SCRIPT), {folder.path()});
-        QVERIFY(!to.isNull());
-        QVERIFY(Test::runXdotool(Test::PointerScript().drag(pileCentre(*shelf), to).arguments()));
-        QVERIFY(waitForOutput(m_target, "end"));
-        QVERIFY2(m_targetOutput.contains(taken ? " E\n" : " S\n"), m_targetOutput.constData());
-        QCOMPARE(Test::readFile(saved), taken ? QByteArray("the user's own") : text);
-        QCOMPARE(shelf->itemsController().items().size(), 1);
-    }
-
     void dragOutOffersFilesToThePortal()
     {
         qDBusRegisterMetaType<QList<QDBusUnixFileDescriptor>>();

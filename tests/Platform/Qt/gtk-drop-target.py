@@ -1,8 +1,9 @@
 #!/usr/bin/python3
 # A GTK 3 window that takes file drops as GTK programs do (it asks for text/uri-list only), for the tests
 # that drag a shelf's items out. It prints "ready X Y" (its centre in root coordinates) once placed and,
-# for a drop, "dropped ACTION", "type text/uri-list BYTES-AS-PERCENT-ENCODING" and "end".
+# for a drop, "dropped ACTION", "type TYPE BYTES-AS-PERCENT-ENCODING" and "end".
 #   --action copy|move   the action it takes
+#   --type TYPE          the one type it asks for instead, as a text field asks for text/plain
 #   --unix-time          asks for the data with the Unix time in seconds as the X time, as some file
 #                        managers do
 import argparse
@@ -22,14 +23,15 @@ def main():
     parser = argparse.ArgumentParser()
     parser.add_argument("--action", default="copy", choices=["copy", "move"])
     parser.add_argument("--unix-time", action="store_true")
+    parser.add_argument("--type", default="text/uri-list")
     options = parser.parse_args()
     action = Gdk.DragAction.MOVE if options.action == "move" else Gdk.DragAction.COPY
-    uri_list = Gdk.Atom.intern("text/uri-list", False)
+    wanted = Gdk.Atom.intern(options.type, False)
 
     window, area = make_window("GTK drop target", 1400, 60)
     # No default handling: the motion and drop answers below are the whole protocol.
     area.drag_dest_set(0, [], action)
-    area.drag_dest_set_target_list(Gtk.TargetList.new([Gtk.TargetEntry.new("text/uri-list", 0, 0)]))
+    area.drag_dest_set_target_list(Gtk.TargetList.new([Gtk.TargetEntry.new(options.type, 0, 0)]))
 
     def on_motion(_widget, context, _x, _y, time):
         Gdk.drag_status(context, action, time)
@@ -38,13 +40,13 @@ def main():
     def on_drop(widget, context, _x, _y, time):
         if options.unix_time:
             time = int(clock.time()) & 0xFFFFFFFF
-        widget.drag_get_data(context, uri_list, time)
+        widget.drag_get_data(context, wanted, time)
         return True
 
     def on_received(_widget, context, _x, _y, selection, _info, time):
         say("dropped " + options.action)
         data = selection.get_data() or b""
-        say("type text/uri-list " + urllib.parse.quote(data, safe=""))
+        say("type %s %s" % (options.type, urllib.parse.quote(data, safe="")))
         say("end")
         Gtk.drag_finish(context, bool(data), action == Gdk.DragAction.MOVE, time)
 
