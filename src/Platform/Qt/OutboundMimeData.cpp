@@ -1,7 +1,6 @@
 #include "OutboundMimeData.h"
 
 #include "Domains/DragSession/DragSessionLogging.h"
-#include "Libraries/Core/AtomicFileWriter.h"
 #include "Models/Pasteboard/PasteboardTypes.h"
 #include "Platform/DBus/FileTransferPortal.h"
 
@@ -52,29 +51,34 @@ QByteArray OutboundMimeData::saveDirectly() const
         // Asked before the target named a place (some programs fetch every type up front).
         return "E";
     }
-    const QString path = QDir::cleanPath(*destination);
+    const QString path = *destination;
     if (path == m_savedTo) {
         noteFilesTaken();
         return "S";
     }
     const QFileInfo info(path);
-    if (!info.dir().exists() || info.fileName().isEmpty() ||
-        info.fileName().startsWith(QLatin1String(".."))) {
+    // The target names the folder and the file; a name that climbs out of it or needs cleaning is no
+    // name a file manager writes.
+    if (QDir::cleanPath(path) != path || !info.isAbsolute() || path.contains(QChar(0)) ||
+        !info.dir().exists() || info.fileName().isEmpty()) {
         qCWarning(lcDragSession) << "A drop target asked to save a text to" << path
                                  << ", which is no place for it";
         return "E";
     }
-    if (info.exists() || info.isSymLink()) {
-        qCWarning(lcDragSession) << "Not saving a text over" << path << ", which exists";
-        return "E";
-    }
-    if (const auto written = AtomicFileWriter::write(path, m_directSaveContent); !written) {
+    // Created only if nothing is there, not even a dangling link: a file of the user's is never replaced.
+    QFile file(path);
+    if (!file.open(QIODevice::WriteOnly | QIODevice::NewOnly)) {
         qCWarning(lcDragSession).noquote()
-            << "Could not save a text to" << path << ":" << written.error().description();
+            << "Not saving a text to" << path << ":"
+            << (info.exists() || info.isSymLink() ? QStringLiteral("it exists") : file.errorString());
         return "E";
     }
-    // Files a drop puts in the user's folders are the user's to share as any other they make.
-    QFile::setPermissions(path, QFile::ReadOwner | QFile::WriteOwner | QFile::ReadGroup | QFile::ReadOther);
+    if (file.write(m_directSaveContent) != m_directSaveContent.size() || !file.flush()) {
+        qCWarning(lcDragSession).noquote() << "Could not save a text to" << path << ":" << file.errorString();
+        file.remove();
+        return "E";
+    }
+    file.close();
     m_savedTo = path;
     noteFilesTaken();
     return "S";

@@ -48,7 +48,15 @@ std::optional<QString> X11DirectSaveSource::destination()
     if (!value) {
         return std::nullopt;
     }
-    QUrl url = QUrl::fromEncoded(value->trimmed());
+    QByteArray uri = value->trimmed();
+    // pcmanfm ends the URI with a NUL; one inside it would cut the path short where files are opened.
+    while (uri.endsWith('\0')) {
+        uri.chop(1);
+    }
+    if (uri.contains('\0')) {
+        return std::nullopt;
+    }
+    QUrl url = QUrl::fromEncoded(uri);
     // Some file managers name this machine in the URI.
     if (url.host() == QLatin1String("localhost") || url.host() == QSysInfo::machineHostName()) {
         url.setHost(QString());

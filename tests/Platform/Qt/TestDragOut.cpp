@@ -190,15 +190,20 @@ private Q_SLOTS:
     void textsGoToFileManagersAsFiles_data()
     {
         QTest::addColumn<bool>("taken");
-        QTest::newRow("new file") << false;
+        QTest::addColumn<bool>("nul");
+        QTest::newRow("new file") << false << false;
+        // pcmanfm ends the URI it writes with a NUL.
+        QTest::newRow("new file, URI ended by a NUL") << false << true;
         // A file of the user's by that name stays as it is.
-        QTest::newRow("name taken") << true;
+        QTest::newRow("name taken") << true << false;
+        QTest::newRow("name taken, URI ended by a NUL") << true << true;
     }
 
     // File managers take a text item's file through X Direct Save: the file appears where they ask.
     void textsGoToFileManagersAsFiles()
     {
         QFETCH(bool, taken);
+        QFETCH(bool, nul);
         QTemporaryDir folder;
         const auto text = DraggableText::make(recipe, QStringLiteral("text/plain"), false);
         const QString saved = folder.filePath(QFileInfo(text->url()->toLocalFile()).fileName());
@@ -207,7 +212,9 @@ private Q_SLOTS:
         }
         auto shelf = openShelf(QPoint(800, 420));
         shelf->appendItems({text});
-        const QPoint to = startProgram(QStringLiteral(XDS_TARGET_SCRIPT), {folder.path()});
+        const QPoint to = startProgram(QStringLiteral(XDS_TARGET_SCRIPT),
+                                       nul ? QStringList{folder.path(), QStringLiteral("nul")}
+                                           : QStringList{folder.path()});
         QVERIFY(!to.isNull());
         QVERIFY(Test::runXdotool(Test::PointerScript().drag(pileCentre(*shelf), to).arguments()));
         QVERIFY(waitForOutput("end"));

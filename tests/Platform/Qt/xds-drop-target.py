@@ -4,6 +4,7 @@
 # and asks the source to save it. It prints "ready X Y" (its window's centre in root coordinates), then
 # for a drop "saved NAME ANSWER" with the source's answer ("S", "E" or "F") and "end".
 #   FOLDER   where it asks for the file
+#   nul      (optional) ends the URI with a NUL byte, as pcmanfm does
 import os
 import sys
 import urllib.parse
@@ -16,7 +17,7 @@ def say(line):
     print(line, flush=True)
 
 
-def main(folder):
+def main(folder, nul):
     d = display.Display()
     root = d.screen().root
     atom = {name: d.intern_atom(name) for name in (
@@ -50,7 +51,8 @@ def main(folder):
             name = source.get_full_property(atom["XdndDirectSave0"], X.AnyPropertyType)
             name = name.value.decode() if name else ""
             uri = "file://" + urllib.parse.quote(os.path.join(folder, name))
-            source.change_property(atom["XdndDirectSave0"], atom["text/plain"], 8, uri.encode())
+            source.change_property(atom["XdndDirectSave0"], atom["text/plain"], 8,
+                                   uri.encode() + (b"\0" if nul else b""))
             window.convert_selection(atom["XdndSelection"], atom["XdndDirectSave0"], atom["XDS_ANSWER"], time)
             d.flush()
             answer = ""
@@ -72,4 +74,4 @@ def main(folder):
 
 
 if __name__ == "__main__":
-    main(sys.argv[1])
+    main(sys.argv[1], sys.argv[2:] == ["nul"])
