@@ -8,7 +8,8 @@ build_packages=(
     libx11-dev libxi-dev libxfixes-dev libx11-xcb-dev libxcb1-dev
     qt6-qpa-plugins libqt6svg6
 )
-test_packages=(xvfb xauth openbox xdotool x11-utils dbus-daemon dbus-x11 libglib2.0-bin python3-gi gir1.2-gtk-3.0 python3-xlib)
+test_packages=(xvfb xauth openbox xdotool x11-utils dbus-daemon dbus-x11 libglib2.0-bin python3-gi gir1.2-gtk-3.0 python3-xlib
+    chromium)
 
 wanted=("${build_packages[@]}")
 for group in "$@"; do
