@@ -55,19 +55,19 @@ public:
     bool hasPermanentCloseButton() const override { return m_permanentClose; }
     void updateHoverState(bool) override {}
     void playAttentionAnimation() override { ++m_attentionCount; }
-    DragSessionActionState shareState() const override { return m_shareState; }
     void setShareState(const DragSessionActionState& state) override { m_shareState = state; }
+    void refreshDraggable(const DraggablePtr& draggable) override { m_refreshed.append(draggable); }
+    void endInboundDrop() override { ++m_dropsEnded; }
     bool hasDraggedOutItems() const override { return m_draggedOut; }
-    bool isDragInProgress() const override { return m_dragInProgress; }
-    bool isAsyncDragInProgress() const override { return false; }
 
     DraggableList m_shown;
     DragSessionLabel m_label;
     bool m_permanentClose = false;
     int m_attentionCount = 0;
     DragSessionActionState m_shareState;
+    DraggableList m_refreshed;
+    int m_dropsEnded = 0;
     bool m_draggedOut = false;
-    bool m_dragInProgress = false;
 };
 
 class FakeShelfInterface final : public DragSessionUserInterface {

@@ -293,7 +293,7 @@ int main(int argc, char* argv[])
 
     std::printf("drop_1000_to_view_ms %.1f ms\n", dropTime);
     std::printf("drop_1000_work_ms %.1f ms\n",
-                dropTime - DragSessionInboundDropView::efficiencyModeReadDelay * 1000.0);
+                dropTime - DragSessionDropIntake::efficiencyModeReadDelay * 1000.0);
     std::printf("shelf_1000_rss_mb %.1f MB\n", held);
     std::printf("shake_to_shelf_ms %.1f ms\n", shake);
     return 0;

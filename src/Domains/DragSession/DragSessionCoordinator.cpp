@@ -6,6 +6,7 @@
 #include "Libraries/Core/Localized.h"
 #include "MessageWindowCenter.h"
 #include "Models/Draggable/DraggableFile.h"
+#include "Models/Draggable/DraggablePromise.h"
 #include "PersistentDragSession.h"
 #include "PersistentDragSessionStore.h"
 #include "Preferences/Preferences.h"
@@ -53,6 +54,7 @@ DragSessionCoordinator::DragSessionCoordinator(DragSessionSource source, const D
     , m_clock(dependencies.clock)
     , m_itemsController(std::move(itemsController))
     , m_pasteboardController(dependencies.clipboard)
+    , m_dropIntake(dependencies.clock)
     , m_saveThrottler(saveDelay, DispatchQueue::main(), dependencies.clock)
 {
     auto parts = dependencies.userInterface.makeShelf(*this, DragSessionWindowPlacement::defaultSize);
@@ -75,6 +77,15 @@ DragSessionCoordinator::DragSessionCoordinator(DragSessionSource source, const D
             &DragSessionCoordinator::handleDeletedItems);
     connect(m_itemsController.get(), &DragSessionItemsController::itemChanged, this,
             &DragSessionCoordinator::handleChangedItem);
+    connect(&m_dropIntake, &DragSessionDropIntake::largeDropRead, this,
+            [this](const DraggableList& files, quint64 sequenceNumber) {
+                // Judged against what the shelf holds now, not when the drop began.
+                if (auto rejection = DragSessionDropIntake::validate(m_itemsController->items(), files)) {
+                    concludeDrop({*rejection, sequenceNumber});
+                } else {
+                    concludeDrop({files, sequenceNumber});
+                }
+            });
 }
 
 DragSessionCoordinator::~DragSessionCoordinator()
@@ -277,20 +288,94 @@ void DragSessionCoordinator::prepareActionsIfNeeded(const DraggableList& items)
     m_preparedItemsCount = items.size();
 }
 
-void DragSessionCoordinator::didBeginDragging(bool inbound)
+bool DragSessionCoordinator::shouldAcceptDrag(const QMimeData& data)
 {
-    if (inbound && m_preferences.value(PreferenceKeys::shelfRetractionEnabled, false) &&
+    if (!m_dropIntake.enter(data)) {
+        return false;
+    }
+    if (m_preferences.value(PreferenceKeys::shelfRetractionEnabled, false) &&
         m_itemsController->items().isEmpty()) {
         m_retractOnItemDrop = true;
     }
+    return true;
 }
 
-void DragSessionCoordinator::didConcludeDrop(const DraggableList& draggables)
+void DragSessionCoordinator::didExitDrag()
 {
-    appendItems(draggables);
-    // What the shelf shows after a drop is the items, not an old message.
-    m_messages.hide(m_window->windowNumber());
-    throttleSave();
+    if (m_dropIntake.exit()) {
+        // The drag went elsewhere: nothing to save, but what waited for its drop is over.
+        didDragItems({false, DragEvent::Kind::passedBy}, false);
+    }
+}
+
+bool DragSessionCoordinator::isReceivingDrop() const
+{
+    return m_dropIntake.isDraggingEntered() || m_dropIntake.isDragInProgress();
+}
+
+bool DragSessionCoordinator::didDrop(const InboundDrop& drop)
+{
+    if (!m_dropIntake.isDraggingEntered()) {
+        return false;
+    }
+    const std::optional<DragSessionDropIntake::Outcome> outcome = m_dropIntake.drop(
+        drop.data, drop.directSaveName, drop.promiseFactory,
+        m_preferences.value(PreferenceKeys::draggableTextForcesPlainText, false), m_itemsController->items());
+    // A large drop is taken now and read in a moment.
+    return !outcome || concludeDrop(*outcome);
+}
+
+bool DragSessionCoordinator::concludeDrop(const DragSessionDropIntake::Outcome& outcome)
+{
+    const QPointer<DragSessionCoordinator> self(this);
+    const auto* draggables = std::get_if<DraggableList>(&outcome.value);
+    if (draggables) {
+        appendItems(*draggables);
+        // What the shelf shows after a drop is the items, not an old message.
+        m_messages.hide(m_window->windowNumber());
+        throttleSave();
+        receivePromises(*draggables, outcome.sequenceNumber);
+    } else {
+        showDropFailure(std::get<DragSessionDropIntake::Rejection>(outcome.value));
+    }
+    if (self) {
+        m_dropIntake.finish();
+        m_view->endInboundDrop();
+    }
+    return draggables != nullptr;
+}
+
+void DragSessionCoordinator::receivePromises(const DraggableList& draggables, quint64 sequenceNumber)
+{
+    for (const DraggablePtr& draggable : draggables) {
+        const auto promise = std::dynamic_pointer_cast<DraggablePromise>(draggable);
+        if (!promise) {
+            continue;
+        }
+        std::weak_ptr<DraggablePromise> weak = promise;
+        promise->onReceives([self = QPointer(this), weak](const Draggable::ResolveResult& result) {
+            const auto received = weak.lock();
+            if (!self || !received) {
+                return;
+            }
+            if (!result) {
+                qCWarning(lcDragSession).noquote()
+                    << QStringLiteral("Failed to receive promise with error ") + result.error().description;
+                self->failReceiving(received, result.error());
+                return;
+            }
+            DraggableList additional;
+            for (const auto& file : received->additionalDraggables()) {
+                additional.append(file);
+            }
+            if (!additional.isEmpty()) {
+                self->appendItems(additional);
+                self->throttleSave();
+            }
+            self->m_view->refreshDraggable(received);
+        });
+        promise->receiveFiles(sequenceNumber);
+    }
 }
 
 void DragSessionCoordinator::didDragItems(const DragEvent& event, bool hasMoved)
@@ -311,10 +396,10 @@ void DragSessionCoordinator::didDragItems(const DragEvent& event, bool hasMoved)
         const int drops = m_preferences.value(PreferenceKeys::numberOfDrops, 0) + 1;
         m_preferences.setValue(PreferenceKeys::numberOfDrops, drops);
     } else {
-        if (event.kind == 1 && m_retractOnItemDrop) {
+        if (event.kind == DragEvent::Kind::ended && m_retractOnItemDrop) {
             m_window->retract();
         }
-        if (event.kind != 2) {
+        if (event.kind != DragEvent::Kind::passedBy) {
             throttleSave();
         }
         m_messages.hide(m_window->windowNumber());
@@ -322,13 +407,11 @@ void DragSessionCoordinator::didDragItems(const DragEvent& event, bool hasMoved)
     m_retractOnItemDrop = false;
 }
 
-void DragSessionCoordinator::didFailDraggingItems(bool outbound, const DragError& error, int rejectedCount)
+void DragSessionCoordinator::showDropFailure(const DragSessionDropIntake::Rejection& rejection)
 {
+    const DragError& error = rejection.error;
+    const int rejectedCount = rejection.count;
     m_retractOnItemDrop = false;
-    if (outbound) {
-        qCInfo(lcDragSession) << "Bailing out as this is an outbound drag session (nothing to do)";
-        return;
-    }
     qCInfo(lcDragSession) << "Showing mesages controller...";
     const bool hasItems = !m_itemsController->items().isEmpty();
     QString text;
@@ -356,7 +439,7 @@ void DragSessionCoordinator::didFailDraggingItems(bool outbound, const DragError
 
 void DragSessionCoordinator::didSelectCloseButton(bool alternateModifier)
 {
-    if (alternateModifier && m_view->shareState().isNone()) {
+    if (alternateModifier && m_shareState.isNone()) {
         clear();
         m_view->setHasPermanentCloseButton(true);
         m_view->removeAllDraggables(true);
@@ -386,9 +469,9 @@ void DragSessionCoordinator::didSelectRestoreButton()
     appendItems(*draggables, true);
 }
 
-void DragSessionCoordinator::didFailReceivingDraggable(const DraggablePtr& draggable,
-                                                       const DraggableError& error)
+void DragSessionCoordinator::failReceiving(const DraggablePtr& draggable, const DraggableError& error)
 {
+    m_view->removeDraggable(draggable);
     m_itemsController->remove(draggable);
     throttleSave();
     // The item vanishes from the pile; say why, or it looks as if the drop was lost.
@@ -450,6 +533,12 @@ void DragSessionCoordinator::replaceContent(const QList<QUrl>& urls)
     qCInfo(lcDragSession).noquote()
         << QStringLiteral("Reloading content with %1 items...").arg(draggables.size());
     appendItems(draggables);
+}
+
+void DragSessionCoordinator::setShareState(const DragSessionActionState& state)
+{
+    m_shareState = state;
+    m_view->setShareState(state);
 }
 
 void DragSessionCoordinator::showMessage(const QString& text, Message::Icon icon, double duration)

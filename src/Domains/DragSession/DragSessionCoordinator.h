@@ -1,5 +1,7 @@
 #pragma once
 
+#include "DragSessionActionState.h"
+#include "DragSessionDropIntake.h"
 #include "DragSessionItemsController.h"
 #include "DragSessionLabel.h"
 #include "DragSessionPasteboardController.h"
@@ -89,22 +91,36 @@ public:
     void replaceContent(const QList<QUrl>& urls);
     void playAttention();
 
+    // What the shelf shows about an action or upload in progress.
+    const DragSessionActionState& shareState() const { return m_shareState; }
+    void setShareState(const DragSessionActionState& state);
+
+    // A drag is over the shelf and taken in, or its drop is being read.
+    bool isReceivingDrop() const;
+    // A large drop is being read in the background; the shelf must stay until it is.
+    bool isReadingDropInBackground() const { return m_dropIntake.isAsyncDragInProgress(); }
+
     // The order-independent hash of the item identifiers the action machinery was last prepared for.
     std::optional<size_t> preparedItemsHash() const { return m_preparedItemsHash; }
 
     // DragSessionViewDelegate
-    void didBeginDragging(bool inbound) override;
-    void didConcludeDrop(const DraggableList& draggables) override;
+    bool shouldAcceptDrag(const QMimeData& data) override;
+    void didExitDrag() override;
+    bool didDrop(const InboundDrop& drop) override;
     void didDragItems(const DragEvent& event, bool hasMoved) override;
-    void didFailDraggingItems(bool outbound, const DragError& error, int rejectedCount) override;
     void didSelectCloseButton(bool alternateModifier) override;
     void didSelectRestoreButton() override;
-    void didFailReceivingDraggable(const DraggablePtr& draggable, const DraggableError& error) override;
 
 Q_SIGNALS:
     void labelChanged();
 
 private:
+    // Takes a read drop's items, or says why it took none; then the drop is over.
+    bool concludeDrop(const DragSessionDropIntake::Outcome& outcome);
+    void showDropFailure(const DragSessionDropIntake::Rejection& rejection);
+    // Starts fetching the files that promises of a drop stand for.
+    void receivePromises(const DraggableList& draggables, quint64 sequenceNumber);
+    void failReceiving(const DraggablePtr& draggable, const DraggableError& error);
     void refreshLabel();
     void scheduleItemsUpdate();
     void itemsUpdate();
@@ -129,6 +145,8 @@ private:
     std::unique_ptr<DragSessionWindow> m_window;
     std::unique_ptr<DragSessionView> m_view;
     DragSessionPasteboardController m_pasteboardController;
+    DragSessionDropIntake m_dropIntake;
+    DragSessionActionState m_shareState;
     std::optional<QString> m_pendingInstantAction;
     bool m_supressItemPreparationOnItemsUpdate = false;
     bool m_retractOnItemDrop = false;

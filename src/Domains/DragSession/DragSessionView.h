@@ -1,9 +1,15 @@
 #pragma once
 
-#include "DragError.h"
 #include "DragSessionActionState.h"
+#include "DragSessionDropIntake.h"
 #include "DragSessionLabel.h"
 #include "Models/Draggable/Draggable.h"
+
+#include <functional>
+#include <optional>
+#include <QByteArray>
+
+class QMimeData;
 
 namespace Vantrope {
 
@@ -23,14 +29,14 @@ public:
     virtual bool hasPermanentCloseButton() const = 0;
     virtual void updateHoverState(bool hovering) = 0;
     virtual void playAttentionAnimation() = 0;
-    virtual DragSessionActionState shareState() const = 0;
     virtual void setShareState(const DragSessionActionState& state) = 0;
+    // The item changed in place (a promised file arrived): its picture and the caption are redone.
+    virtual void refreshDraggable(const DraggablePtr& draggable) = 0;
+    // The drop that came in has been dealt with, taken or not: the shelf stops showing it as a target.
+    virtual void endInboundDrop() = 0;
 
     // Items dragged out of the shelf right now.
     virtual bool hasDraggedOutItems() const = 0;
-    // A drop into the shelf is being read.
-    virtual bool isDragInProgress() const = 0;
-    virtual bool isAsyncDragInProgress() const = 0;
 };
 
 // What a shelf view reports; the shelf's coordinator answers.
@@ -38,23 +44,36 @@ class DragSessionViewDelegate {
 public:
     // How a drag that touched the shelf ended.
     struct DragEvent {
+        enum class Kind {
+            // A drag ended: out of the shelf, or a drop into it that added nothing.
+            ended,
+            // A drag passed over the shelf and left; nothing changed that needs saving.
+            passedBy,
+        };
         // An outbound drag ended in a drop somewhere.
         bool endedInDrop = false;
-        // 1: a drag ended (out of the shelf, or a drop into it that added nothing); 2: a drag that must
-        // not cause a save.
-        int kind = 1;
+        Kind kind = Kind::ended;
+    };
+
+    // A drop as the window system delivers it. Valid only while the drop is being handled.
+    struct InboundDrop {
+        const QMimeData& data;
+        // The file name a direct save source proposes, where it proposes one.
+        std::optional<QByteArray> directSaveName;
+        // What fetches the drop's promised files, for the drop's sequence number.
+        std::function<DragSessionDropIntake::PromiseTransportFactory(quint64)> promiseFactory;
     };
 
     virtual ~DragSessionViewDelegate() = default;
-    virtual void didBeginDragging(bool inbound) = 0;
-    // A drop that passed validation; the coordinator takes the items.
-    virtual void didConcludeDrop(const DraggableList& draggables) = 0;
+    // A drag from elsewhere entered the shelf; false turns it away.
+    virtual bool shouldAcceptDrag(const QMimeData& data) = 0;
+    // The drag that was taken in left without a drop.
+    virtual void didExitDrag() = 0;
+    // The drop of a drag that was taken in; true when the shelf takes it, now or once it has been read.
+    virtual bool didDrop(const InboundDrop& drop) = 0;
     virtual void didDragItems(const DragEvent& event, bool hasMoved) = 0;
-    virtual void didFailDraggingItems(bool outbound, const DragError& error, int rejectedCount) = 0;
     virtual void didSelectCloseButton(bool alternateModifier) = 0;
     virtual void didSelectRestoreButton() = 0;
-    // A promise whose file never came; the view has let go of it.
-    virtual void didFailReceivingDraggable(const DraggablePtr& draggable, const DraggableError& error) = 0;
 };
 
 } // namespace Vantrope

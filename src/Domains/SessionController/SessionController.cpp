@@ -143,8 +143,8 @@ bool SessionController::isClosable(const DragSessionCoordinator& coordinator, Cl
 {
     switch (filter) {
     case CloseFilter::empty:
-        return !coordinator.pendingInstantAction() && !coordinator.view().isDragInProgress() &&
-               !coordinator.view().isAsyncDragInProgress() && !coordinator.view().hasDraggedOutItems() &&
+        return !coordinator.pendingInstantAction() && !coordinator.isReceivingDrop() &&
+               !coordinator.isReadingDropInBackground() && !coordinator.view().hasDraggedOutItems() &&
                coordinator.itemsController().items().isEmpty();
     case CloseFilter::withItems:
         return !coordinator.itemsController().items().isEmpty();
@@ -287,7 +287,7 @@ void SessionController::handleScreenshot(const QUrl& url)
         QStringLiteral("append")) {
         for (const auto& coordinator : coordinators()) {
             if (coordinator->tag() == screenshotShelfTag && coordinator->window().alphaValue() != 0 &&
-                !coordinator->window().isRetracted() && coordinator->view().shareState().isNone() &&
+                !coordinator->window().isRetracted() && coordinator->shareState().isNone() &&
                 !coordinator->isStopping()) {
                 target = coordinator;
                 break;

@@ -80,7 +80,7 @@ QtDragSessionView::QtDragSessionView(const Dependencies& dependencies, QWidget* 
     setAttribute(Qt::WA_TranslucentBackground);
     setMouseTracking(true);
 
-    m_dropView = new DragSessionInboundDropView(dependencies.preferences, dependencies.clock, this);
+    m_dropView = new DragSessionInboundDropView(m_delegate, this);
     m_stack = new DragSessionStackView(m_dropView);
     m_closeButton = new DragSessionButton(DragSessionButton::Glyph::close, m_dropView);
     m_restoreButton = new DragSessionButton(DragSessionButton::Glyph::restore, m_dropView);
@@ -90,28 +90,12 @@ QtDragSessionView::QtDragSessionView(const Dependencies& dependencies, QWidget* 
     m_restoreButton->setToolTip(Localized("shelf.restore.tooltip", "Bring Back the Last Shelf"));
 
     m_dropView->setOwnDragSource(m_stack);
-    m_dropView->setShelfItemsProvider([this] { return m_stack->draggables(); });
     m_dropView->setCanDragHandler([this] { return m_interactionEnabled; });
     connect(m_dropView, &DragSessionInboundDropView::willBeginDragging, this, [this] {
         m_highlighted = true;
         updateChrome();
-        m_delegate.didBeginDragging(true);
     });
-    connect(m_dropView, &DragSessionInboundDropView::exited, this, [this] {
-        m_highlighted = false;
-        updateChrome();
-        // The drag went elsewhere: nothing to save, but what waited for its drop is over.
-        m_delegate.didDragItems({false, 2}, false);
-    });
-    connect(m_dropView, &DragSessionInboundDropView::failed, this,
-            [this](const DragError& error, int rejectedCount) {
-                m_delegate.didFailDraggingItems(false, error, rejectedCount);
-            });
-    connect(m_dropView, &DragSessionInboundDropView::concluded, this, &QtDragSessionView::concludeDrop);
-    connect(m_dropView, &DragSessionInboundDropView::ended, this, [this] {
-        m_highlighted = false;
-        updateChrome();
-    });
+    connect(m_dropView, &DragSessionInboundDropView::exited, this, &QtDragSessionView::endInboundDrop);
 
     connect(m_stack, &DragSessionStackView::dragRequested, this, &QtDragSessionView::mouseDragged);
     connect(m_stack, &DragSessionStackView::countChanged, this, [this] {
@@ -155,16 +139,6 @@ QtDragSessionView::~QtDragSessionView()
 const DraggableList& QtDragSessionView::draggables() const
 {
     return m_stack->draggables();
-}
-
-bool QtDragSessionView::isDragInProgress() const
-{
-    return m_dropView->isDraggingEntered() || m_dropView->isDragInProgress();
-}
-
-bool QtDragSessionView::isAsyncDragInProgress() const
-{
-    return m_dropView->isAsyncDragInProgress();
 }
 
 void QtDragSessionView::addDraggables(const DraggableList& draggables, bool isRestoration)
@@ -325,53 +299,29 @@ void QtDragSessionView::hideMessage(quint64 windowNumber)
     }
 }
 
-void QtDragSessionView::concludeDrop(const DragSessionInboundDropView::ConcludeDropEvent& event)
+void QtDragSessionView::endInboundDrop()
 {
-    m_delegate.didConcludeDrop(event.draggables);
-    receivePromises(event.draggables, event.draggingSequenceNumber);
+    m_highlighted = false;
+    updateChrome();
 }
 
-void QtDragSessionView::receivePromises(const DraggableList& draggables,
-                                        std::optional<quint64> sequenceNumber)
+void QtDragSessionView::refreshDraggable(const DraggablePtr& draggable)
 {
-    const QSize pictureSize = (DragSessionStackView::itemSize * devicePixelRatioF()).toSize();
-    for (const DraggablePtr& draggable : draggables) {
-        const auto promise = std::dynamic_pointer_cast<DraggablePromise>(draggable);
-        if (!promise) {
-            continue;
-        }
-        std::weak_ptr<DraggablePromise> weak = promise;
-        promise->onReceives([self = QPointer(this), weak,
-                             pictureSize](const Draggable::ResolveResult& result) {
-            const auto received = weak.lock();
-            if (!self || !received) {
-                return;
-            }
-            if (!result) {
-                qCWarning(lcDragSession).noquote()
-                    << QStringLiteral("Failed to receive promise with error ") + result.error().description;
-                self->m_stack->removeDraggable(received);
-                self->m_delegate.didFailReceivingDraggable(received, result.error());
-                return;
-            }
-            DraggableList additional;
-            for (const auto& file : received->additionalDraggables()) {
-                additional.append(file);
-            }
-            if (!additional.isEmpty()) {
-                self->m_delegate.didConcludeDrop(additional);
-            }
-            self->m_stack->refreshDraggable(received);
-            self->updateCaption();
-            received->makeCachedImage(pictureSize,
-                                      [self, weak](std::expected<void, DraggablePromise::ImageError>) {
-                                          if (const auto item = weak.lock(); self && item) {
-                                              self->m_stack->refreshDraggable(item);
-                                          }
-                                      });
-        });
-        promise->receiveFiles(sequenceNumber);
+    m_stack->refreshDraggable(draggable);
+    updateCaption();
+    const auto promise = std::dynamic_pointer_cast<DraggablePromise>(draggable);
+    if (!promise) {
+        return;
     }
+    // The file has come: its picture now shows what it is.
+    const QSize pictureSize = (DragSessionStackView::itemSize * devicePixelRatioF()).toSize();
+    std::weak_ptr<DraggablePromise> weak = promise;
+    promise->makeCachedImage(
+        pictureSize, [self = QPointer(this), weak](std::expected<void, DraggablePromise::ImageError>) {
+            if (const auto item = weak.lock(); self && item) {
+                self->m_stack->refreshDraggable(item);
+            }
+        });
 }
 
 bool QtDragSessionView::mouseDragged(const QPoint& pressPosition)
@@ -443,7 +393,7 @@ bool QtDragSessionView::mouseDragged(const QPoint& pressPosition)
     const auto decide = [self, decided](bool moved) {
         if (self && !*decided) {
             *decided = true;
-            self->m_delegate.didDragItems({true, 1}, moved);
+            self->m_delegate.didDragItems({true, DragSessionViewDelegate::DragEvent::Kind::ended}, moved);
         }
     };
     if (action == Qt::CopyAction || !offered || offered->filesTaken()) {

@@ -47,11 +47,10 @@ public:
     bool hasPermanentCloseButton() const override { return m_permanentClose; }
     void updateHoverState(bool hovering) override;
     void playAttentionAnimation() override;
-    DragSessionActionState shareState() const override { return m_shareState; }
     void setShareState(const DragSessionActionState& state) override;
+    void refreshDraggable(const DraggablePtr& draggable) override;
+    void endInboundDrop() override;
     bool hasDraggedOutItems() const override { return m_hasDraggedOutItems; }
-    bool isDragInProgress() const override;
-    bool isAsyncDragInProgress() const override;
 
     // Off while a search or panel covers the shelf: nothing can be dragged out then.
     void setInteractionEnabled(bool enabled) { m_interactionEnabled = enabled; }
@@ -89,8 +88,6 @@ private:
     void updateChrome();
     void showMessage(quint64 windowNumber, const Message& message);
     void hideMessage(quint64 windowNumber);
-    void concludeDrop(const DragSessionInboundDropView::ConcludeDropEvent& event);
-    void receivePromises(const DraggableList& draggables, std::optional<quint64> sequenceNumber);
     // The title and subtitle under the pile, worked out when the items or the label change: naming the
     // kinds of items looks at the files, too slow for every frame of an animation.
     void updateCaption();
@@ -110,6 +107,7 @@ private:
     DragSessionLabel m_label;
     QString m_title;
     QString m_subtitle;
+    // What the share panel shows; it covers the pile, so nothing is dragged out from under it.
     DragSessionActionState m_shareState;
     bool m_permanentClose = false;
     bool m_hovering = false;

@@ -1,6 +1,7 @@
 #include "Domains/DragSession/DraggablePasteboardReader.h"
-#include "Domains/DragSession/DragSessionDropValidator.h"
+#include "Domains/DragSession/DragSessionDropIntake.h"
 #include "Domains/DragSession/DragSessionPasteboardController.h"
+#include "Libraries/Core/ManualClock.h"
 #include "Models/Draggable/DraggableFile.h"
 #include "Models/Draggable/DraggableText.h"
 #include "Models/Draggable/DraggableWeblocation.h"
@@ -9,6 +10,7 @@
 
 #include <QDir>
 #include <QFile>
+#include <QMimeData>
 #include <QTemporaryDir>
 #include <QTest>
 
@@ -108,24 +110,31 @@ private Q_SLOTS:
         QTest::addColumn<QStringList>("shelf");
         QTest::addColumn<QStringList>("dropped");
         QTest::addColumn<std::optional<DragError>>("expected");
+        QTest::addColumn<int>("rejectedCount");
+        using Type = DragError::RejectionType;
         // Entries are file names in the test folder, or "text:" followed by a text.
         QTest::newRow("nothing dropped")
-            << QStringList{} << QStringList{} << std::optional(DragError::other());
-        QTest::newRow("one empty file")
-            << QStringList{} << QStringList{QStringLiteral("empty.txt")}
-            << std::optional(DragError::rejected(DragError::RejectionType::empty));
+            << QStringList{} << QStringList{} << std::optional(DragError::other()) << 0;
+        QTest::newRow("one empty file") << QStringList{} << QStringList{QStringLiteral("empty.txt")}
+                                        << std::optional(DragError::rejected(Type::empty)) << 1;
         QTest::newRow("empty file with a text")
             << QStringList{} << QStringList{QStringLiteral("empty.txt"), QStringLiteral("text:hello there")}
-            << std::optional<DragError>();
+            << std::optional<DragError>() << 0;
         QTest::newRow("empty file with a full one")
             << QStringList{} << QStringList{QStringLiteral("empty.txt"), QStringLiteral("report.txt")}
-            << std::optional<DragError>();
+            << std::optional<DragError>() << 0;
         QTest::newRow("one already held refuses the whole drop")
             << QStringList{QStringLiteral("report.txt")}
             << QStringList{QStringLiteral("new.txt"), QStringLiteral("report.txt")}
-            << std::optional(DragError::rejected(DragError::RejectionType::existing));
+            << std::optional(DragError::rejected(Type::existing)) << 1;
+        QTest::newRow("held and empty files together")
+            << QStringList{QStringLiteral("report.txt")}
+            << QStringList{QStringLiteral("empty.txt"), QStringLiteral("report.txt"),
+                           QStringLiteral("new.txt")}
+            << std::optional(DragError::rejected(Type::combined)) << 2;
         QTest::newRow("new items") << QStringList{QStringLiteral("report.txt")}
-                                   << QStringList{QStringLiteral("new.txt")} << std::optional<DragError>();
+                                   << QStringList{QStringLiteral("new.txt")} << std::optional<DragError>()
+                                   << 0;
     }
 
     void validation()
@@ -133,8 +142,58 @@ private Q_SLOTS:
         QFETCH(QStringList, shelf);
         QFETCH(QStringList, dropped);
         QFETCH(std::optional<DragError>, expected);
+        QFETCH(int, rejectedCount);
         writeFile(QStringLiteral("new.txt"), "new");
-        QCOMPARE(DragSessionDropValidator::validateDrop(make(shelf), make(dropped)), expected);
+        const auto rejection = DragSessionDropIntake::validate(make(shelf), make(dropped));
+        QCOMPARE(rejection ? std::optional(rejection->error) : std::nullopt, expected);
+        QCOMPARE(rejection ? rejection->count : 0, rejectedCount);
+    }
+
+    void dropsAreReadNowOrLater_data()
+    {
+        QTest::addColumn<int>("count");
+        QTest::addColumn<bool>("later");
+        QTest::newRow("29 files, read at the drop") << 29 << false;
+        QTest::newRow("30 files, read after a pause") << 30 << true;
+    }
+
+    void dropsAreReadNowOrLater()
+    {
+        QFETCH(int, count);
+        QFETCH(bool, later);
+        QList<QUrl> urls;
+        for (int i = 0; i < count; ++i) {
+            const QString name = QStringLiteral("many-%1.txt").arg(i);
+            writeFile(name, name.toUtf8());
+            urls.append(QUrl::fromLocalFile(m_dir.filePath(name)));
+        }
+        QMimeData data;
+        data.setUrls(urls);
+        ManualClock clock;
+        DragSessionDropIntake intake(clock);
+        QList<qsizetype> read;
+        connect(&intake, &DragSessionDropIntake::largeDropRead, this,
+                [&read](const DraggableList& files) { read.append(files.size()); });
+        QVERIFY(intake.enter(data));
+        QCOMPARE(intake.isEfficiencyModeActive(), later);
+        const auto outcome = intake.drop(data, std::nullopt, {}, false, {});
+        QCOMPARE(outcome.has_value(), !later);
+        QVERIFY(intake.isDragInProgress());
+        if (!later) {
+            QCOMPARE(std::get<DraggableList>(outcome->value).size(), count);
+            return;
+        }
+        // Nothing more comes in while the large drop waits to be read.
+        QVERIFY(!intake.enter(data));
+        clock.advance(DragSessionDropIntake::efficiencyModeReadDelay - 0.01);
+        QCoreApplication::processEvents();
+        QCOMPARE(read.size(), 0);
+        clock.advance(0.02);
+        QTRY_COMPARE(read.size(), 1);
+        QCOMPARE(read.first(), count);
+        intake.finish();
+        QVERIFY(!intake.isAsyncDragInProgress());
+        QVERIFY(intake.enter(data));
     }
 
     void clipboardIsCachedPerChange()

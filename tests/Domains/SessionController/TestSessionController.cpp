@@ -4,12 +4,15 @@
 #include "Libraries/Core/ManualClock.h"
 #include "Models/Draggable/DraggableFile.h"
 #include "Models/Draggable/DraggablePromise.h"
+#include "Models/Draggable/FilePromiseTransport.h"
+#include "Models/Pasteboard/PasteboardTypes.h"
 #include "Preferences/MemoryPreferenceStorage.h"
 #include "Preferences/Preferences.h"
 #include "support/FakeShelfInterface.h"
 #include "support/TestSupport.h"
 
 #include <QFile>
+#include <QMimeData>
 #include <QSignalSpy>
 #include <QTemporaryDir>
 #include <QTest>
@@ -98,7 +101,10 @@ private Q_SLOTS:
         } else if (state == QStringLiteral("instant")) {
             shelf->setPendingInstantAction(QStringLiteral("mail"));
         } else if (state == QStringLiteral("reading")) {
-            m_ui->m_views.first()->m_dragInProgress = true;
+            // A drag over the shelf was taken in; its drop has not come yet.
+            QMimeData data;
+            data.setUrls({*file(QStringLiteral("coming.txt"))->url()});
+            QVERIFY(shelf->shouldAcceptDrag(data));
         } else if (state == QStringLiteral("items")) {
             shelf->appendItems({file(QStringLiteral("kept.txt"))});
         }
@@ -163,17 +169,64 @@ private Q_SLOTS:
         label.pinned = true;
         shelf->setLabel(label);
 
-        shelf->didDragItems({endedInDrop, 1}, hasMoved);
+        shelf->didDragItems({endedInDrop, DragSessionViewDelegate::DragEvent::Kind::ended}, hasMoved);
         QTRY_COMPARE(shelf->hasStopped(), closes);
         QCOMPARE(m_preferences->value(PreferenceKeys::numberOfDrops, 0), drops);
         QCOMPARE(m_controller->coordinators().size(), closes ? 0 : 1);
+    }
+
+    void promisedFilesArriveOrLeaveWithAMessage_data()
+    {
+        QTest::addColumn<bool>("delivered");
+        QTest::newRow("delivered") << true;
+        QTest::newRow("never came") << false;
+    }
+
+    // A drop of a promise: the shelf holds it at once and fetches the file; what becomes of the item
+    // once the source has answered is the shelf's to decide, not its window's.
+    void promisedFilesArriveOrLeaveWithAMessage()
+    {
+        QFETCH(bool, delivered);
+        auto shelf = m_controller->startSession(DragSessionSource::MenuBar{});
+        auto* view = m_ui->m_views.first();
+        QMimeData data;
+        data.setData(PasteboardTypes::directSave, QByteArray());
+        QVERIFY(shelf->shouldAcceptDrag(data));
+        std::optional<quint64> fetchedFor;
+        const auto factory = [&](quint64 sequenceNumber) -> DragSessionDropIntake::PromiseTransportFactory {
+            fetchedFor = sequenceNumber;
+            return
+                [delivered](const PasteboardItem&) { return std::make_unique<OneFileTransport>(delivered); };
+        };
+        QVERIFY(shelf->didDrop({data, QByteArray("promised.txt"), factory}));
+        QVERIFY(fetchedFor);
+        QCOMPARE(view->m_dropsEnded, 1);
+        QCOMPARE(shelf->itemsController().items().size(), 1);
+        const DraggablePtr promise = shelf->itemsController().items().first();
+
+        if (delivered) {
+            QTRY_COMPARE(view->m_refreshed, DraggableList{promise});
+            QVERIFY(promise->isReady());
+            QCOMPARE(shelf->itemsController().items(), DraggableList{promise});
+            QVERIFY(!m_messages->hasMessage(shelf->window().windowNumber()));
+        } else {
+            // The item goes from the shelf and its window, and the shelf says why.
+            QTRY_VERIFY(shelf->itemsController().items().isEmpty());
+            QVERIFY(!view->m_shown.contains(promise));
+            QVERIFY(m_messages->hasMessage(shelf->window().windowNumber()));
+            QVERIFY(view->m_refreshed.isEmpty());
+        }
     }
 
     void failedDropKeepsTheShelfAndOffersClose()
     {
         auto shelf = m_controller->startSession(DragSessionSource::Gesture{});
         QVERIFY(!m_ui->m_views.first()->m_permanentClose);
-        shelf->didFailDraggingItems(false, DragError::rejected(DragError::RejectionType::empty), 1);
+        QMimeData data;
+        QVERIFY(Test::writeFile(m_dir->filePath(QStringLiteral("empty.txt")), QByteArray()));
+        data.setUrls({QUrl::fromLocalFile(m_dir->filePath(QStringLiteral("empty.txt")))});
+        QVERIFY(shelf->shouldAcceptDrag(data));
+        QVERIFY(!shelf->didDrop({data, std::nullopt, {}}));
         QVERIFY(m_ui->m_views.first()->m_permanentClose);
         QVERIFY(m_messages->hasMessage(shelf->window().windowNumber()));
         // The message keeps the empty shelf through the end of the drag, and goes after five seconds.
@@ -196,8 +249,7 @@ private Q_SLOTS:
         auto shelf = m_controller->startSession(DragSessionSource::Gesture{});
         shelf->appendItems({file(QStringLiteral("x.txt"))});
         if (sharing) {
-            m_ui->m_views.first()->m_shareState = {
-                DragSessionActionState::Loading{0.5, QStringLiteral("Uploading")}};
+            shelf->setShareState({DragSessionActionState::Loading{0.5, QStringLiteral("Uploading")}});
         }
         shelf->didSelectCloseButton(true);
         QTRY_COMPARE(shelf->hasStopped(), sharing);
@@ -264,6 +316,30 @@ private Q_SLOTS:
     }
 
 private:
+    // A source that writes its one promised file, or reports that it could not.
+    class OneFileTransport final : public FilePromiseTransport {
+    public:
+        explicit OneFileTransport(bool delivers)
+            : m_delivers(delivers)
+        {}
+        QStringList fileNames() const override { return {QStringLiteral("promised.txt")}; }
+        QStringList fileTypes() const override { return {}; }
+        void receive(const QString& destination, FileHandler onFile, FinishedHandler onFinished) override
+        {
+            const QString path = destination + QStringLiteral("/promised.txt");
+            if (m_delivers && Test::writeFile(path, "promised bytes")) {
+                onFile(QUrl::fromLocalFile(path));
+            } else {
+                onFile(std::unexpected(
+                    DraggableError{DraggableError::Kind::underlying, QStringLiteral("gone")}));
+            }
+            onFinished();
+        }
+
+    private:
+        bool m_delivers;
+    };
+
     DraggablePtr file(const QString& name)
     {
         const QString path = m_dir->filePath(name);
