@@ -279,7 +279,7 @@ void DragSessionCoordinator::prepareActionsIfNeeded(const DraggableList& items)
 
 void DragSessionCoordinator::didBeginDragging(bool inbound)
 {
-    if (inbound && m_preferences.value(PreferenceKeys::shelfRetractionEnabled, false) &&
+    if (inbound && m_preferences.value(PreferenceKeys::shelfRetractionEnabled) &&
         m_itemsController->items().isEmpty()) {
         m_retractOnItemDrop = true;
     }
@@ -296,7 +296,7 @@ void DragSessionCoordinator::didConcludeDrop(const DraggableList& draggables)
 void DragSessionCoordinator::didDragItems(const DragEvent& event, bool hasMoved)
 {
     if (event.endedInDrop) {
-        const bool closes = hasMoved || m_preferences.value(PreferenceKeys::alwaysCloseShelf, false);
+        const bool closes = hasMoved || m_preferences.value(PreferenceKeys::alwaysCloseShelf);
         // Files still being received were not in the drag; closing now would lose them.
         const auto stillArriving = [this] {
             const DraggableList items = m_itemsController->items();
@@ -308,7 +308,7 @@ void DragSessionCoordinator::didDragItems(const DragEvent& event, bool hasMoved)
         } else {
             saveSession();
         }
-        const int drops = m_preferences.value(PreferenceKeys::numberOfDrops, 0) + 1;
+        const int drops = m_preferences.value(PreferenceKeys::numberOfDrops) + 1;
         m_preferences.setValue(PreferenceKeys::numberOfDrops, drops);
     } else {
         if (event.kind == 1 && m_retractOnItemDrop) {

@@ -232,7 +232,7 @@ void DragSessionInboundDropView::dropEvent(QDropEvent* event)
     const Pasteboard dropped = pasteboard(*data, DropPromiseTransports::directSaveName());
     const DraggableList draggables =
         read(dropped, DropPromiseTransports::forDrop(*data, sequenceNumber),
-             m_preferences.value(PreferenceKeys::draggableTextForcesPlainText, false));
+             m_preferences.value(PreferenceKeys::draggableTextForcesPlainText));
     const QPointer<DragSessionInboundDropView> self(this);
     const bool taken = finish(draggables, sequenceNumber);
     if (!self) {
