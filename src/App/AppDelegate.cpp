@@ -42,7 +42,7 @@ AppDelegate::~AppDelegate()
 
 void AppDelegate::applyFileLogging()
 {
-    const bool enabled = m_dependencies.preferences.value(PreferenceKeys::fileLoggingEnabled, false);
+    const bool enabled = m_dependencies.preferences.value(PreferenceKeys::fileLoggingEnabled);
     const auto folder = enabled ? TemporaryDirectories::path(ReservedTemporaryDirectory::logs) : std::nullopt;
     Logging::setFileLoggingDirectory(folder.value_or(QString()));
 }
@@ -98,7 +98,7 @@ void AppDelegate::performPendingActions()
 void AppDelegate::applyLaunchAtLogin()
 {
     const Launcher& launcher = m_dependencies.launcher;
-    const bool enabled = m_dependencies.preferences.value(PreferenceKeys::launchAtLogin, false);
+    const bool enabled = m_dependencies.preferences.value(PreferenceKeys::launchAtLogin);
     const auto result = enabled ? launcher.enableLaunchAtLogin() : launcher.disableLaunchAtLogin();
     if (!result) {
         qCWarning(lcApp).noquote() << "Could not change launch at login:" << result.error().reason;
@@ -132,7 +132,7 @@ bool AppDelegate::applicationShouldTerminate() const
     if (!m_rootCoordinator) {
         return true;
     }
-    if (!m_dependencies.preferences.value(PreferenceKeys::prefersShowInDock, false)) {
+    if (!m_dependencies.preferences.value(PreferenceKeys::prefersShowInDock)) {
         // Without a taskbar presence only the tray menu may end the program; a stray shortcut may not.
         const MenuItemController& menu = m_rootCoordinator->menuItemController();
         return menu.isOpen() || menu.lastSelectedItem() == MenuItemController::Item::quit;

@@ -65,7 +65,7 @@ void RootCoordinator::start()
 void RootCoordinator::performFirstRunStep()
 {
     Preferences& preferences = m_dependencies.preferences;
-    if (preferences.value(PreferenceKeys::hasLaunchedApp, false)) {
+    if (preferences.value(PreferenceKeys::hasLaunchedApp)) {
         // The what's-new page is compared against `LastSeenWhatsNewVersion` here once it exists.
         return;
     }

@@ -13,7 +13,7 @@ SettingsWindow::SettingsWindow(Preferences& preferences, QWidget* parent)
     : QWidget(parent, Qt::Window)
     , m_preferences(preferences)
     , m_launchAtLogin(
-          new QCheckBox(Localized("settings.general.launch-at-login", "Open Vantrope when you log in"), this))
+          new QCheckBox(PreferenceDefinition::of(PreferenceKey::launchAtLogin).localizedLabel(), this))
 {
     setObjectName(QStringLiteral("Vantrope.SettingsWindow"));
     setWindowTitle(Localized("settings.window.title", "Vantrope Settings"));
@@ -22,12 +22,12 @@ SettingsWindow::SettingsWindow(Preferences& preferences, QWidget* parent)
     layout->addStretch();
     resize(420, 240);
 
-    m_launchAtLogin->setChecked(m_preferences.value(PreferenceKeys::launchAtLogin, false));
+    m_launchAtLogin->setChecked(m_preferences.value(PreferenceKeys::launchAtLogin));
     connect(m_launchAtLogin, &QCheckBox::toggled, this,
             [this](bool checked) { m_preferences.setValue(PreferenceKeys::launchAtLogin, checked); });
     connect(&m_preferences, &Preferences::changed, this, [this](PreferenceKey key) {
         if (key == PreferenceKey::launchAtLogin) {
-            m_launchAtLogin->setChecked(m_preferences.value(PreferenceKeys::launchAtLogin, false));
+            m_launchAtLogin->setChecked(m_preferences.value(PreferenceKeys::launchAtLogin));
         }
     });
 

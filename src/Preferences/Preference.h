@@ -1,8 +1,10 @@
 #pragma once
 
+#include "PreferenceDefinition.h"
 #include "PreferenceKey.h"
 #include "PreferenceStorage.h"
 
+#include <concepts>
 #include <functional>
 #include <limits>
 #include <optional>
@@ -90,38 +92,36 @@ template<> struct PreferenceValueTraits<QStringList> {
     static QVariant toVariant(const QStringList& value) { return value; }
 };
 
-template<> struct PreferenceValueTraits<PreferenceDictionary> {
-    static std::optional<PreferenceDictionary> fromVariant(const QVariant& value)
+template<> struct PreferenceValueTraits<KeyCombination> {
+    static std::optional<KeyCombination> fromVariant(const QVariant& value)
     {
-        if (value.typeId() != QMetaType::QVariantMap) {
-            return std::nullopt;
-        }
-        return value.toMap();
+        return KeyCombination::fromDictionary(value);
     }
-    static QVariant toVariant(const PreferenceDictionary& value) { return value; }
+    static QVariant toVariant(const KeyCombination& value) { return value.toDictionary(); }
 };
 
-template<> struct PreferenceValueTraits<PreferenceDictionaryOfDictionaries> {
-    static std::optional<PreferenceDictionaryOfDictionaries> fromVariant(const QVariant& value)
+template<> struct PreferenceValueTraits<KeyCombinations> {
+    // An action whose combination is malformed has none; the others keep theirs.
+    static std::optional<KeyCombinations> fromVariant(const QVariant& value)
     {
         if (value.typeId() != QMetaType::QVariantMap) {
             return std::nullopt;
         }
-        PreferenceDictionaryOfDictionaries result;
+        KeyCombinations result;
         const QVariantMap map = value.toMap();
         for (auto it = map.constBegin(); it != map.constEnd(); ++it) {
-            if (it.value().typeId() != QMetaType::QVariantMap) {
-                return std::nullopt;
+            if (const std::optional<KeyCombination> combination =
+                    KeyCombination::fromDictionary(it.value())) {
+                result.insert(it.key(), *combination);
             }
-            result.insert(it.key(), it.value().toMap());
         }
         return result;
     }
-    static QVariant toVariant(const PreferenceDictionaryOfDictionaries& value)
+    static QVariant toVariant(const KeyCombinations& value)
     {
         QVariantMap map;
         for (auto it = value.constBegin(); it != value.constEnd(); ++it) {
-            map.insert(it.key(), it.value());
+            map.insert(it.key(), it.value().toDictionary());
         }
         return map;
     }
@@ -189,8 +189,20 @@ public:
         return PreferenceValueTraits<T>::fromVariant(*stored);
     }
 
-    // Reading with a fallback never writes it: the fallback stays a read-time default.
-    T value(const T& fallback) const { return storedValue().value_or(fallback); }
+    // The key's default from the preference table; absent for a key without one.
+    std::optional<T> defaultValue() const
+    {
+        return PreferenceValueTraits<T>::fromVariant(PreferenceDefinition::of(m_key).defaultValue);
+    }
+
+    // The stored value, else the default, else an empty T. Reading never writes the default.
+    T value() const requires std::default_initializable<T>
+    {
+        if (std::optional<T> stored = storedValue()) {
+            return *std::move(stored);
+        }
+        return defaultValue().value_or(T{});
+    }
 
     void setValue(const T& value) { write(PreferenceValueTraits<T>::toVariant(value)); }
     void removeValue() { write(QVariant()); }

@@ -1,99 +1,142 @@
 #pragma once
 
-#include <array>
+#include "KeyCombination.h"
+
 #include <cstddef>
-#include <optional>
 #include <QByteArray>
 #include <QDateTime>
 #include <QMap>
 #include <QString>
 #include <QStringList>
-#include <QStringView>
-#include <QVariantMap>
-#include <span>
+#include <utility>
 
 namespace Vantrope {
 
-// A dictionary of string to any value, as hot key combinations are stored.
-using PreferenceDictionary = QVariantMap;
-// A dictionary of string to dictionary, as keyboard action combinations are stored.
-using PreferenceDictionaryOfDictionaries = QMap<QString, QVariantMap>;
+// Keyboard action identifier to its combination, as the keyboard actions are bound.
+using KeyCombinations = QMap<QString, KeyCombination>;
 
-// Every preference in enum order: enumerator, stored name, value type. The stored names are what
-// existing preference files hold, odd ones included, so they never change.
+// Every preference, in enum order:
+//   enumerator, stored name, value type, when the default applies, label, default (none when left out).
+// Stored names are what existing preference files hold, odd ones included, so they never change. A
+// label names a key that a person changes in the settings; `internal` marks the program's own
+// bookkeeping. The last three columns are read by PreferenceDefinition.cpp only.
 // clang-format off
 #define VANTROPE_PREFERENCE_KEYS(X) \
-    X(hasLaunchedApp, "IsFirstLaunch", bool) \
-    X(hasSeenLaunchAtLoginDialog, "HasSeenLaunchAtLoginDialog", bool) \
-    X(launchAtLogin, "LaunchAtLogin", bool) \
-    X(numberOfDrops, "NumberOfDrops", int) \
-    X(showHideHotKeyCombo, "ShowHideHotKeyCombo", PreferenceDictionary) \
-    X(showHideClipboardHotKeyCombo, "ShowHideClipboardHotKeyCombo", PreferenceDictionary) \
-    X(didConfigureDefaultShowHideHotKey, "didConfigureDefaultShowHideHotKey", bool) \
-    X(copiesContentOnDrag, "CopiesContentOnDrag", bool) \
-    X(ratingPromptHistory, "RatingPromptHistory", QStringList) \
-    X(lastRatingPromptDate, "LastRatingPromptDate", QDateTime) \
-    X(lastEligibleRatingPromptDate, "LastEligibleRatingPromptDate", QDateTime) \
-    X(lastSeenWhatsNewVersion, "LastSeenWhatsNewVersion", QString) \
-    X(prefersHiddenStatusItem, "PrefersHiddenStatusItem", bool) \
-    X(fileLoggingEnabled, "FileLoggingEnabled", bool) \
-    X(imgurServiceEnabled, "ImgurServiceEnabled", bool) \
-    X(shakeGestureSensitivity, "ShakeGestureSensitivity", int) \
-    X(shakeGestureDisabled, "ShakeGestureDisabled", bool) \
-    X(ignoredApplication, "IgnoredApplications", QStringList) \
-    X(customIgnoredApplicationPaths, "customIgnoredApplicationPaths", QStringList) \
-    X(prefersSystemShareServiceSubmenu, "PrefersSystemShareServiceSubmenu", bool) \
-    X(prefersShowInDock, "PrefersShowInDock", bool) \
-    X(cloudLinkExpiration, "CloudLinkExpiration", QString) \
-    X(cloudLinkType, "CloudLinkType", QString) \
-    X(cloudPromptEnabled, "CloudPromptEnabled", bool) \
-    X(cloudDisabled, "CloudDisabled", bool) \
-    X(cloudPrefersLongLinks, "CloudPrefersLongLinks", bool) \
-    X(cloudRequiresAgreement, "CloudRequiresAgreement", bool) \
-    X(doubleClickAction, "DoubleClickAction", int) \
-    X(defaultShelfLocation, "DefaultShelfLocation", QString) \
-    X(shelfTriggerModifierKey, "ShelfTriggerModifierKey", QString) \
-    X(shelfTriggerModifierKeyEnabled, "ShelfTriggerModifierKeyEnabled", bool) \
-    X(didMigrateTemporaryDirectoryStructure, "DidMigrateTemporaryDirectoryStructure", bool) \
-    X(draggableTextForcesPlainText, "DraggableTextForcesPlainText", bool) \
-    X(lastOutlineDisplayMode, "LastOutlineDisplayMode", int) \
-    X(bucketDestinationPath, "BucketDestinationPath", QByteArray) \
-    X(amazonAccessControl, "AmazonAccessControl", QString) \
-    X(amazonExpiration, "AmazonExpiration", int) \
-    X(fileOperationMainMenuIdentifiers, "FileOperationMainMenuIdentifiers", QStringList) \
-    X(shelfLabelsEnabled, "ShelfLabelsEnabled", bool) \
-    X(shelfHotkeysEnabled, "ShelfHotkeysEnabled", bool) \
-    X(recentActions, "RecentActions", QStringList) \
-    X(instantActionsEnabled, "InstantActionsEnabled", bool) \
-    X(instantActions, "InstantActions", QStringList) \
-    X(notchDragEnabled, "NotchDragEnabled", bool) \
-    X(notchDragHighlightBehavior, "NotchDragHighlightBehavior", int) \
-    X(automaticWindowSnappingEnabled, "AutomaticWindowSnappingEnabled", bool) \
-    X(alwaysCloseShelf, "AlwaysCloseShelf", bool) \
-    X(keepShelfInSpace, "KeepShelfInSpace", bool) \
-    X(shelfRetractionEnabled, "ShelfRetractionEnabled", bool) \
-    X(didPerformRecentShelvesMigration, "DidPerformRecentShelvesMigration", bool) \
-    X(didPerformThumbnailGeneratorMigration, "DidPerformThumbnailGeneratorMigration", bool) \
-    X(didRemoveIndividualRecentShelf, "DidRemoveIndividualRecentShelf", bool) \
-    X(recentShelfMenuViewCount, "RecentShelfMenuViewCount", int) \
-    X(doubleClickEdgeAction, "DoubleClickEdgeAction", QString) \
-    X(screenshotObservationEnabled, "ScreenshotObservationEnabled", bool) \
-    X(screenshotObservationDistributionOption, "ScreenshotObservationDistributionOption", QString) \
-    X(screenshotObservationSetupPerformed, "ScreenshotObservationSetupPerformed", bool) \
-    X(lastTemporaryDataSanitationDate, "LastTemporaryDataSanitationDate", QDateTime) \
-    X(registeredKeyboardActionIdentifiers, "RegisteredKeyboardActionIdentifiers", QStringList) \
-    X(registeredKeyboardActionCombinations, "RegisteredKeyboardActionCombinations", PreferenceDictionaryOfDictionaries) \
-    X(userScreenshotCopyToClipboard, "UserScreenshotCopyToClipboard", bool) \
-    X(userScreenshotShowConfirmationMessage, "UserScreenshotShowConfirmationMessage", bool) \
-    X(didPerformWatchedFoldersFilterMigration, "DidPerformWatchedFoldersFilterMigration", bool) \
-    X(didPerformInstantActionMigration, "DidPerformanceInstantActionMigration", bool) \
-    X(preferredMenuBarIconIdentifier, "PreferredMenuBarIconIdentifier", QString) \
-    X(onlineFeaturesDisabled, "OnlineFeaturesDisabled", bool) \
-    X(cloudKitDisabled, "CloudKitDisabled", bool)
+    X(hasLaunchedApp, "IsFirstLaunch", bool, atRead, internal, false) \
+    X(hasSeenLaunchAtLoginDialog, "HasSeenLaunchAtLoginDialog", bool, atRead, internal, false) \
+    X(launchAtLogin, "LaunchAtLogin", bool, atRead, \
+      label("settings.general.launch-at-login", "Open Vantrope when you log in"), false) \
+    X(numberOfDrops, "NumberOfDrops", int, atRead, internal, 0) \
+    X(showHideHotKeyCombo, "ShowHideHotKeyCombo", KeyCombination, atRead, \
+      label("settings.shortcuts.new-shelf", "Shortcut for a new shelf")) \
+    X(showHideClipboardHotKeyCombo, "ShowHideClipboardHotKeyCombo", KeyCombination, atRead, \
+      label("settings.shortcuts.clipboard-shelf", "Shortcut for a shelf with the clipboard")) \
+    X(didConfigureDefaultShowHideHotKey, "didConfigureDefaultShowHideHotKey", bool, atRead, internal, false) \
+    X(copiesContentOnDrag, "CopiesContentOnDrag", bool, atRead, \
+      label("settings.shelf.copies-content-on-drag", "Always copy items dragged out of a shelf"), false) \
+    X(lastSeenWhatsNewVersion, "LastSeenWhatsNewVersion", QString, atRead, internal) \
+    X(prefersHiddenStatusItem, "PrefersHiddenStatusItem", bool, atRead, \
+      label("settings.general.hide-tray-icon", "Hide the tray icon"), false) \
+    X(fileLoggingEnabled, "FileLoggingEnabled", bool, atRead, \
+      label("settings.advanced.file-logging", "Write a log file"), false) \
+    X(imgurServiceEnabled, "ImgurServiceEnabled", bool, atRead, \
+      label("settings.services.imgur", "Share images through Imgur"), false) \
+    X(shakeGestureSensitivity, "ShakeGestureSensitivity", int, atRead, \
+      label("settings.activation.shake-sensitivity", "How hard to shake the pointer"), \
+      SettingsItem::storedValue(SettingsItem::ShakeSensitivity::normal)) \
+    X(shakeGestureDisabled, "ShakeGestureDisabled", bool, atRead, \
+      label("settings.activation.shake-disabled", "Don't open a shelf when the pointer is shaken"), false) \
+    X(ignoredApplication, "IgnoredApplications", QStringList, atRead, \
+      label("settings.activation.ignored-applications", "Programs in which a shake opens no shelf"), \
+      QStringList()) \
+    X(customIgnoredApplicationPaths, "customIgnoredApplicationPaths", QStringList, atRead, internal, \
+      QStringList()) \
+    X(prefersSystemShareServiceSubmenu, "PrefersSystemShareServiceSubmenu", bool, atRead, \
+      label("settings.actions.share-submenu", "Put the desktop's share targets in a submenu"), false) \
+    X(prefersShowInDock, "PrefersShowInDock", bool, firstRunRule, \
+      label("settings.general.show-in-taskbar", "Show Vantrope in the taskbar"), false) \
+    X(doubleClickAction, "DoubleClickAction", int, firstRun, \
+      label("settings.shelf.double-click", "Double-clicking an item"), \
+      SettingsItem::storedValue(SettingsItem::DoubleClick::revealInFinder)) \
+    X(defaultShelfLocation, "DefaultShelfLocation", QString, atRead, \
+      label("settings.shelf.location", "Where a new shelf opens"), \
+      SettingsItem::storedValue(SettingsItem::ShelfLocation::topRight)) \
+    X(shelfTriggerModifierKey, "ShelfTriggerModifierKey", QString, firstRun, \
+      label("settings.activation.modifier-key", "Key to hold during a drag"), \
+      SettingsItem::storedValue(SettingsItem::ShelfTriggerModifierKey::shift)) \
+    X(shelfTriggerModifierKeyEnabled, "ShelfTriggerModifierKeyEnabled", bool, firstRun, \
+      label("settings.activation.modifier-key-enabled", "Open a shelf when a key is held during a drag"), \
+      true) \
+    X(didMigrateTemporaryDirectoryStructure, "DidMigrateTemporaryDirectoryStructure", bool, firstRun, \
+      internal, false) \
+    X(draggableTextForcesPlainText, "DraggableTextForcesPlainText", bool, firstRun, \
+      label("settings.shelf.plain-text", "Keep dropped text as plain text"), false) \
+    X(lastOutlineDisplayMode, "LastOutlineDisplayMode", int, firstRun, internal, 0) \
+    X(bucketDestinationPath, "BucketDestinationPath", QByteArray, atRead, \
+      label("settings.services.s3.path", "Folder in the bucket for uploads")) \
+    X(amazonAccessControl, "AmazonAccessControl", QString, atRead, internal) \
+    X(amazonExpiration, "AmazonExpiration", int, atRead, internal, 0) \
+    X(fileOperationMainMenuIdentifiers, "FileOperationMainMenuIdentifiers", QStringList, firstRun, \
+      label("settings.actions.main-menu", "File operations in the action menu"), \
+      QStringList{QStringLiteral("file_op_copy"), QStringLiteral("file_op_move")}) \
+    X(shelfLabelsEnabled, "ShelfLabelsEnabled", bool, atRead, \
+      label("settings.shelf.labels", "Show shelf labels"), false) \
+    X(shelfHotkeysEnabled, "ShelfHotkeysEnabled", bool, firstRun, \
+      label("settings.shortcuts.shelf", "Shortcuts on the shelf under the pointer"), true) \
+    X(recentActions, "RecentActions", QStringList, atRead, internal, QStringList()) \
+    X(instantActionsEnabled, "InstantActionsEnabled", bool, firstRun, \
+      label("settings.actions.instant", "Instant actions"), true) \
+    X(instantActions, "InstantActions", QStringList, atRead, internal, QStringList()) \
+    X(notchDragEnabled, "NotchDragEnabled", bool, firstRunRule, \
+      label("settings.activation.top-drop-zone", "Open a shelf when dragging to the top of the screen"), \
+      false) \
+    X(notchDragHighlightBehavior, "NotchDragHighlightBehavior", int, firstRun, \
+      label("settings.activation.top-drop-zone-highlight", "When to show the drop zone at the top"), \
+      SettingsItem::storedValue(SettingsItem::NotchDragHighlightBehavior::always)) \
+    X(automaticWindowSnappingEnabled, "AutomaticWindowSnappingEnabled", bool, atRead, \
+      label("settings.shelf.snapping", "Snap shelves into place"), false) \
+    X(alwaysCloseShelf, "AlwaysCloseShelf", bool, atRead, \
+      label("settings.shelf.always-close", "Close a shelf once its items are dragged out"), false) \
+    X(keepShelfInSpace, "KeepShelfInSpace", bool, atRead, \
+      label("settings.shelf.keep-on-desktop", "Keep each shelf on the desktop where it opened"), false) \
+    X(shelfRetractionEnabled, "ShelfRetractionEnabled", bool, firstRunRule, \
+      label("settings.shelf.retraction", "Slide an empty shelf aside once something is dropped on it"), \
+      false) \
+    X(didPerformRecentShelvesMigration, "DidPerformRecentShelvesMigration", bool, atRead, internal, false) \
+    X(didPerformThumbnailGeneratorMigration, "DidPerformThumbnailGeneratorMigration", bool, atRead, \
+      internal, false) \
+    X(didRemoveIndividualRecentShelf, "DidRemoveIndividualRecentShelf", bool, atRead, internal, false) \
+    X(recentShelfMenuViewCount, "RecentShelfMenuViewCount", int, atRead, internal, 0) \
+    X(doubleClickEdgeAction, "DoubleClickEdgeAction", QString, atRead, \
+      label("settings.shelf.double-click-edge", "Double-clicking a docked shelf")) \
+    X(screenshotObservationEnabled, "ScreenshotObservationEnabled", bool, atRead, \
+      label("settings.screenshots.enabled", "Put new screenshots on a shelf"), false) \
+    X(screenshotObservationDistributionOption, "ScreenshotObservationDistributionOption", QString, atRead, \
+      label("settings.screenshots.distribution", "Shelf for new screenshots")) \
+    X(screenshotObservationSetupPerformed, "ScreenshotObservationSetupPerformed", bool, atRead, internal, \
+      false) \
+    X(lastTemporaryDataSanitationDate, "LastTemporaryDataSanitationDate", QDateTime, atRead, internal) \
+    X(registeredKeyboardActionIdentifiers, "RegisteredKeyboardActionIdentifiers", QStringList, atRead, \
+      label("settings.shortcuts.actions", "Keyboard actions in use"), QStringList()) \
+    X(registeredKeyboardActionCombinations, "RegisteredKeyboardActionCombinations", KeyCombinations, \
+      atRead, label("settings.shortcuts.combinations", "Keys of the keyboard actions")) \
+    X(userScreenshotCopyToClipboard, "UserScreenshotCopyToClipboard", bool, atRead, \
+      label("settings.screenshots.copy", "Copy new screenshots to the clipboard"), false) \
+    X(userScreenshotShowConfirmationMessage, "UserScreenshotShowConfirmationMessage", bool, firstRun, \
+      label("settings.screenshots.confirmation", "Say when a screenshot is put on a shelf"), true) \
+    X(didPerformWatchedFoldersFilterMigration, "DidPerformWatchedFoldersFilterMigration", bool, firstRun, \
+      internal, false) \
+    X(didPerformInstantActionMigration, "DidPerformanceInstantActionMigration", bool, atRead, internal, \
+      false) \
+    X(preferredMenuBarIconIdentifier, "PreferredMenuBarIconIdentifier", QString, firstRun, \
+      label("settings.general.tray-icon", "Tray icon"), \
+      SettingsItem::storedValue(SettingsItem::MenuBarIcon::traditional)) \
+    X(onlineFeaturesDisabled, "OnlineFeaturesDisabled", bool, atRead, \
+      label("settings.advanced.online-features-disabled", "Turn off online features"), false)
 // clang-format on
 
 enum class PreferenceKey {
-#define VANTROPE_PREFERENCE_ENUMERATOR(name, stored, type) name,
+#define VANTROPE_PREFERENCE_ENUMERATOR(name, ...) name,
     VANTROPE_PREFERENCE_KEYS(VANTROPE_PREFERENCE_ENUMERATOR)
 #undef VANTROPE_PREFERENCE_ENUMERATOR
 };
@@ -103,8 +146,8 @@ enum class PreferenceValueType {
     Int,
     String,
     StringList,
-    Dictionary,
-    DictionaryOfDictionaries,
+    KeyCombination,
+    KeyCombinations,
     Date,
     Data,
 };
@@ -122,11 +165,11 @@ template<> struct PreferenceValueTypeOf<QString> {
 template<> struct PreferenceValueTypeOf<QStringList> {
     static constexpr PreferenceValueType value = PreferenceValueType::StringList;
 };
-template<> struct PreferenceValueTypeOf<PreferenceDictionary> {
-    static constexpr PreferenceValueType value = PreferenceValueType::Dictionary;
+template<> struct PreferenceValueTypeOf<KeyCombination> {
+    static constexpr PreferenceValueType value = PreferenceValueType::KeyCombination;
 };
-template<> struct PreferenceValueTypeOf<PreferenceDictionaryOfDictionaries> {
-    static constexpr PreferenceValueType value = PreferenceValueType::DictionaryOfDictionaries;
+template<> struct PreferenceValueTypeOf<KeyCombinations> {
+    static constexpr PreferenceValueType value = PreferenceValueType::KeyCombinations;
 };
 template<> struct PreferenceValueTypeOf<QDateTime> {
     static constexpr PreferenceValueType value = PreferenceValueType::Date;
@@ -136,7 +179,7 @@ template<> struct PreferenceValueTypeOf<QByteArray> {
 };
 
 inline constexpr std::size_t preferenceKeyCount = 0
-#define VANTROPE_PREFERENCE_COUNT(name, stored, type) +1
+#define VANTROPE_PREFERENCE_COUNT(name, ...) +1
     VANTROPE_PREFERENCE_KEYS(VANTROPE_PREFERENCE_COUNT)
 #undef VANTROPE_PREFERENCE_COUNT
     ;
@@ -144,7 +187,7 @@ inline constexpr std::size_t preferenceKeyCount = 0
 constexpr PreferenceValueType preferenceValueType(PreferenceKey key)
 {
     switch (key) {
-#define VANTROPE_PREFERENCE_TYPE_CASE(name, stored, type)                                                    \
+#define VANTROPE_PREFERENCE_TYPE_CASE(name, stored, type, ...)                                               \
     case PreferenceKey::name:                                                                                \
         return PreferenceValueTypeOf<type>::value;
         VANTROPE_PREFERENCE_KEYS(VANTROPE_PREFERENCE_TYPE_CASE)
@@ -157,11 +200,6 @@ constexpr std::size_t preferenceKeyIndex(PreferenceKey key)
 {
     return static_cast<std::size_t>(key);
 }
-
-// The name under which the value is kept in the preferences file.
-QString preferenceStoredName(PreferenceKey key);
-std::optional<PreferenceKey> preferenceKeyFromStoredName(QStringView storedName);
-std::span<const PreferenceKey, preferenceKeyCount> allPreferenceKeys();
 
 // A key that carries its value type, so that reading or writing a value of another type does not
 // compile. Only the constants in `PreferenceKeys` are meant to exist; a mismatched one is rejected
@@ -186,10 +224,24 @@ private:
 };
 
 namespace PreferenceKeys {
-#define VANTROPE_PREFERENCE_CONSTANT(name, stored, type)                                                     \
+#define VANTROPE_PREFERENCE_CONSTANT(name, stored, type, ...)                                                \
     inline constexpr TypedPreferenceKey<type> name{PreferenceKey::name};
 VANTROPE_PREFERENCE_KEYS(VANTROPE_PREFERENCE_CONSTANT)
 #undef VANTROPE_PREFERENCE_CONSTANT
 } // namespace PreferenceKeys
+
+// Calls `visitor` with the typed constant of `key`, for code that reaches keys through the table, such as
+// a settings list. Every call must return the same type.
+template<typename Visitor> decltype(auto) visitPreferenceKey(PreferenceKey key, Visitor&& visitor)
+{
+    switch (key) {
+#define VANTROPE_PREFERENCE_VISIT_CASE(name, ...)                                                            \
+    case PreferenceKey::name:                                                                                \
+        return std::forward<Visitor>(visitor)(PreferenceKeys::name);
+        VANTROPE_PREFERENCE_KEYS(VANTROPE_PREFERENCE_VISIT_CASE)
+#undef VANTROPE_PREFERENCE_VISIT_CASE
+    }
+    Q_UNREACHABLE();
+}
 
 } // namespace Vantrope

@@ -1,6 +1,6 @@
 #include "Preferences.h"
 
-#include "SettingsItem.h"
+#include "PreferenceDefinition.h"
 
 Q_LOGGING_CATEGORY(lcPreferences, "vantrope.preferences")
 
@@ -16,45 +16,34 @@ Preferences::Preferences(std::unique_ptr<PreferenceStorage> storage, QObject* pa
 Preferences::~Preferences() = default;
 
 template<typename T>
-void Preferences::registerDefault(TypedPreferenceKey<T> key, const std::type_identity_t<T>& value)
+void Preferences::registerDefault(TypedPreferenceKey<T> key, const std::optional<T>& value)
 {
-    if (storedValue(key)) {
+    if (!value || storedValue(key)) {
         return;
     }
-    qCDebug(lcPreferences).noquote() << "Registering the default of" << preferenceStoredName(key.key());
-    setValue(key, value);
+    qCDebug(lcPreferences).noquote() << "Registering the default of"
+                                     << PreferenceDefinition::of(key).storedName;
+    setValue(key, *value);
 }
 
 void Preferences::registerDefaults(const std::function<void(Preferences&)>& keyboardActionDefaults)
 {
     using namespace PreferenceKeys;
 
-    registerDefault(prefersShowInDock, value(prefersHiddenStatusItem, false));
-    registerDefault(doubleClickAction, SettingsItem::storedValue(SettingsItem::DoubleClick::revealInFinder));
-    registerDefault(shelfTriggerModifierKey,
-                    SettingsItem::storedValue(SettingsItem::ShelfTriggerModifierKey::shift));
-    registerDefault(shelfTriggerModifierKeyEnabled, true);
-    registerDefault(didMigrateTemporaryDirectoryStructure, false);
-    registerDefault(draggableTextForcesPlainText, false);
-    registerDefault(lastOutlineDisplayMode, 0);
-    registerDefault(shelfHotkeysEnabled, true);
-    registerDefault(instantActionsEnabled, true);
-    registerDefault(notchDragHighlightBehavior,
-                    SettingsItem::storedValue(SettingsItem::NotchDragHighlightBehavior::always));
-    if (!storedValue(hasLaunchedApp)) {
-        registerDefault(shelfRetractionEnabled, false);
+    for (const PreferenceDefinition& definition : PreferenceDefinition::all()) {
+        if (definition.defaultUse == PreferenceDefaultUse::firstRun) {
+            visitPreferenceKey(definition.key,
+                               [this](auto key) { registerDefault(key, preference(key).defaultValue()); });
+        }
     }
-    // hasLaunchedApp is only written at the end of the first start, so these are on for a fresh
-    // installation and off for users who upgrade from a version without them.
-    const bool firstRun = !value(hasLaunchedApp, false);
-    registerDefault(cloudRequiresAgreement, firstRun);
-    registerDefault(notchDragEnabled, firstRun);
-    registerDefault(userScreenshotShowConfirmationMessage, true);
-    registerDefault(didPerformWatchedFoldersFilterMigration, false);
-    registerDefault(preferredMenuBarIconIdentifier,
-                    SettingsItem::storedValue(SettingsItem::MenuBarIcon::traditional));
-    registerDefault(fileOperationMainMenuIdentifiers,
-                    QStringList{QStringLiteral("file_op_copy"), QStringLiteral("file_op_move")});
+
+    registerDefault(prefersShowInDock, std::optional(value(prefersHiddenStatusItem)));
+    // hasLaunchedApp is only written at the end of the first start, so the top drop zone is on for a
+    // fresh installation and off for users who upgrade from a version without it.
+    registerDefault(notchDragEnabled, std::optional(!value(hasLaunchedApp)));
+    if (!storedValue(hasLaunchedApp)) {
+        registerDefault(shelfRetractionEnabled, preference(shelfRetractionEnabled).defaultValue());
+    }
 
     if (keyboardActionDefaults) {
         keyboardActionDefaults(*this);

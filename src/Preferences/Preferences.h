@@ -5,6 +5,7 @@
 #include "PreferenceStorage.h"
 
 #include <array>
+#include <concepts>
 #include <functional>
 #include <memory>
 #include <QLoggingCategory>
@@ -40,9 +41,10 @@ public:
         return preference(key).storedValue();
     }
 
-    template<typename T> T value(TypedPreferenceKey<T> key, const std::type_identity_t<T>& fallback) const
+    // The stored value, else the key's default from the preference table.
+    template<typename T> T value(TypedPreferenceKey<T> key) const requires std::default_initializable<T>
     {
-        return preference(key).value(fallback);
+        return preference(key).value();
     }
 
     template<typename T> void setValue(TypedPreferenceKey<T> key, const std::type_identity_t<T>& value)
@@ -52,9 +54,9 @@ public:
 
     template<typename T> void removeValue(TypedPreferenceKey<T> key) { preference(key).removeValue(); }
 
-    // Writes the first-run values of the keys that hold no value of their type, and leaves every
-    // stored value alone. Runs at every start. `keyboardActionDefaults` runs last: the keyboard
-    // actions register their own defaults once that feature exists.
+    // Writes the first-run values (`PreferenceDefaultUse`) of the keys that hold no value of their type,
+    // and leaves every stored value alone. Runs at every start. `keyboardActionDefaults` runs last: the
+    // keyboard actions register their own defaults once that feature exists.
     void registerDefaults(const std::function<void(Preferences&)>& keyboardActionDefaults = {});
 
     void sync();
@@ -76,8 +78,7 @@ private:
         return static_cast<Preference<T>&>(*slot);
     }
 
-    template<typename T>
-    void registerDefault(TypedPreferenceKey<T> key, const std::type_identity_t<T>& value);
+    template<typename T> void registerDefault(TypedPreferenceKey<T> key, const std::optional<T>& value);
 
     std::unique_ptr<PreferenceStorage> m_storage;
     mutable std::array<std::unique_ptr<PreferenceBase>, preferenceKeyCount> m_preferences;

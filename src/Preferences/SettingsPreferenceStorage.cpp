@@ -2,6 +2,7 @@
 
 #include "JsonSettingsFormat.h"
 #include "Libraries/Core/AtomicFileWriter.h"
+#include "PreferenceDefinition.h"
 #include "Preferences.h"
 
 #include <QDir>
@@ -38,7 +39,7 @@ QString SettingsPreferenceStorage::defaultFilePath()
 
 std::optional<QVariant> SettingsPreferenceStorage::value(PreferenceKey key) const
 {
-    QVariant stored = m_settings->value(preferenceStoredName(key));
+    QVariant stored = m_settings->value(PreferenceDefinition::of(key).storedName.toString());
     if (stored.isNull()) {
         return std::nullopt;
     }
@@ -47,7 +48,7 @@ std::optional<QVariant> SettingsPreferenceStorage::value(PreferenceKey key) cons
 
 void SettingsPreferenceStorage::setValue(PreferenceKey key, const QVariant& value)
 {
-    const QString name = preferenceStoredName(key);
+    const QString name = PreferenceDefinition::of(key).storedName.toString();
     // Read what other processes wrote first, so that a file they broke is set aside, not written over.
     sync();
     if (value.isNull()) {

@@ -157,7 +157,7 @@ private Q_SLOTS:
         m_delegate->applicationDidFinishLaunching();
         const QWidget* introduction = m_delegate->rootCoordinator()->windowCoordinator().introductionWindow();
         QCOMPARE(introduction && introduction->isVisible(), showsIntroduction);
-        QCOMPARE(m_preferences->value(PreferenceKeys::lastSeenWhatsNewVersion, QString()), lastSeenVersion);
+        QCOMPARE(m_preferences->value(PreferenceKeys::lastSeenWhatsNewVersion), lastSeenVersion);
         QCOMPARE(m_preferences->storedValue(PreferenceKeys::hasLaunchedApp), std::optional<bool>(true));
 
         // A shelf never opens behind the introduction.

@@ -32,12 +32,12 @@ int runHelper(const QStringList& arguments)
     SettingsPreferenceStorage storage(arguments.at(2));
     if (arguments.at(1) == u"--write") {
         storage.setValue(PreferenceKey::numberOfDrops, s_helperDrops);
-        storage.setValue(PreferenceKey::lastRatingPromptDate, s_helperDate);
+        storage.setValue(PreferenceKey::lastTemporaryDataSanitationDate, s_helperDate);
         storage.setValue(PreferenceKey::ignoredApplication, s_helperApplications);
         return 0;
     }
-    const auto key = preferenceKeyFromStoredName(arguments.value(3));
-    const auto value = key ? storage.value(*key) : std::nullopt;
+    const PreferenceDefinition* definition = PreferenceDefinition::find(arguments.value(3));
+    const auto value = definition ? storage.value(definition->key) : std::nullopt;
     const QString line = value ? QString::fromLatin1(value->metaType().name()) + u' ' + value->toString()
                                : QStringLiteral("absent");
     std::fputs(line.toUtf8().constData(), stdout);
@@ -80,7 +80,7 @@ private Q_SLOTS:
         QTest::newRow("largest int") << K::numberOfDrops << QVariant(std::numeric_limits<int>::max());
         QTest::newRow("unicode") << K::lastSeenWhatsNewVersion << QVariant(QStringLiteral("2.4 “Ünïcødé” ✓"));
         QTest::newRow("list") << K::recentActions << QVariant(QStringList{QStringLiteral("a"), QString()});
-        QTest::newRow("date") << K::lastRatingPromptDate << QVariant(utc);
+        QTest::newRow("date") << K::lastTemporaryDataSanitationDate << QVariant(utc);
         QTest::newRow("data") << K::bucketDestinationPath << QVariant(binary);
         QTest::newRow("empty data") << K::bucketDestinationPath << QVariant(QByteArray(""));
         QTest::newRow("dictionary") << K::showHideHotKeyCombo
@@ -177,23 +177,47 @@ private Q_SLOTS:
                  expected.isNull() ? std::nullopt : std::optional(expected.toInt()));
     }
 
-    void entriesOfOthersSurviveWrites()
+    void droppedKeysAndEntriesOfOthersSurvive()
     {
         QTemporaryDir folder;
         const QString path = folder.filePath(QStringLiteral("preferences.json"));
+        const QJsonObject combination{
+            {QStringLiteral("keyCode"), Qt::Key_Space},
+            {QStringLiteral("modifiers"), int(Qt::ControlModifier | Qt::AltModifier)}};
+        // Written by an older version, with keys this one no longer has, and by others.
         const QJsonObject before{
+            {QStringLiteral("CloudKitDisabled"), true},
+            {QStringLiteral("RatingPromptHistory"), QJsonArray{QStringLiteral("2.0")}},
+            {QStringLiteral("CloudLinkExpiration"),
+             QJsonObject{{QStringLiteral("$date"), QStringLiteral("2023-01-01T00:00:00.000Z")}}},
             {QStringLiteral("SomethingElse"),
              QJsonObject{{QStringLiteral("deep"), QJsonArray{1, QStringLiteral("x"), QJsonValue::Null}},
                          {QStringLiteral("$date"), QStringLiteral("not a date")}}},
             {QStringLiteral("$odd"), 1},
             {QStringLiteral("IsFirstLaunch"), QStringLiteral("yes")},
+            {QStringLiteral("LaunchAtLogin"), true},
+            {QStringLiteral("ShowHideHotKeyCombo"), combination},
+            {QStringLiteral("RegisteredKeyboardActionCombinations"),
+             QJsonObject{{QStringLiteral("newShelf"), combination},
+                         {QStringLiteral("closeAllShelves"), QJsonObject{{QStringLiteral("keyCode"), 49}}}}},
         };
         QVERIFY(Test::writeFile(path, QJsonDocument(before).toJson()));
 
-        SettingsPreferenceStorage(path).setValue(PreferenceKey::launchAtLogin, true);
-        QJsonObject after = fileObject(path);
-        QCOMPARE(after.take(QStringLiteral("LaunchAtLogin")), QJsonValue(true));
-        QCOMPARE(after, before);
+        Preferences preferences(std::make_unique<SettingsPreferenceStorage>(path));
+        preferences.registerDefaults();
+        QCOMPARE(preferences.value(PreferenceKeys::launchAtLogin), true);
+        const auto space = KeyCombination::from(Qt::Key_Space, Qt::ControlModifier | Qt::AltModifier);
+        QCOMPARE(preferences.storedValue(PreferenceKeys::showHideHotKeyCombo), space);
+        QCOMPARE(preferences.value(PreferenceKeys::registeredKeyboardActionCombinations),
+                 (KeyCombinations{{QStringLiteral("newShelf"), *space}}));
+        // "yes" is no bool, so this start counts as the first.
+        QCOMPARE(preferences.storedValue(PreferenceKeys::notchDragEnabled), std::optional(true));
+
+        const QJsonObject after = fileObject(path);
+        for (auto it = before.constBegin(); it != before.constEnd(); ++it) {
+            QCOMPARE(after.value(it.key()), it.value());
+        }
+        QCOMPARE(after.value(QStringLiteral("NotchDragEnabled")), QJsonValue(true));
     }
 
     void unreadableFileIsSetAside_data()
@@ -215,8 +239,8 @@ private Q_SLOTS:
         SettingsPreferenceStorage storage(path);
         QCOMPARE(log.count(QStringLiteral("is not valid JSON")), 1);
         QVERIFY(log.contains(path));
-        for (const PreferenceKey key : allPreferenceKeys()) {
-            QCOMPARE(storage.value(key), std::nullopt);
+        for (const PreferenceDefinition& definition : PreferenceDefinition::all()) {
+            QCOMPARE(storage.value(definition.key), std::nullopt);
         }
         const QStringList aside =
             QDir(folder.path()).entryList({QStringLiteral("preferences.json.corrupt-*")}, QDir::Files);
@@ -234,14 +258,14 @@ private Q_SLOTS:
         QTemporaryDir folder;
         const QString path = folder.filePath(QStringLiteral("preferences.json"));
         SettingsPreferenceStorage storage(path);
-        storage.setValue(PreferenceKey::cloudLinkType, QStringLiteral("short"));
+        storage.setValue(PreferenceKey::amazonAccessControl, QStringLiteral("short"));
 
         Test::LogCapture log;
-        storage.setValue(PreferenceKey::cloudLinkType, QUrl(QStringLiteral("https://example.org")));
+        storage.setValue(PreferenceKey::amazonAccessControl, QUrl(QStringLiteral("https://example.org")));
         QVERIFY(log.contains(QStringLiteral("cannot be stored")));
-        QCOMPARE(storage.value(PreferenceKey::cloudLinkType),
+        QCOMPARE(storage.value(PreferenceKey::amazonAccessControl),
                  std::optional(QVariant(QStringLiteral("short"))));
-        QCOMPARE(fileObject(path).value(QStringLiteral("CloudLinkType")),
+        QCOMPARE(fileObject(path).value(QStringLiteral("AmazonAccessControl")),
                  QJsonValue(QStringLiteral("short")));
 
         // A folder where the file should be: nothing can be saved there, whoever runs the test.
@@ -257,15 +281,16 @@ private Q_SLOTS:
         const QString path = folder.filePath(QStringLiteral("preferences.json"));
         SettingsPreferenceStorage storage(path);
         storage.setValue(PreferenceKey::numberOfDrops, 1);
-        storage.setValue(PreferenceKey::cloudLinkType, QStringLiteral("long"));
+        storage.setValue(PreferenceKey::amazonAccessControl, QStringLiteral("long"));
 
         QCOMPARE(runHelperProcess({QStringLiteral("--write"), path}), QString());
         storage.sync();
         QCOMPARE(storage.value(PreferenceKey::numberOfDrops), std::optional(QVariant(s_helperDrops)));
-        QCOMPARE(storage.value(PreferenceKey::lastRatingPromptDate), std::optional(QVariant(s_helperDate)));
+        QCOMPARE(storage.value(PreferenceKey::lastTemporaryDataSanitationDate),
+                 std::optional(QVariant(s_helperDate)));
         QCOMPARE(storage.value(PreferenceKey::ignoredApplication),
                  std::optional(QVariant(s_helperApplications)));
-        QCOMPARE(storage.value(PreferenceKey::cloudLinkType),
+        QCOMPARE(storage.value(PreferenceKey::amazonAccessControl),
                  std::optional(QVariant(QStringLiteral("long"))));
 
         // Written here without a sync first: the other process's values must survive it.
@@ -275,7 +300,7 @@ private Q_SLOTS:
                  QStringLiteral("bool true"));
         QCOMPARE(runHelperProcess({read, path, QStringLiteral("NumberOfDrops")}),
                  QStringLiteral("int %1").arg(s_helperDrops));
-        QCOMPARE(runHelperProcess({read, path, QStringLiteral("LastRatingPromptDate")}),
+        QCOMPARE(runHelperProcess({read, path, QStringLiteral("LastTemporaryDataSanitationDate")}),
                  QStringLiteral("QDateTime ") + s_helperDate.toString(Qt::ISODateWithMs));
     }
 };

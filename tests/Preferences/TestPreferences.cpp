@@ -3,6 +3,7 @@
 #include "Preferences/SettingsItem.h"
 #include "support/TestSupport.h"
 
+#include <QSet>
 #include <QSignalSpy>
 #include <QTest>
 
@@ -11,52 +12,48 @@ using namespace Qt::StringLiterals;
 
 using StoredValues = std::map<PreferenceKey, QVariant>;
 Q_DECLARE_METATYPE(StoredValues)
+Q_DECLARE_METATYPE(std::optional<KeyCombination>)
+Q_DECLARE_METATYPE(std::optional<Vantrope::PreferenceKey>)
 
 namespace {
 
-// A fallback unlike anything registerDefaults writes, so that a read of it cannot pass by chance.
-template<typename T> T fallbackFor()
-{
-    if constexpr (std::is_same_v<T, bool>) {
-        return true;
-    } else if constexpr (std::is_same_v<T, int>) {
-        return 42;
-    } else if constexpr (std::is_same_v<T, QString>) {
-        return u"fallback"_s;
-    } else if constexpr (std::is_same_v<T, QStringList>) {
-        return {u"a"_s};
-    } else if constexpr (std::is_same_v<T, QDateTime>) {
-        return QDateTime(QDate(2021, 6, 1), QTime(8, 30), Qt::UTC);
-    } else if constexpr (std::is_same_v<T, QByteArray>) {
-        return QByteArray("\x00\xff", 2);
-    } else {
-        return {{u"k"_s, QVariantMap{{u"keyCode"_s, 7}}}};
-    }
-}
+using K = PreferenceKey;
 
-// Reads `key` through its typed preference, as the program does: {stored value, value with fallback,
-// fallback}.
+// What the program's typed reads of `key` give, in the stored form: storedValue() and value().
 struct TypedRead {
     std::optional<QVariant> stored;
-    QVariant withFallback;
-    QVariant fallback;
+    QVariant value; // null for a type that has no empty value to fall back to
 };
 
 TypedRead typedRead(const Preferences& preferences, PreferenceKey key)
 {
-    switch (key) {
-#define VANTROPE_TEST_CASE(name, stored, type)                                                               \
-    case PreferenceKey::name: {                                                                              \
-        using Traits = PreferenceValueTraits<type>;                                                          \
-        const auto value = preferences.storedValue(PreferenceKeys::name);                                    \
-        return {value ? std::optional(Traits::toVariant(*value)) : std::nullopt,                             \
-                Traits::toVariant(preferences.value(PreferenceKeys::name, fallbackFor<type>())),             \
-                Traits::toVariant(fallbackFor<type>())};                                                     \
+    return visitPreferenceKey(key, [&]<typename T>(TypedPreferenceKey<T> typed) {
+        using Traits = PreferenceValueTraits<T>;
+        TypedRead read;
+        if (const std::optional<T> stored = preferences.storedValue(typed)) {
+            read.stored = Traits::toVariant(*stored);
+        }
+        if constexpr (std::default_initializable<T>) {
+            read.value = Traits::toVariant(preferences.value(typed));
+        }
+        return read;
+    });
+}
+
+// What a read falls back to: the table's default, else the type's empty value.
+QVariant readDefault(PreferenceKey key)
+{
+    const QVariant tableDefault = PreferenceDefinition::of(key).defaultValue;
+    if (!tableDefault.isNull()) {
+        return tableDefault;
     }
-        VANTROPE_PREFERENCE_KEYS(VANTROPE_TEST_CASE)
-#undef VANTROPE_TEST_CASE
-    }
-    return {};
+    return visitPreferenceKey(key, []<typename T>(TypedPreferenceKey<T>) {
+        if constexpr (std::default_initializable<T>) {
+            return PreferenceValueTraits<T>::toVariant(T{});
+        } else {
+            return QVariant();
+        }
+    });
 }
 
 std::unique_ptr<Preferences> makePreferences(StoredValues values = {})
@@ -69,27 +66,35 @@ const StoredValues& stored(const Preferences& preferences)
     return static_cast<const MemoryPreferenceStorage&>(preferences.storage()).storage();
 }
 
-StoredValues firstRunDefaults()
+// What the first start writes into an empty store, or into one of a user who upgrades.
+StoredValues firstStartWrites(bool upgrade)
 {
-    return {
-        {PreferenceKey::prefersShowInDock, false},
-        {PreferenceKey::doubleClickAction, 0},
-        {PreferenceKey::shelfTriggerModifierKey, u"shift"_s},
-        {PreferenceKey::shelfTriggerModifierKeyEnabled, true},
-        {PreferenceKey::didMigrateTemporaryDirectoryStructure, false},
-        {PreferenceKey::draggableTextForcesPlainText, false},
-        {PreferenceKey::lastOutlineDisplayMode, 0},
-        {PreferenceKey::shelfHotkeysEnabled, true},
-        {PreferenceKey::instantActionsEnabled, true},
-        {PreferenceKey::notchDragHighlightBehavior, 0},
-        {PreferenceKey::shelfRetractionEnabled, false},
-        {PreferenceKey::cloudRequiresAgreement, true},
-        {PreferenceKey::notchDragEnabled, true},
-        {PreferenceKey::userScreenshotShowConfirmationMessage, true},
-        {PreferenceKey::didPerformWatchedFoldersFilterMigration, false},
-        {PreferenceKey::preferredMenuBarIconIdentifier, u"traditional"_s},
-        {PreferenceKey::fileOperationMainMenuIdentifiers, QStringList{u"file_op_copy"_s, u"file_op_move"_s}},
-    };
+    StoredValues expected;
+    for (const PreferenceDefinition& definition : PreferenceDefinition::all()) {
+        if (definition.defaultUse == PreferenceDefaultUse::firstRun) {
+            expected[definition.key] = definition.defaultValue;
+        }
+    }
+    expected[K::prefersShowInDock] = false; // as prefersHiddenStatusItem, unset here
+    expected[K::notchDragEnabled] = !upgrade;
+    if (upgrade) {
+        expected[K::hasLaunchedApp] = true;
+    } else {
+        expected[K::shelfRetractionEnabled] = false;
+    }
+    return expected;
+}
+
+QVariantMap combination(int key, int modifiers)
+{
+    return {{u"keyCode"_s, key}, {u"modifiers"_s, modifiers}};
+}
+
+std::optional<KeyCombination> combinationOf(int key, int modifiers)
+{
+    const auto made = KeyCombination::from(key, modifiers);
+    Q_ASSERT(made);
+    return made;
 }
 
 // Turns a stored form into a settings item and back: {case index, stored form}, or nothing.
@@ -121,20 +126,77 @@ class TestPreferences final : public QObject {
 private Q_SLOTS:
     void initTestCase() { Test::isolateStandardPaths(); }
 
-    void storedNames()
+    void everyKeyIsFoundByItsStoredName()
     {
-        // Two keys of one name would fail the round trip.
-        for (const PreferenceKey key : allPreferenceKeys()) {
-            QCOMPARE(preferenceKeyFromStoredName(preferenceStoredName(key)), std::optional(key));
+        QCOMPARE(PreferenceDefinition::all().size(), preferenceKeyCount);
+        for (const PreferenceDefinition& definition : PreferenceDefinition::all()) {
+            // Two keys of one name would find the first twice.
+            QCOMPARE(PreferenceDefinition::find(definition.storedName), &definition);
+            QCOMPARE(&PreferenceDefinition::of(definition.key), &definition);
+            QCOMPARE(definition.type, preferenceValueType(definition.key));
         }
-        // Stored values must survive, so these odd names stay as existing files have them.
-        QCOMPARE(preferenceStoredName(PreferenceKey::hasLaunchedApp), u"IsFirstLaunch"_s);
-        QCOMPARE(preferenceStoredName(PreferenceKey::didPerformInstantActionMigration),
-                 u"DidPerformanceInstantActionMigration"_s);
-        for (const char* unknown :
-             {"", "isFirstLaunch", "hasLaunchedApp", "DidPerformInstantActionMigration"}) {
-            QCOMPARE(preferenceKeyFromStoredName(QString::fromLatin1(unknown)), std::nullopt);
+    }
+
+    void lookUpByStoredName_data()
+    {
+        QTest::addColumn<QString>("name");
+        QTest::addColumn<std::optional<PreferenceKey>>("key");
+
+        // Stored values must survive, so the odd names stay as existing files have them.
+        QTest::newRow("named unlike its key") << u"IsFirstLaunch"_s << std::optional(K::hasLaunchedApp);
+        QTest::newRow("misspelt") << u"DidPerformanceInstantActionMigration"_s
+                                  << std::optional(K::didPerformInstantActionMigration);
+        QTest::newRow("lower case") << u"didConfigureDefaultShowHideHotKey"_s
+                                    << std::optional(K::didConfigureDefaultShowHideHotKey);
+        QTest::newRow("case differs") << u"isFirstLaunch"_s << std::optional<PreferenceKey>();
+        QTest::newRow("the enumerator") << u"hasLaunchedApp"_s << std::optional<PreferenceKey>();
+        QTest::newRow("corrected spelling")
+            << u"DidPerformInstantActionMigration"_s << std::optional<PreferenceKey>();
+        QTest::newRow("empty") << QString() << std::optional<PreferenceKey>();
+        // Keys with no use on Linux are gone; files of older versions may still hold them.
+        for (const char* dropped : {"CloudKitDisabled", "RatingPromptHistory", "LastRatingPromptDate",
+                                    "CloudRequiresAgreement", "CloudLinkType"}) {
+            QTest::newRow(dropped) << QString::fromLatin1(dropped) << std::optional<PreferenceKey>();
         }
+    }
+
+    void lookUpByStoredName()
+    {
+        QFETCH(QString, name);
+        QFETCH(std::optional<PreferenceKey>, key);
+        const PreferenceDefinition* found = PreferenceDefinition::find(name);
+        QCOMPARE(found ? std::optional(found->key) : std::nullopt, key);
+    }
+
+    void labelsNameTheKeysAPersonChanges()
+    {
+        QSet<QByteArray> labelKeys;
+        for (const PreferenceDefinition& definition : PreferenceDefinition::all()) {
+            const QString name = definition.storedName.toString();
+            if (definition.isInternal()) {
+                QVERIFY2(definition.localizedLabel().isEmpty(), qPrintable(name));
+                continue;
+            }
+            // No translation is loaded, so the English text shows.
+            QCOMPARE(definition.localizedLabel(), QString::fromUtf8(definition.label.english));
+            QVERIFY2(!definition.localizedLabel().isEmpty(), qPrintable(name));
+            const QByteArray labelKey(definition.label.key);
+            QVERIFY2(labelKey.startsWith("settings."), qPrintable(name));
+            QVERIFY2(!labelKeys.contains(labelKey), labelKey.constData());
+            labelKeys.insert(labelKey);
+        }
+    }
+
+    void nothingStoredReadsEveryDefault()
+    {
+        const auto preferences = makePreferences();
+        for (const PreferenceDefinition& definition : PreferenceDefinition::all()) {
+            const TypedRead read = typedRead(*preferences, definition.key);
+            QVERIFY2(!read.stored, qPrintable(definition.storedName.toString()));
+            QCOMPARE(read.value, readDefault(definition.key));
+        }
+        // A default is never written by reading it.
+        QVERIFY(stored(*preferences).empty());
     }
 
     void valuesOfTheWrongTypeReadAsAbsent_data()
@@ -146,17 +208,16 @@ private Q_SLOTS:
         const QVariant absent;
         const QDateTime date(QDate(2024, 2, 29), QTime(23, 59, 59, 999), Qt::UTC);
         const QStringList apps{u"org.example.one"_s, u"org.example.two"_s};
-        const QVariantMap combo{{u"keyCode"_s, 49}};
-        const QVariantMap combos{{u"custom_pin"_s, combo}};
-        using K = PreferenceKey;
+        const QVariantMap space = combination(Qt::Key_Space, Qt::ControlModifier | Qt::ShiftModifier);
 
         QTest::newRow("bool") << K::launchAtLogin << QVariant(true) << QVariant(true);
         QTest::newRow("bool from int") << K::launchAtLogin << QVariant(1) << absent;
         QTest::newRow("int from long") << K::numberOfDrops << QVariant(qlonglong(-5)) << QVariant(-5);
         QTest::newRow("int from unsigned") << K::numberOfDrops << QVariant(7u) << QVariant(7);
         QTest::newRow("int from text") << K::numberOfDrops << QVariant(u"5"_s) << absent;
+        QTest::newRow("int from fraction") << K::numberOfDrops << QVariant(5.0) << absent;
         QTest::newRow("int too large") << K::numberOfDrops << QVariant(qlonglong(1) << 40) << absent;
-        QTest::newRow("string from bytes") << K::cloudLinkType << QVariant(QByteArray("x")) << absent;
+        QTest::newRow("string from bytes") << K::amazonAccessControl << QVariant(QByteArray("x")) << absent;
         QTest::newRow("list from variants")
             << K::ignoredApplication << QVariant(QVariantList{apps[0], apps[1]}) << QVariant(apps);
         QTest::newRow("empty list") << K::ignoredApplication << QVariant(QVariantList())
@@ -164,18 +225,31 @@ private Q_SLOTS:
         QTest::newRow("list from text") << K::ignoredApplication << QVariant(apps[0]) << absent;
         QTest::newRow("list with a number")
             << K::ignoredApplication << QVariant(QVariantList{apps[0], 1}) << absent;
-        QTest::newRow("dictionary") << K::showHideHotKeyCombo << QVariant(combo) << QVariant(combo);
-        QTest::newRow("dictionary from list")
-            << K::showHideHotKeyCombo << QVariant(QVariantList{combo}) << absent;
-        QTest::newRow("dictionaries")
-            << K::registeredKeyboardActionCombinations << QVariant(combos) << QVariant(combos);
-        QTest::newRow("dictionaries with a number")
-            << K::registeredKeyboardActionCombinations << QVariant(QVariantMap{{u"x"_s, 3}}) << absent;
-        QTest::newRow("date") << K::lastRatingPromptDate << QVariant(date) << QVariant(date);
+        QTest::newRow("combination") << K::showHideHotKeyCombo << QVariant(space) << QVariant(space);
+        QTest::newRow("combination from list")
+            << K::showHideHotKeyCombo << QVariant(QVariantList{space}) << absent;
+        QTest::newRow("malformed combination")
+            << K::showHideClipboardHotKeyCombo << QVariant(combination(Qt::Key_Space, 768)) << absent;
+        QTest::newRow("combinations")
+            << K::registeredKeyboardActionCombinations << QVariant(QVariantMap{{u"newShelf"_s, space}})
+            << QVariant(QVariantMap{{u"newShelf"_s, space}});
+        // One broken binding costs that action its keys, not the others theirs.
+        QTest::newRow("combinations with malformed ones")
+            << K::registeredKeyboardActionCombinations
+            << QVariant(QVariantMap{{u"newShelf"_s, space},
+                                    {u"closeAllShelves"_s, 3},
+                                    {u"openRecentShelf"_s, QVariantMap{{u"keyCode"_s, u"x"_s}}}})
+            << QVariant(QVariantMap{{u"newShelf"_s, space}});
+        QTest::newRow("combinations from list")
+            << K::registeredKeyboardActionCombinations << QVariant(QVariantList{space}) << absent;
+        QTest::newRow("date") << K::lastTemporaryDataSanitationDate << QVariant(date) << QVariant(date);
         QTest::newRow("date from text")
-            << K::lastRatingPromptDate << QVariant(date.toString(Qt::ISODate)) << absent;
-        QTest::newRow("invalid date") << K::lastRatingPromptDate << QVariant(QDateTime()) << absent;
+            << K::lastTemporaryDataSanitationDate << QVariant(date.toString(Qt::ISODate)) << absent;
+        QTest::newRow("invalid date")
+            << K::lastTemporaryDataSanitationDate << QVariant(QDateTime()) << absent;
         QTest::newRow("data from text") << K::bucketDestinationPath << QVariant(u"z"_s) << absent;
+        // The default applies to a value of the wrong type just as to none at all.
+        QTest::newRow("default over a number") << K::defaultShelfLocation << QVariant(1) << absent;
     }
 
     void valuesOfTheWrongTypeReadAsAbsent()
@@ -187,9 +261,9 @@ private Q_SLOTS:
         const auto preferences = makePreferences({{key, stored}});
         const TypedRead read = typedRead(*preferences, key);
         if (expected.isNull()) {
-            QVERIFY(!read.stored);
-            QCOMPARE(read.withFallback, read.fallback);
-            // Reading leaves it alone: a fallback is never written.
+            QCOMPARE(read.stored, std::nullopt);
+            QCOMPARE(read.value, readDefault(key));
+            // Reading leaves it alone: a default is never written.
             QCOMPARE(preferences->storage().value(key), std::optional(stored));
         } else {
             QVERIFY(read.stored);
@@ -198,35 +272,94 @@ private Q_SLOTS:
         }
     }
 
+    void keyCombinationFromDictionary_data()
+    {
+        QTest::addColumn<QVariant>("dictionary");
+        QTest::addColumn<std::optional<KeyCombination>>("expected");
+
+        const std::optional<KeyCombination> absent;
+        const int ctrlAlt = Qt::ControlModifier | Qt::AltModifier;
+        QTest::newRow("Ctrl+Alt+Space")
+            << QVariant(combination(Qt::Key_Space, ctrlAlt)) << combinationOf(Qt::Key_Space, ctrlAlt);
+        QTest::newRow("function key alone")
+            << QVariant(combination(Qt::Key_F13, 0)) << combinationOf(Qt::Key_F13, 0);
+        QTest::newRow("letter beyond Latin-1")
+            << QVariant(combination(0x416, Qt::MetaModifier)) << combinationOf(0x416, Qt::MetaModifier);
+        QTest::newRow("other members are ignored")
+            << QVariant(QVariantMap{{u"keyCode"_s, int(Qt::Key_A)},
+                                    {u"modifiers"_s, int(Qt::ShiftModifier)},
+                                    {u"title"_s, u"Shift+A"_s}})
+            << combinationOf(Qt::Key_A, Qt::ShiftModifier);
+
+        QTest::newRow("not a dictionary") << QVariant(QVariantList{int(Qt::Key_A), 0}) << absent;
+        QTest::newRow("empty") << QVariant(QVariantMap()) << absent;
+        QTest::newRow("no modifiers") << QVariant(QVariantMap{{u"keyCode"_s, int(Qt::Key_A)}}) << absent;
+        QTest::newRow("no key") << QVariant(QVariantMap{{u"modifiers"_s, 0}}) << absent;
+        QTest::newRow("key as text") << QVariant(QVariantMap{{u"keyCode"_s, u"65"_s}, {u"modifiers"_s, 0}})
+                                     << absent;
+        QTest::newRow("modifiers as bool")
+            << QVariant(QVariantMap{{u"keyCode"_s, int(Qt::Key_A)}, {u"modifiers"_s, true}}) << absent;
+        QTest::newRow("no key code") << QVariant(combination(0, int(Qt::ControlModifier))) << absent;
+        QTest::newRow("below space") << QVariant(combination(0x1b, 0)) << absent;
+        QTest::newRow("unknown key") << QVariant(combination(Qt::Key_unknown, 0)) << absent;
+        QTest::newRow("beyond Unicode") << QVariant(combination(0x110000, 0)) << absent;
+        QTest::newRow("key carrying modifiers")
+            << QVariant(combination(int(Qt::Key_A) | int(Qt::ShiftModifier), 0)) << absent;
+        QTest::newRow("modifiers that are no Qt flags")
+            << QVariant(combination(Qt::Key_Space, 768)) << absent;
+        QTest::newRow("modifiers with the sign bit")
+            << QVariant(combination(Qt::Key_Space, int(0x80000000u | Qt::ShiftModifier))) << absent;
+    }
+
+    void keyCombinationFromDictionary()
+    {
+        QFETCH(QVariant, dictionary);
+        QFETCH(std::optional<KeyCombination>, expected);
+
+        const std::optional<KeyCombination> read = KeyCombination::fromDictionary(dictionary);
+        QCOMPARE(read, expected);
+        if (expected) {
+            // Written back in the one stored form: two ints, nothing else.
+            const QVariantMap written = read->toDictionary();
+            QCOMPARE(written, combination(expected->key(), int(expected->modifiers().toInt())));
+            QCOMPARE(written.value(u"keyCode"_s).typeId(), QMetaType::Int);
+            QCOMPARE(written.value(u"modifiers"_s).typeId(), QMetaType::Int);
+            QCOMPARE(KeyCombination::fromDictionary(written), expected);
+        }
+    }
+
     void registerDefaultsOnFirstRunAndUpgrade_data()
     {
         QTest::addColumn<bool>("upgrade");
-        QTest::addColumn<StoredValues>("expected");
-
-        QTest::newRow("first run") << false << firstRunDefaults();
+        QTest::newRow("first run") << false;
         // hasLaunchedApp is set: what new users get stays off, and retraction stays unset.
-        StoredValues upgrade = firstRunDefaults();
-        upgrade[PreferenceKey::hasLaunchedApp] = true;
-        upgrade[PreferenceKey::cloudRequiresAgreement] = false;
-        upgrade[PreferenceKey::notchDragEnabled] = false;
-        upgrade.erase(PreferenceKey::shelfRetractionEnabled);
-        QTest::newRow("upgrade") << true << upgrade;
+        QTest::newRow("upgrade") << true;
     }
 
     void registerDefaultsOnFirstRunAndUpgrade()
     {
         QFETCH(bool, upgrade);
-        QFETCH(StoredValues, expected);
+        const StoredValues expected = firstStartWrites(upgrade);
 
-        auto preferences =
-            upgrade ? makePreferences({{PreferenceKey::hasLaunchedApp, true}}) : makePreferences();
+        auto preferences = upgrade ? makePreferences({{K::hasLaunchedApp, true}}) : makePreferences();
         preferences->registerDefaults();
         for (const auto& [key, value] : stored(*preferences)) {
-            QVERIFY2(expected.contains(key), qPrintable(preferenceStoredName(key)));
+            const QString name = PreferenceDefinition::of(key).storedName.toString();
+            QVERIFY2(expected.contains(key), qPrintable(name));
             QCOMPARE(value.typeId(), expected.at(key).typeId());
             QCOMPARE(value, expected.at(key));
+            // What is written reads back through the key's type.
+            QVERIFY2(typedRead(*preferences, key).stored, qPrintable(name));
         }
         QCOMPARE(stored(*preferences).size(), expected.size());
+        if (!upgrade) {
+            // Every key the table says the first start writes, it writes.
+            for (const PreferenceDefinition& definition : PreferenceDefinition::all()) {
+                QVERIFY2(definition.defaultUse == PreferenceDefaultUse::atRead ||
+                             stored(*preferences).contains(definition.key),
+                         qPrintable(definition.storedName.toString()));
+            }
+        }
     }
 
     void registerDefaultsFollowsWhatIsStored_data()
@@ -235,11 +368,10 @@ private Q_SLOTS:
         QTest::addColumn<QVariant>("storedValue");
         QTest::addColumn<PreferenceKey>("key");
         QTest::addColumn<QVariant>("expected");
-        using K = PreferenceKey;
 
-        QTest::newRow("hidden status item shows in dock")
+        QTest::newRow("hidden tray icon shows in taskbar")
             << K::prefersHiddenStatusItem << QVariant(true) << K::prefersShowInDock << QVariant(true);
-        QTest::newRow("hidden status item of wrong type")
+        QTest::newRow("hidden tray icon of wrong type")
             << K::prefersHiddenStatusItem << QVariant(1) << K::prefersShowInDock << QVariant(false);
         // A wrongly typed value is overwritten; each type's strictness is checked above.
         QTest::newRow("int as text") << K::doubleClickAction << QVariant(u"0"_s) << K::doubleClickAction
@@ -248,8 +380,8 @@ private Q_SLOTS:
                                       << K::fileOperationMainMenuIdentifiers
                                       << QVariant(QStringList{u"file_op_copy"_s, u"file_op_move"_s});
         // A launch flag of the wrong type is no launch: the first-run values apply.
-        QTest::newRow("launch flag as text: agreement")
-            << K::hasLaunchedApp << QVariant(u"true"_s) << K::cloudRequiresAgreement << QVariant(true);
+        QTest::newRow("launch flag as text: top drop zone")
+            << K::hasLaunchedApp << QVariant(u"true"_s) << K::notchDragEnabled << QVariant(true);
         QTest::newRow("launch flag as text: retraction")
             << K::hasLaunchedApp << QVariant(u"true"_s) << K::shelfRetractionEnabled << QVariant(false);
     }
@@ -274,11 +406,12 @@ private Q_SLOTS:
         auto preferences = makePreferences();
         preferences->registerDefaults();
         preferences->setValue(PreferenceKeys::hasLaunchedApp, true);
+        const StoredValues written = stored(*preferences);
         QSignalSpy changes(preferences.get(), &Preferences::changed);
         // The second start finds the defaults; before the third the user changed every one of them: to
         // the other bool, another number or text, an empty list.
         for (const bool userChanged : {false, true}) {
-            for (const auto& [key, value] : userChanged ? firstRunDefaults() : StoredValues()) {
+            for (const auto& [key, value] : userChanged ? written : StoredValues()) {
                 switch (value.typeId()) {
                 case QMetaType::Bool:
                     preferences->storage().setValue(key, !value.toBool());
@@ -308,31 +441,33 @@ private Q_SLOTS:
         preferences->registerDefaults([&](Preferences& given) {
             ++calls;
             storedWhenCalled = stored(given).size();
-            given.setValue(PreferenceKeys::registeredKeyboardActionIdentifiers, {u"custom_pin"_s});
+            given.setValue(PreferenceKeys::registeredKeyboardActionIdentifiers, {u"newShelf"_s});
         });
         QCOMPARE(calls, 1);
-        QCOMPARE(storedWhenCalled, firstRunDefaults().size());
-        QCOMPARE(preferences->value(PreferenceKeys::registeredKeyboardActionIdentifiers, {}),
-                 QStringList{u"custom_pin"_s});
+        QCOMPARE(storedWhenCalled, firstStartWrites(false).size());
+        QCOMPARE(preferences->value(PreferenceKeys::registeredKeyboardActionIdentifiers),
+                 QStringList{u"newShelf"_s});
     }
 
     void writesAnnounceTheKey()
     {
-        auto preferences = makePreferences({{PreferenceKey::numberOfDrops, 3}});
+        auto preferences = makePreferences({{K::numberOfDrops, 3}});
         QSignalSpy changes(preferences.get(), &Preferences::changed);
         auto& drops = preferences->preference(PreferenceKeys::numberOfDrops);
         QCOMPARE(&preferences->preference(PreferenceKeys::numberOfDrops), &drops);
-        QCOMPARE(preferences->value(PreferenceKeys::numberOfDrops, 0), 3);
+        QCOMPARE(preferences->value(PreferenceKeys::numberOfDrops), 3);
         QCOMPARE(changes.count(), 0);
 
         drops.setValue(4);
         preferences->removeValue(PreferenceKeys::numberOfDrops);
-        preferences->setValue(PreferenceKeys::launchAtLogin, true);
+        preferences->setValue(PreferenceKeys::showHideHotKeyCombo, *combinationOf(Qt::Key_F1, 0));
         QCOMPARE(changes.count(), 3);
-        QCOMPARE(changes.at(0).at(0).value<PreferenceKey>(), PreferenceKey::numberOfDrops);
-        QCOMPARE(changes.at(1).at(0).value<PreferenceKey>(), PreferenceKey::numberOfDrops);
-        QCOMPARE(changes.at(2).at(0).value<PreferenceKey>(), PreferenceKey::launchAtLogin);
+        QCOMPARE(changes.at(0).at(0).value<PreferenceKey>(), K::numberOfDrops);
+        QCOMPARE(changes.at(1).at(0).value<PreferenceKey>(), K::numberOfDrops);
+        QCOMPARE(changes.at(2).at(0).value<PreferenceKey>(), K::showHideHotKeyCombo);
         QCOMPARE(drops.storedValue(), std::nullopt);
+        QCOMPARE(preferences->storage().value(K::showHideHotKeyCombo),
+                 std::optional(QVariant(combination(Qt::Key_F1, 0))));
     }
 
     void settingsItemStoredForms_data()

@@ -29,9 +29,9 @@ DragRecognizerConfiguration::DragRecognizerConfiguration(Preferences& preference
     , m_recognizer(recognizer)
 {
     m_recognizer.setSensitivity(
-        sensitivityAtStart(m_preferences.value(PreferenceKeys::shakeGestureSensitivity, 0)));
+        sensitivityAtStart(m_preferences.value(PreferenceKeys::shakeGestureSensitivity)));
     m_recognizer.setShakeGestureDetectionDisabled(
-        m_preferences.value(PreferenceKeys::shakeGestureDisabled, false));
+        m_preferences.value(PreferenceKeys::shakeGestureDisabled));
     applyIgnoredApplications();
     m_recognizer.setModifierFlags(modifierFlags(m_preferences));
 
@@ -64,11 +64,11 @@ QStringList DragRecognizerConfiguration::ignoredApplications(const QStringList& 
 
 std::optional<EventModifierFlags> DragRecognizerConfiguration::modifierFlags(const Preferences& preferences)
 {
-    if (!preferences.value(PreferenceKeys::shelfTriggerModifierKeyEnabled, false)) {
+    if (!preferences.value(PreferenceKeys::shelfTriggerModifierKeyEnabled)) {
         return std::nullopt;
     }
     const auto key = SettingsItem::shelfTriggerModifierKey(
-                         preferences.value(PreferenceKeys::shelfTriggerModifierKey, QString()))
+                         preferences.value(PreferenceKeys::shelfTriggerModifierKey))
                          .value_or(SettingsItem::ShelfTriggerModifierKey::shift);
     switch (key) {
     case SettingsItem::ShelfTriggerModifierKey::shift:
@@ -86,13 +86,13 @@ void DragRecognizerConfiguration::preferenceChanged(PreferenceKey key)
     switch (key) {
     case PreferenceKey::shakeGestureSensitivity:
         if (const auto sensitivity =
-                sensitivityOnChange(m_preferences.value(PreferenceKeys::shakeGestureSensitivity, 0))) {
+                sensitivityOnChange(m_preferences.value(PreferenceKeys::shakeGestureSensitivity))) {
             m_recognizer.setSensitivity(*sensitivity);
         }
         break;
     case PreferenceKey::shakeGestureDisabled:
         m_recognizer.setShakeGestureDetectionDisabled(
-            m_preferences.value(PreferenceKeys::shakeGestureDisabled, false));
+            m_preferences.value(PreferenceKeys::shakeGestureDisabled));
         break;
     case PreferenceKey::ignoredApplication:
         applyIgnoredApplications();
@@ -109,7 +109,7 @@ void DragRecognizerConfiguration::preferenceChanged(PreferenceKey key)
 void DragRecognizerConfiguration::applyIgnoredApplications()
 {
     m_recognizer.setIgnoredApplications(
-        ignoredApplications(m_preferences.value(PreferenceKeys::ignoredApplication, {})));
+        ignoredApplications(m_preferences.value(PreferenceKeys::ignoredApplication)));
 }
 
 } // namespace Vantrope

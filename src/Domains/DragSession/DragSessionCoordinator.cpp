@@ -293,8 +293,7 @@ bool DragSessionCoordinator::shouldAcceptDrag(const QMimeData& data)
     if (!m_dropIntake.enter(data)) {
         return false;
     }
-    if (m_preferences.value(PreferenceKeys::shelfRetractionEnabled, false) &&
-        m_itemsController->items().isEmpty()) {
+    if (m_preferences.value(PreferenceKeys::shelfRetractionEnabled) && m_itemsController->items().isEmpty()) {
         m_retractOnItemDrop = true;
     }
     return true;
@@ -320,7 +319,7 @@ bool DragSessionCoordinator::didDrop(const InboundDrop& drop)
     }
     const std::optional<DragSessionDropIntake::Outcome> outcome = m_dropIntake.drop(
         drop.data, drop.directSaveName, drop.promiseFactory,
-        m_preferences.value(PreferenceKeys::draggableTextForcesPlainText, false), m_itemsController->items());
+        m_preferences.value(PreferenceKeys::draggableTextForcesPlainText), m_itemsController->items());
     // A large drop is taken now and read in a moment.
     return !outcome || concludeDrop(*outcome);
 }
@@ -381,7 +380,7 @@ void DragSessionCoordinator::receivePromises(const DraggableList& draggables, qu
 void DragSessionCoordinator::didDragItems(const DragEvent& event, bool hasMoved)
 {
     if (event.endedInDrop) {
-        const bool closes = hasMoved || m_preferences.value(PreferenceKeys::alwaysCloseShelf, false);
+        const bool closes = hasMoved || m_preferences.value(PreferenceKeys::alwaysCloseShelf);
         // Files still being received were not in the drag; closing now would lose them.
         const auto stillArriving = [this] {
             const DraggableList items = m_itemsController->items();
@@ -393,7 +392,7 @@ void DragSessionCoordinator::didDragItems(const DragEvent& event, bool hasMoved)
         } else {
             saveSession();
         }
-        const int drops = m_preferences.value(PreferenceKeys::numberOfDrops, 0) + 1;
+        const int drops = m_preferences.value(PreferenceKeys::numberOfDrops) + 1;
         m_preferences.setValue(PreferenceKeys::numberOfDrops, drops);
     } else {
         if (event.kind == DragEvent::Kind::ended && m_retractOnItemDrop) {

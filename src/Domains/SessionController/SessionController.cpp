@@ -65,8 +65,8 @@ void SessionController::setCoordinators(QList<std::shared_ptr<DragSessionCoordin
 
 DragSessionLabel SessionController::newLabel()
 {
-    const bool keepInOwnSpace = m_dependencies.preferences.value(PreferenceKeys::keepShelfInSpace, false);
-    if (!m_dependencies.preferences.value(PreferenceKeys::shelfLabelsEnabled, false)) {
+    const bool keepInOwnSpace = m_dependencies.preferences.value(PreferenceKeys::keepShelfInSpace);
+    if (!m_dependencies.preferences.value(PreferenceKeys::shelfLabelsEnabled)) {
         return DragSessionLabel::gray(keepInOwnSpace);
     }
     DragSessionLabel label = DragSessionLabel::gray(keepInOwnSpace);
@@ -85,7 +85,7 @@ QPointF SessionController::originFor(const DragSessionSource& source) const
         }
     }
     const auto stored =
-        m_dependencies.preferences.value(PreferenceKeys::defaultShelfLocation, QStringLiteral("topRight"));
+        m_dependencies.preferences.value(PreferenceKeys::defaultShelfLocation);
     const auto location = SettingsItem::shelfLocation(stored).value_or(SettingsItem::ShelfLocation::topRight);
 
     if (source.is<DragSessionSource::Gesture>()) {
@@ -283,7 +283,7 @@ void SessionController::handleScreenshot(const QUrl& url)
     }
     Preferences& preferences = m_dependencies.preferences;
     std::shared_ptr<DragSessionCoordinator> target;
-    if (preferences.value(PreferenceKeys::screenshotObservationDistributionOption, QString()) ==
+    if (preferences.value(PreferenceKeys::screenshotObservationDistributionOption) ==
         QStringLiteral("append")) {
         for (const auto& coordinator : coordinators()) {
             if (coordinator->tag() == screenshotShelfTag && coordinator->window().alphaValue() != 0 &&
@@ -301,13 +301,13 @@ void SessionController::handleScreenshot(const QUrl& url)
         target = startSession(DragSessionSource::MenuBarDrop{{file}, m_dependencies.screens.mainScreen()});
         target->setTag(screenshotShelfTag);
     }
-    if (preferences.value(PreferenceKeys::userScreenshotCopyToClipboard, false)) {
+    if (preferences.value(PreferenceKeys::userScreenshotCopyToClipboard)) {
         qCInfo(lcDragSession) << "Copying captured screenshot to clipboard...";
         if (copyToClipboard) {
             copyToClipboard(url);
         }
     }
-    if (preferences.value(PreferenceKeys::userScreenshotShowConfirmationMessage, true)) {
+    if (preferences.value(PreferenceKeys::userScreenshotShowConfirmationMessage)) {
         m_dependencies.messages.show(
             target->window().windowNumber(),
             Message::plain(Message::Icon::screenshot,
@@ -318,7 +318,7 @@ void SessionController::handleScreenshot(const QUrl& url)
 
 void SessionController::relabel()
 {
-    const bool enabled = m_dependencies.preferences.value(PreferenceKeys::shelfLabelsEnabled, false);
+    const bool enabled = m_dependencies.preferences.value(PreferenceKeys::shelfLabelsEnabled);
     for (const auto& coordinator : coordinators()) {
         if (coordinator->label().userDefined) {
             continue;

@@ -368,7 +368,7 @@ bool QtDragSessionView::mouseDragged(const QPoint& pressPosition)
     drag->setPixmap(pixmap);
     drag->setHotSpot(QPoint(int(pixmap.width() / pixmap.devicePixelRatio() / 2),
                             int(pixmap.height() / pixmap.devicePixelRatio() / 2)));
-    const Qt::DropActions actions = m_preferences.value(PreferenceKeys::copiesContentOnDrag, false)
+    const Qt::DropActions actions = m_preferences.value(PreferenceKeys::copiesContentOnDrag)
                                         ? Qt::DropActions(Qt::CopyAction)
                                         : Qt::CopyAction | Qt::MoveAction | Qt::LinkAction;
     m_hasDraggedOutItems = true;

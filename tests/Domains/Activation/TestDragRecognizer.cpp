@@ -348,7 +348,7 @@ private Q_SLOTS:
 
         const auto row = [](const char* tag, const QVariantMap& stored, bool shakeDisabled = false,
                             const QStringList& ignored = {},
-                            std::optional<EventModifierFlags> modifier = {}) {
+                            std::optional<EventModifierFlags> modifier = EventModifierFlag::shift) {
             QTest::newRow(tag) << stored << shakeDisabled << ignored << modifier;
         };
         const auto trigger = [](const QString& key) {
@@ -357,7 +357,9 @@ private Q_SLOTS:
         };
         // The sensitivities and the control key at start and on change are configurationFollowsChanges'
         // concern; values of the wrong type read as absent, as the preferences' tests show.
+        // Holding shift is on by default; the first start writes that too.
         row("nothing stored", {});
+        row("trigger key off", {{u"ShelfTriggerModifierKeyEnabled"_s, false}}, false, {}, std::nullopt);
         row("unknown sensitivity is normal", {{u"ShakeGestureSensitivity"_s, 7}});
         row("shake off", {{u"ShakeGestureDisabled"_s, true}}, true);
         row("ignored applications",
@@ -376,7 +378,7 @@ private Q_SLOTS:
 
         Preferences preferences(std::make_unique<MemoryPreferenceStorage>());
         for (auto it = stored.cbegin(); it != stored.cend(); ++it) {
-            preferences.storage().setValue(*preferenceKeyFromStoredName(it.key()), it.value());
+            preferences.storage().setValue(PreferenceDefinition::find(it.key())->key, it.value());
         }
         m_recognizer->setIgnoredApplications({u"stale"_s});
         DragRecognizerConfiguration configuration(preferences, *m_recognizer);
@@ -408,6 +410,7 @@ private Q_SLOTS:
         preferences.setValue(PreferenceKeys::ignoredApplication, {u"Files.app"_s});
         QCOMPARE(m_recognizer->ignoredApplications(), QStringList{u"Files"_s});
 
+        preferences.setValue(PreferenceKeys::shelfTriggerModifierKeyEnabled, false);
         preferences.setValue(PreferenceKeys::shelfTriggerModifierKey, u"control"_s);
         QCOMPARE(m_recognizer->modifierFlags(), std::nullopt);
         preferences.setValue(PreferenceKeys::shelfTriggerModifierKeyEnabled, true);

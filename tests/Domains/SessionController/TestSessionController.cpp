@@ -171,7 +171,7 @@ private Q_SLOTS:
 
         shelf->didDragItems({endedInDrop, DragSessionViewDelegate::DragEvent::Kind::ended}, hasMoved);
         QTRY_COMPARE(shelf->hasStopped(), closes);
-        QCOMPARE(m_preferences->value(PreferenceKeys::numberOfDrops, 0), drops);
+        QCOMPARE(m_preferences->value(PreferenceKeys::numberOfDrops), drops);
         QCOMPARE(m_controller->coordinators().size(), closes ? 0 : 1);
     }
 

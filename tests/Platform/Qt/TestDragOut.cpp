@@ -136,7 +136,7 @@ private Q_SLOTS:
             QCOMPARE(typeValue("XdndDirectSave0"), items.size() == 1 ? QByteArray("E") : QByteArray());
         }
         // Counted once the shelf has made up its mind about the drop.
-        QTRY_COMPARE(m_preferences->value(PreferenceKeys::numberOfDrops, 0), 1);
+        QTRY_COMPARE(m_preferences->value(PreferenceKeys::numberOfDrops), 1);
         QTRY_COMPARE(!shelf->hasStopped(), keeps);
         if (keeps) {
             QCOMPARE(shelf->itemsController().items().size(), items.size());
@@ -180,7 +180,7 @@ private Q_SLOTS:
             expected += "\r\n";
         }
         QCOMPARE(QByteArray::fromPercentEncoding(typeValue(type.toUtf8())), expected);
-        QTRY_COMPARE(m_preferences->value(PreferenceKeys::numberOfDrops, 0), 1);
+        QTRY_COMPARE(m_preferences->value(PreferenceKeys::numberOfDrops), 1);
         QTRY_COMPARE(!shelf->hasStopped(), keeps);
         if (keeps) {
             QCOMPARE(shelf->itemsController().items().size(), 1);

@@ -479,14 +479,14 @@ private Q_SLOTS:
         if (action == QLatin1String("refuse")) {
             QVERIFY(stackView(*shelf).isCancelAnimationRunning());
             QCOMPARE(shelf->itemsController().items().size(), 2);
-            QCOMPARE(m_preferences->value(PreferenceKeys::numberOfDrops, 0), 0);
+            QCOMPARE(m_preferences->value(PreferenceKeys::numberOfDrops), 0);
             return;
         }
         QVERIFY(waitForOutput(m_target, "end"));
         const QByteArray uris = QByteArray::fromPercentEncoding(typeValue("text/uri-list"));
         QCOMPARE(uris,
                  QUrl::fromLocalFile(a).toEncoded() + "\r\n" + QUrl::fromLocalFile(b).toEncoded() + "\r\n");
-        QCOMPARE(m_preferences->value(PreferenceKeys::numberOfDrops, 0), 1);
+        QCOMPARE(m_preferences->value(PreferenceKeys::numberOfDrops), 1);
         QVERIFY(!shelf->view().hasDraggedOutItems());
     }
 
