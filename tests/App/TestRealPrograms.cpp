@@ -1,6 +1,8 @@
 #include "support/PointerScript.h"
 #include "support/TestSupport.h"
 
+#include <QDir>
+#include <QFile>
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
@@ -18,13 +20,7 @@ class TestRealPrograms final : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
-    void initTestCase()
-    {
-        m_browser = QStandardPaths::findExecutable(QStringLiteral("chromium"));
-        if (m_browser.isEmpty()) {
-            QSKIP("Chromium is not installed (scripts/deps.sh test installs it)");
-        }
-    }
+    void initTestCase() { m_browser = QStandardPaths::findExecutable(QStringLiteral("chromium")); }
 
     void init()
     {
@@ -37,8 +33,9 @@ private Q_SLOTS:
                                  m_home->filePath(QString::fromLatin1(name).toLower()));
         }
         // No introduction window in the way.
-        QVERIFY(Vantrope::Test::writeFile(m_home->filePath(QStringLiteral("config/vantrope/preferences.json")),
-                                          R"({"IsFirstLaunch": true})"));
+        QVERIFY(
+            Vantrope::Test::writeFile(m_home->filePath(QStringLiteral("config/vantrope/preferences.json")),
+                                      R"({"IsFirstLaunch": true})"));
         // The page reports what lands in its text field through its title, which the window manager sees.
         QVERIFY(Vantrope::Test::writeFile(m_home->filePath(QStringLiteral("page.html")), R"(<!doctype html>
 <html><head><title>ready</title></head><body style="margin:0">
@@ -53,13 +50,14 @@ field.addEventListener('input', () => { document.title = 'field:' + field.value;
 
     void cleanup()
     {
-        for (QProcess* process : {m_browserProcess.get(), m_agent.get()}) {
+        for (QProcess* process : {m_browserProcess.get(), m_fileManager.get(), m_agent.get()}) {
             if (process && process->state() != QProcess::NotRunning) {
                 process->kill();
                 process->waitForFinished();
             }
         }
         m_browserProcess.reset();
+        m_fileManager.reset();
         m_agent.reset();
         m_browserWindow.clear();
         m_page = {};
@@ -69,6 +67,7 @@ field.addEventListener('input', () => { document.title = 'field:' + field.value;
     // the shake itself must still get the drop.
     void aLinkShakenOutOfTheBrowserLandsOnItsShelf()
     {
+        skipWithoutBrowser();
         startAgent();
         startBrowser();
         const QRect page = m_page;
@@ -89,7 +88,8 @@ field.addEventListener('input', () => { document.title = 'field:' + field.value;
         releaseAll.dismiss();
         QTRY_COMPARE_WITH_TIMEOUT(list().at(0).toObject().value(QStringLiteral("items")).toArray().size(), 1,
                                   5000);
-        const QString item = list().at(0).toObject().value(QStringLiteral("items")).toArray().at(0).toString();
+        const QString item =
+            list().at(0).toObject().value(QStringLiteral("items")).toArray().at(0).toString();
         QVERIFY2(item.contains(QStringLiteral("example.org")), qPrintable(item));
     }
 
@@ -97,6 +97,7 @@ field.addEventListener('input', () => { document.title = 'field:' + field.value;
     // answers "move" for text does not take the item off the shelf.
     void aTextItemDraggedIntoTheBrowserIsText()
     {
+        skipWithoutBrowser();
         startAgent();
         // A text item comes from a text drop, made here with our own drag source onto an open shelf.
         startBrowser();
@@ -117,10 +118,10 @@ field.addEventListener('input', () => { document.title = 'field:' + field.value;
         QTRY_VERIFY_WITH_TIMEOUT(output.append(source.readAllStandardOutput()).contains("ready "), 10000);
         const QList<QByteArray> ready = output.mid(output.indexOf("ready ")).split('\n').first().split(' ');
         QCOMPARE(ready.size(), 3);
-        QVERIFY(Vantrope::Test::runXdotool(
-            Vantrope::Test::PointerScript()
-                .drag(QPoint(ready[1].toInt(), ready[2].toInt()), shelf.center())
-                .arguments()));
+        QVERIFY(
+            Vantrope::Test::runXdotool(Vantrope::Test::PointerScript()
+                                           .drag(QPoint(ready[1].toInt(), ready[2].toInt()), shelf.center())
+                                           .arguments()));
         QTRY_COMPARE_WITH_TIMEOUT(list().at(0).toObject().value(QStringLiteral("items")).toArray().size(), 1,
                                   5000);
 
@@ -136,12 +137,88 @@ field.addEventListener('input', () => { document.title = 'field:' + field.value;
         QCOMPARE(list().at(0).toObject().value(QStringLiteral("items")).toArray().size(), 1);
     }
 
+    // A file manager that gives X times in Unix seconds must not spoil later drags out of a shelf, even
+    // once another program has dragged something in between.
+    void fileItemsGoIntoTheFileManagerTimeAfterTime()
+    {
+        const QString fileManager = QStandardPaths::findExecutable(QStringLiteral("pcmanfm"));
+        if (fileManager.isEmpty()) {
+            QSKIP("pcmanfm is not installed (scripts/deps.sh test installs it)");
+        }
+        // A file manager moves files within one file system unless told to copy: offer copies only, so
+        // the shelf keeps its item for the second round.
+        QVERIFY(
+            Vantrope::Test::writeFile(m_home->filePath(QStringLiteral("config/vantrope/preferences.json")),
+                                      R"({"IsFirstLaunch": true, "CopiesContentOnDrag": true})"));
+        startAgent();
+        const QString report = m_home->filePath(QStringLiteral("report.txt"));
+        QVERIFY(Vantrope::Test::writeFile(report, "quarterly figures"));
+        QCOMPARE(run({QStringLiteral("add"), report}).exitCode, 0);
+        QTRY_VERIFY_WITH_TIMEOUT(!agentShelfGeometry().isEmpty(), 5000);
+        const QRect shelf = agentShelfGeometry();
+
+        const QString inbox = m_home->filePath(QStringLiteral("inbox"));
+        QVERIFY(QDir().mkpath(inbox));
+        m_fileManager = std::make_unique<QProcess>();
+        m_fileManager->setProcessEnvironment(m_environment);
+        m_fileManager->start(fileManager, {inbox});
+        QVERIFY(m_fileManager->waitForStarted());
+        QString window;
+        QTRY_VERIFY_WITH_TIMEOUT(
+            !(window = runTool(QStringLiteral("xdotool"),
+                               {QStringLiteral("search"), QStringLiteral("--onlyvisible"),
+                                QStringLiteral("--class"), QStringLiteral("pcmanfm")})
+                           .output.split(QLatin1Char('\n'), Qt::SkipEmptyParts)
+                           .value(0))
+                 .isEmpty(),
+            15000);
+        // Away from the shelf, whatever the window manager chose.
+        const QRect area = shelf.left() > 960 ? QRect(100, 100, 700, 600) : QRect(1100, 100, 700, 600);
+        QCOMPARE(runTool(QStringLiteral("xdotool"),
+                         {QStringLiteral("windowsize"), window, QString::number(area.width()),
+                          QString::number(area.height()), QStringLiteral("windowmove"), window,
+                          QString::number(area.x()), QString::number(area.y())})
+                     .exitCode,
+                 0);
+        QTest::qWait(500);
+        const QString copied = QDir(inbox).filePath(QStringLiteral("report.txt"));
+        for (int round = 0; round < 2; ++round) {
+            QVERIFY(Vantrope::Test::runXdotool(Vantrope::Test::PointerScript()
+                                                   .drag(shelf.center() + QPoint(0, 10), area.center())
+                                                   .arguments()));
+            QTRY_VERIFY2_WITH_TIMEOUT(QFile::exists(copied),
+                                      qPrintable(QStringLiteral("round %1").arg(round)), 10000);
+            QCOMPARE(QFile(copied).size(), qint64(17));
+            QVERIFY(QFile::remove(copied));
+            // Another program's drag takes the drag selection away before the next drag out.
+            QCOMPARE(
+                QProcess::execute(QStringLiteral("/usr/bin/python3"),
+                                  {QStringLiteral("-c"),
+                                   QStringLiteral("from Xlib import X, display\n"
+                                                  "d = display.Display()\n"
+                                                  "w = d.screen().root.create_window(0, 0, 1, 1, 0, 0)\n"
+                                                  "w.set_selection_owner(d.intern_atom('XdndSelection'), "
+                                                  "X.CurrentTime)\n"
+                                                  "d.sync()\n")}),
+                0);
+        }
+        QVERIFY(QFile::exists(report));
+        QCOMPARE(list().at(0).toObject().value(QStringLiteral("items")).toArray(), QJsonArray{report});
+    }
+
 private:
     struct Result {
         int exitCode = -1;
         QString output;
         QString error;
     };
+
+    void skipWithoutBrowser()
+    {
+        if (m_browser.isEmpty()) {
+            QSKIP("Chromium is not installed (scripts/deps.sh test installs it)");
+        }
+    }
 
     void startAgent()
     {
@@ -159,17 +236,19 @@ private:
         m_browserProcess = std::make_unique<QProcess>();
         m_browserProcess->setProcessEnvironment(m_environment);
         m_browserProcess->start(
-            m_browser,
-            {QStringLiteral("--no-sandbox"), QStringLiteral("--no-first-run"), QStringLiteral("--disable-gpu"),
-             QStringLiteral("--disable-background-networking"), QStringLiteral("--disable-component-update"),
-             QStringLiteral("--disable-sync"), QStringLiteral("--ozone-platform=x11"),
-             QStringLiteral("--user-data-dir=") + m_home->filePath(QStringLiteral("browser")),
-             QStringLiteral("--window-position=900,0"), QStringLiteral("--window-size=700,600"),
-             QStringLiteral("--app=") + QUrl::fromLocalFile(m_home->filePath(QStringLiteral("page.html"))).toString()});
+            m_browser, {QStringLiteral("--no-sandbox"), QStringLiteral("--no-first-run"),
+                        QStringLiteral("--disable-gpu"), QStringLiteral("--disable-background-networking"),
+                        QStringLiteral("--disable-component-update"), QStringLiteral("--disable-sync"),
+                        QStringLiteral("--ozone-platform=x11"),
+                        QStringLiteral("--user-data-dir=") + m_home->filePath(QStringLiteral("browser")),
+                        QStringLiteral("--window-position=900,0"), QStringLiteral("--window-size=700,600"),
+                        QStringLiteral("--app=") +
+                            QUrl::fromLocalFile(m_home->filePath(QStringLiteral("page.html"))).toString()});
         QVERIFY(m_browserProcess->waitForStarted());
         QTRY_COMPARE_WITH_TIMEOUT(browserTitle(), QStringLiteral("ready"), 30000);
-        const Result geometry = runTool(QStringLiteral("xdotool"),
-                                        {QStringLiteral("getwindowgeometry"), QStringLiteral("--shell"), m_browserWindow});
+        const Result geometry =
+            runTool(QStringLiteral("xdotool"),
+                    {QStringLiteral("getwindowgeometry"), QStringLiteral("--shell"), m_browserWindow});
         QMap<QString, int> values;
         for (const QString& line : geometry.output.split(QLatin1Char('\n'), Qt::SkipEmptyParts)) {
             values.insert(line.section(QLatin1Char('='), 0, 0), line.section(QLatin1Char('='), 1).toInt());
@@ -181,9 +260,9 @@ private:
     QString browserTitle()
     {
         if (m_browserWindow.isEmpty()) {
-            const Result search = runTool(QStringLiteral("xdotool"),
-                                          {QStringLiteral("search"), QStringLiteral("--onlyvisible"),
-                                           QStringLiteral("--class"), QStringLiteral("chromium")});
+            const Result search =
+                runTool(QStringLiteral("xdotool"), {QStringLiteral("search"), QStringLiteral("--onlyvisible"),
+                                                    QStringLiteral("--class"), QStringLiteral("chromium")});
             m_browserWindow = search.output.split(QLatin1Char('\n'), Qt::SkipEmptyParts).value(0);
             if (m_browserWindow.isEmpty()) {
                 return {};
@@ -199,11 +278,12 @@ private:
                                        {QStringLiteral("search"), QStringLiteral("--onlyvisible"),
                                         QStringLiteral("--pid"), QString::number(m_agent->processId())});
         for (const QString& window : windows.output.split(QLatin1Char('\n'), Qt::SkipEmptyParts)) {
-            const Result geometry = runTool(QStringLiteral("xdotool"),
-                                            {QStringLiteral("getwindowgeometry"), QStringLiteral("--shell"), window});
+            const Result geometry = runTool(QStringLiteral("xdotool"), {QStringLiteral("getwindowgeometry"),
+                                                                        QStringLiteral("--shell"), window});
             QMap<QString, int> values;
             for (const QString& line : geometry.output.split(QLatin1Char('\n'), Qt::SkipEmptyParts)) {
-                values.insert(line.section(QLatin1Char('='), 0, 0), line.section(QLatin1Char('='), 1).toInt());
+                values.insert(line.section(QLatin1Char('='), 0, 0),
+                              line.section(QLatin1Char('='), 1).toInt());
             }
             const QRect frame(values.value(QStringLiteral("X")), values.value(QStringLiteral("Y")),
                               values.value(QStringLiteral("WIDTH")), values.value(QStringLiteral("HEIGHT")));
@@ -214,10 +294,7 @@ private:
         return {};
     }
 
-    Result run(const QStringList& arguments)
-    {
-        return runTool(QStringLiteral(VANTROPE_BINARY), arguments);
-    }
+    Result run(const QStringList& arguments) { return runTool(QStringLiteral(VANTROPE_BINARY), arguments); }
 
     Result runTool(const QString& program, const QStringList& arguments)
     {
@@ -237,7 +314,8 @@ private:
     {
         const Result result = run({QStringLiteral("list"), QStringLiteral("--json")});
         const QJsonDocument document = QJsonDocument::fromJson(result.output.toUtf8());
-        return result.exitCode == 0 && document.isArray() ? document.array() : QJsonArray{QStringLiteral("failed")};
+        return result.exitCode == 0 && document.isArray() ? document.array()
+                                                          : QJsonArray{QStringLiteral("failed")};
     }
 
     QString m_browser;
@@ -247,6 +325,7 @@ private:
     QProcessEnvironment m_environment;
     std::unique_ptr<QProcess> m_agent;
     std::unique_ptr<QProcess> m_browserProcess;
+    std::unique_ptr<QProcess> m_fileManager;
 };
 
 QTEST_GUILESS_MAIN(TestRealPrograms)
