@@ -57,7 +57,8 @@ void AppDelegate::applicationDidFinishLaunching()
 
     m_rootCoordinator = std::make_unique<RootCoordinator>(RootCoordinator::Dependencies{
         m_dependencies.preferences, m_dependencies.sessionStore, m_dependencies.shelfInterface,
-        m_dependencies.screens, m_dependencies.clipboard, m_dependencies.messages, m_dependencies.clock});
+        m_dependencies.screens, m_dependencies.clipboard, m_dependencies.messages, m_dependencies.clock,
+        m_dependencies.fileWatcher});
     connect(m_rootCoordinator.get(), &RootCoordinator::terminationRequested, this,
             &AppDelegate::requestTermination);
 

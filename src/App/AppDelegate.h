@@ -14,6 +14,7 @@ namespace Vantrope {
 
 class ApplicationRequestHandler;
 class DragSessionUserInterface;
+class FileWatcher;
 class Launcher;
 class MessageWindowCenter;
 class PasteboardSource;
@@ -38,7 +39,8 @@ public:
         const Launcher& launcher;
         // Makes the provider answer other programs (the session bus); null while it goes away.
         std::function<void(ApplicationRequestHandler*)> publishServicesProvider;
-        Clock& clock = Clock::system();
+        Clock& clock;
+        FileWatcher& fileWatcher;
     };
 
     // A second launch this soon after the first is taken as part of the first.

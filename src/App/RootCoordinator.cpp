@@ -1,14 +1,14 @@
 #include "RootCoordinator.h"
 
 #include "AppLogging.h"
+#include "DisplayEnvironment.h"
 #include "Domains/Activation/DragMonitor.h"
 #include "Domains/Activation/DragRecognizer.h"
 #include "Domains/Activation/DragRecognizerConfiguration.h"
 #include "Domains/DragSession/PersistentDragSessionStore.h"
 #include "Domains/SessionController/SessionController.h"
+#include "DragMonitorFactory.h"
 #include "MenuItemController.h"
-#include "Platform/DisplayEnvironment.h"
-#include "Platform/DragMonitorFactory.h"
 #include "Preferences/Preferences.h"
 #include "Version.h"
 #include "WindowCoordinator.h"
@@ -23,7 +23,8 @@ RootCoordinator::RootCoordinator(const Dependencies& dependencies, QObject* pare
     m_windowCoordinator = std::make_unique<WindowCoordinator>(dependencies.preferences);
     m_sessionController = std::make_unique<SessionController>(SessionController::Dependencies{
         dependencies.sessionStore, dependencies.preferences, dependencies.shelfInterface,
-        dependencies.screens, dependencies.messages, dependencies.clipboard, dependencies.clock});
+        dependencies.screens, dependencies.messages, dependencies.clipboard, dependencies.clock,
+        dependencies.fileWatcher});
     m_menuItemController =
         std::make_unique<MenuItemController>(*m_sessionController, dependencies.sessionStore);
     // Watched folders and the temporary data sanitizer take their place here when they land.

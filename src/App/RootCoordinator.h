@@ -8,6 +8,7 @@
 namespace Vantrope {
 
 class DragSessionUserInterface;
+class FileWatcher;
 class MenuItemController;
 class MessageWindowCenter;
 class PasteboardSource;
@@ -33,6 +34,7 @@ public:
         const PasteboardSource& clipboard;
         MessageWindowCenter& messages;
         Clock& clock;
+        FileWatcher& fileWatcher;
     };
 
     explicit RootCoordinator(const Dependencies& dependencies, QObject* parent = nullptr);

@@ -2,6 +2,7 @@
 #include "AppLogging.h"
 #include "CommandLine.h"
 #include "CommandLineClient.h"
+#include "DisplayEnvironment.h"
 #include "Domains/DragSession/MessageWindowCenter.h"
 #include "Domains/DragSession/PersistentDragSessionStore.h"
 #include "Launcher.h"
@@ -13,11 +14,11 @@
 #include "Platform/DBus/ApplicationDBusClient.h"
 #include "Platform/DBus/ApplicationDBusService.h"
 #include "Platform/DBus/SessionBusAddress.h"
-#include "Platform/DisplayEnvironment.h"
+#include "Platform/Linux/InotifyFileWatcher.h"
+#include "Platform/Linux/UnixSignalWatcher.h"
 #include "Platform/Qt/QtClipboardSource.h"
 #include "Platform/Qt/QtDragSessionUserInterface.h"
 #include "Platform/Qt/QtScreenEnvironment.h"
-#include "Platform/UnixSignalWatcher.h"
 #include "Preferences/Preferences.h"
 #include "Preferences/SettingsPreferenceStorage.h"
 #include "VantropeApplication.h"
@@ -154,15 +155,16 @@ int runAgent(int argc, char* argv[], const CommandLine::RunAgent& request)
 
     Preferences preferences(
         std::make_unique<SettingsPreferenceStorage>(SettingsPreferenceStorage::defaultFilePath()));
-    PersistentDragSessionStore sessionStore;
-    MessageWindowCenter& messages = MessageWindowCenter::shared();
+    PersistentDragSessionStore sessionStore({}, nullptr, Clock::system());
+    MessageWindowCenter messages(Clock::system());
     QtDragSessionUserInterface shelfInterface({messages, preferences, Clock::system()});
     QtScreenEnvironment screens;
     QtClipboardSource clipboard;
     const Launcher launcher;
     AppDelegate appDelegate(
         {preferences, sessionStore, shelfInterface, screens, clipboard, messages, launcher,
-         [&service](ApplicationRequestHandler* provider) { service.setHandler(provider); }});
+         [&service](ApplicationRequestHandler* provider) { service.setHandler(provider); }, Clock::system(),
+         InotifyFileWatcher::shared()});
     // Queued, so that the answer to a `quit` request leaves before the event loop ends.
     QObject::connect(&appDelegate, &AppDelegate::quitRequested, &app, &QApplication::quit,
                      Qt::QueuedConnection);

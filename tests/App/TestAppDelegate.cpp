@@ -11,6 +11,7 @@
 #include "Platform/Qt/QtScreenEnvironment.h"
 #include "Preferences/MemoryPreferenceStorage.h"
 #include "Preferences/Preferences.h"
+#include "support/FakeFileWatcher.h"
 #include "support/FakeShelfInterface.h"
 #include "support/TestSupport.h"
 
@@ -53,7 +54,8 @@ private Q_SLOTS:
                                                                              *m_messages,
                                                                              *m_launcher,
                                                                              {},
-                                                                             *m_clock});
+                                                                             *m_clock,
+                                                                             m_fileWatcher});
     }
 
     void cleanup()
@@ -252,6 +254,7 @@ private:
 
     std::unique_ptr<QTemporaryDir> m_dir;
     std::unique_ptr<ManualClock> m_clock;
+    Test::FakeFileWatcher m_fileWatcher;
     std::unique_ptr<Preferences> m_preferences;
     std::unique_ptr<PersistentDragSessionStore> m_store;
     std::unique_ptr<MessageWindowCenter> m_messages;

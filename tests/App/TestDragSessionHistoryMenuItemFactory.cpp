@@ -7,6 +7,7 @@
 #include "Models/Draggable/DraggableFile.h"
 #include "Preferences/MemoryPreferenceStorage.h"
 #include "Preferences/Preferences.h"
+#include "support/FakeFileWatcher.h"
 #include "support/FakeShelfInterface.h"
 #include "support/TestSupport.h"
 
@@ -33,7 +34,7 @@ private Q_SLOTS:
             m_dir->filePath(QStringLiteral(".drag_sessions")), nullptr, *m_clock);
         m_messages = std::make_unique<MessageWindowCenter>(*m_clock);
         m_sessions = std::make_unique<SessionController>(SessionController::Dependencies{
-            *m_store, *m_preferences, m_ui, m_screens, *m_messages, m_clipboard, *m_clock});
+            *m_store, *m_preferences, m_ui, m_screens, *m_messages, m_clipboard, *m_clock, m_fileWatcher});
         m_fetch = std::make_unique<PersistentDragSessionFetchController>(*m_store, [this] {
             QSet<QString> open;
             for (const auto& coordinator : m_sessions->coordinators()) {
@@ -220,6 +221,7 @@ private:
 
     std::unique_ptr<QTemporaryDir> m_dir;
     std::unique_ptr<ManualClock> m_clock;
+    Test::FakeFileWatcher m_fileWatcher;
     std::unique_ptr<Preferences> m_preferences;
     std::unique_ptr<PersistentDragSessionStore> m_store;
     std::unique_ptr<MessageWindowCenter> m_messages;

@@ -3,6 +3,7 @@
 
 #include "Domains/DirectoryObserver/FileSystemChangeObserver.h"
 #include "Libraries/Core/ManualClock.h"
+#include "Platform/Linux/InotifyDirectoryWatcher.h"
 
 #include <algorithm>
 #include <chrono>
@@ -50,7 +51,8 @@ std::optional<double> diffMilliseconds(const QString& folder, int entries, int r
         }
     }
     ManualClock clock;
-    FileSystemChangeObserver observer(QUrl::fromLocalFile(folder), 50, 0.4, clock);
+    InotifyDirectoryWatcher watcher;
+    FileSystemChangeObserver observer(QUrl::fromLocalFile(folder), 50, 0.4, clock, watcher);
     qsizetype reported = 0;
     observer.setOnAdded([&](const FileSystemChangeObserver::Items& items) { reported += items.size(); });
     if (!observer.start()) {
@@ -103,7 +105,8 @@ std::optional<Burst> burst(const QString& folder, int files, double seconds)
         names.push_back(QFile::encodeName(folder + QStringLiteral("/burst-%1.dat").arg(i)).toStdString());
     }
 
-    FileSystemChangeObserver observer(QUrl::fromLocalFile(folder), 50, 0.4);
+    InotifyDirectoryWatcher watcher;
+    FileSystemChangeObserver observer(QUrl::fromLocalFile(folder), 50, 0.4, Clock::system(), watcher);
     qsizetype reported = 0;
     observer.setOnAdded([&](const FileSystemChangeObserver::Items& items) { reported += items.size(); });
     if (!observer.start()) {

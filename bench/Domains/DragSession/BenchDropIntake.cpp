@@ -5,6 +5,7 @@
 #include "Domains/DragSession/DragSessionItemsController.h"
 #include "Models/Pasteboard/Pasteboard.h"
 #include "Models/Pasteboard/PasteboardTypes.h"
+#include "Platform/Linux/InotifyFileWatcher.h"
 
 #include <cstdio>
 #include <ctime>
@@ -61,7 +62,7 @@ int main(int argc, char* argv[])
         return 1;
     }
 
-    DragSessionItemsController controller;
+    DragSessionItemsController controller(Clock::system(), InotifyFileWatcher::shared());
     const double cpuBefore = threadCpuMs();
     timer.restart();
     controller.addItems(draggables);

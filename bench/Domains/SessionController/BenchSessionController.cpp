@@ -3,6 +3,7 @@
 #include "Domains/DragSession/PersistentDragSessionStore.h"
 #include "Domains/SessionController/SessionController.h"
 #include "Models/Draggable/DraggableFile.h"
+#include "Platform/Linux/InotifyFileWatcher.h"
 #include "Preferences/MemoryPreferenceStorage.h"
 #include "Preferences/Preferences.h"
 #include "support/FakeShelfInterface.h"
@@ -30,12 +31,14 @@ int main(int argc, char* argv[])
     held.close();
 
     Preferences preferences(std::make_unique<MemoryPreferenceStorage>());
-    PersistentDragSessionStore store(dir.filePath(QStringLiteral(".drag_sessions")));
+    PersistentDragSessionStore store(dir.filePath(QStringLiteral(".drag_sessions")), nullptr,
+                                     Clock::system());
     Test::FakeShelfInterface ui;
     Test::FakeScreens screens;
     Test::FakeClipboard clipboard;
-    MessageWindowCenter messages;
-    SessionController controller({store, preferences, ui, screens, messages, clipboard, Clock::system()});
+    MessageWindowCenter messages(Clock::system());
+    SessionController controller({store, preferences, ui, screens, messages, clipboard, Clock::system(),
+                                  InotifyFileWatcher::shared()});
 
     // 49 shelves holding an item, and the one empty shelf on screen last, so every decision looks at all.
     for (int i = 0; i < 49; ++i) {

@@ -13,6 +13,7 @@
 #include "Domains/DragSession/PersistentDragSessionStore.h"
 #include "Domains/SessionController/SessionController.h"
 #include "Models/Draggable/DraggableFile.h"
+#include "Platform/Linux/InotifyFileWatcher.h"
 #include "Platform/Qt/DragSessionStackView.h"
 #include "Platform/Qt/QtClipboardSource.h"
 #include "Platform/Qt/QtDragSessionUserInterface.h"
@@ -68,13 +69,14 @@ bool waitFor(const std::function<bool()>& condition, int milliseconds = 20000)
 struct Shelves {
     QTemporaryDir folder;
     Preferences preferences{std::make_unique<MemoryPreferenceStorage>()};
-    PersistentDragSessionStore store{folder.filePath(QStringLiteral(".drag_sessions"))};
-    MessageWindowCenter messages;
+    PersistentDragSessionStore store{folder.filePath(QStringLiteral(".drag_sessions")), nullptr,
+                                     Clock::system()};
+    MessageWindowCenter messages{Clock::system()};
     QtDragSessionUserInterface userInterface{{messages, preferences, Clock::system()}};
     QtScreenEnvironment screens;
     QtClipboardSource clipboard;
-    SessionController controller{
-        {store, preferences, userInterface, screens, messages, clipboard, Clock::system()}};
+    SessionController controller{{store, preferences, userInterface, screens, messages, clipboard,
+                                  Clock::system(), InotifyFileWatcher::shared()}};
 
     std::shared_ptr<DragSessionCoordinator> open()
     {
@@ -186,7 +188,7 @@ double measureShake(Shelves& shelves, const QString& file)
         std::fprintf(stderr, "no X11 monitor: %s\n", qPrintable(monitor.error()));
         return -1;
     }
-    DragRecognizer recognizer(**monitor);
+    DragRecognizer recognizer(**monitor, Clock::system());
     DragRecognizerConfiguration configuration(shelves.preferences, recognizer);
     TimingDelegate delegate(shelves.controller);
     recognizer.setDelegate(&delegate);

@@ -48,9 +48,8 @@ public:
     static constexpr double finishDelay = 0.1;
 
     // Subscribes to `monitor` for good; the monitor must outlive the recognizer.
-    explicit DragRecognizer(DragMonitor& monitor, Clock& clock = Clock::system(),
-                            DispatchQueue& mainQueue = DispatchQueue::main(),
-                            TransientProperties* transientProperties = nullptr);
+    DragRecognizer(DragMonitor& monitor, Clock& clock, DispatchQueue& mainQueue = DispatchQueue::main(),
+                   TransientProperties* transientProperties = nullptr);
     ~DragRecognizer();
     DragRecognizer(const DragRecognizer&) = delete;
     DragRecognizer& operator=(const DragRecognizer&) = delete;

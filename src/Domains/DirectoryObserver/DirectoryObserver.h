@@ -25,12 +25,9 @@ public:
     // Bounds the descriptors and the listings one folder may cost.
     static constexpr int maximumNumberOfResponders = 300;
 
-    explicit DirectoryObserver(const QUrl& url, const QList<DirectoryObserverFilter>& filters = {},
-                               bool observesNestedDirectories = false,
-                               const std::optional<QString>& identifier = std::nullopt,
-                               Clock& clock = Clock::system(),
-                               DirectoryWatcher& watcher = DirectoryWatcher::system(),
-                               QObject* parent = nullptr);
+    DirectoryObserver(const QUrl& url, const QList<DirectoryObserverFilter>& filters,
+                      bool observesNestedDirectories, const std::optional<QString>& identifier, Clock& clock,
+                      DirectoryWatcher& watcher, QObject* parent = nullptr);
     ~DirectoryObserver() override;
 
     // Observers alive in the tree, the root included.

@@ -22,8 +22,7 @@ class DirectoryObserverCoordinator final {
 public:
     enum class ObservationStatus { notObserving = 0, restricted = 1, observing = 2 };
 
-    explicit DirectoryObserverCoordinator(Clock& clock = Clock::system(),
-                                          DirectoryWatcher& watcher = DirectoryWatcher::system());
+    DirectoryObserverCoordinator(Clock& clock, DirectoryWatcher& watcher);
     ~DirectoryObserverCoordinator();
     DirectoryObserverCoordinator(const DirectoryObserverCoordinator&) = delete;
     DirectoryObserverCoordinator& operator=(const DirectoryObserverCoordinator&) = delete;

@@ -1,9 +1,9 @@
 #pragma once
 
 #include "DirectoryObserverItem.h"
+#include "DirectoryWatcher.h"
 #include "Libraries/Core/Clock.h"
 #include "Libraries/Core/Throttler.h"
-#include "Platform/DirectoryWatcher.h"
 
 #include <functional>
 #include <memory>
@@ -24,9 +24,8 @@ public:
     using Items = QList<DirectoryObserverItem>;
     using Callback = std::function<void(const Items&)>;
 
-    FileSystemChangeObserver(const QUrl& url, qsizetype onChangeFileLimit, double minimumDelay,
-                             Clock& clock = Clock::system(),
-                             DirectoryWatcher& watcher = DirectoryWatcher::system());
+    FileSystemChangeObserver(const QUrl& url, qsizetype onChangeFileLimit, double minimumDelay, Clock& clock,
+                             DirectoryWatcher& watcher);
     ~FileSystemChangeObserver();
     FileSystemChangeObserver(const FileSystemChangeObserver&) = delete;
     FileSystemChangeObserver& operator=(const FileSystemChangeObserver&) = delete;

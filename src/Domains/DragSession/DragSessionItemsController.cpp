@@ -82,8 +82,10 @@ struct DragSessionItemsController::Shared {
     }
 };
 
-DragSessionItemsController::DragSessionItemsController(Clock& clock, QObject* parent)
+DragSessionItemsController::DragSessionItemsController(Clock& clock, FileWatcher& fileWatcher,
+                                                       QObject* parent)
     : QObject(parent)
+    , m_fileWatcher(fileWatcher)
     , m_shared(std::make_shared<Shared>(clock))
 {
     m_shared->owner = this;
@@ -235,7 +237,7 @@ void DragSessionItemsController::Shared::processItem(const std::shared_ptr<Share
 void DragSessionItemsController::observe(const QUrl& url, const DraggablePtr& draggable)
 {
     const QString key = draggable->cacheKey();
-    auto observer = std::make_shared<DraggableFileObserver>(url, key);
+    auto observer = std::make_shared<DraggableFileObserver>(url, key, m_fileWatcher);
     std::weak_ptr<Shared> weakShared = m_shared;
     std::weak_ptr<Draggable> weakDraggable = draggable;
     observer->onChange = [weakShared, weakDraggable, url] {

@@ -13,6 +13,7 @@
 namespace Vantrope {
 
 class DraggableFileObserver;
+class FileWatcher;
 
 // The content of one shelf: its items in order, a bookmark for every item with a file on disk, and a
 // watch on each such file so the shelf follows a rename or move and lets go of a file that is gone.
@@ -32,7 +33,7 @@ public:
     // Deletions are gathered for this long into one batch.
     static constexpr double pendingDeletesDelay = 1.0;
 
-    explicit DragSessionItemsController(Clock& clock = Clock::system(), QObject* parent = nullptr);
+    DragSessionItemsController(Clock& clock, FileWatcher& fileWatcher, QObject* parent = nullptr);
     ~DragSessionItemsController() override;
 
     quint64 changeCount() const { return m_changeCount; }
@@ -66,6 +67,7 @@ private:
     void observe(const QUrl& url, const DraggablePtr& draggable);
     void removeFromProcessing(const QString& cacheKey);
 
+    FileWatcher& m_fileWatcher;
     std::shared_ptr<Shared> m_shared;
     quint64 m_changeCount = 0;
     DraggableList m_items;

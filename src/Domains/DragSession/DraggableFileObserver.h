@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Platform/Linux/InotifyWatcher.h"
+#include "FileWatcher.h"
 
 #include <functional>
 #include <memory>
@@ -10,10 +10,10 @@
 namespace Vantrope {
 
 // Follows one file of a shelf and calls `onChange` when it is renamed, moved or deleted.
-// `onChange` runs on the file event thread.
+// `onChange` runs on the file watcher's thread.
 class DraggableFileObserver final {
 public:
-    DraggableFileObserver(const QUrl& url, const QString& identifier);
+    DraggableFileObserver(const QUrl& url, const QString& identifier, FileWatcher& watcher);
 
     QUrl url() const { return m_url; }
     QString identifier() const { return m_identifier; }
@@ -29,7 +29,8 @@ public:
 private:
     QUrl m_url;
     QString m_identifier;
-    std::unique_ptr<InotifyWatcher::Watch> m_watch;
+    FileWatcher& m_watcher;
+    std::unique_ptr<FileWatcher::Watch> m_watch;
 };
 
 } // namespace Vantrope

@@ -9,12 +9,6 @@ MessageWindowCenter::MessageWindowCenter(Clock& clock, QObject* parent)
     , m_clock(clock)
 {}
 
-MessageWindowCenter& MessageWindowCenter::shared()
-{
-    static auto* center = new MessageWindowCenter;
-    return *center;
-}
-
 void MessageWindowCenter::show(quint64 windowNumber, const Message& message, double duration)
 {
     const quint64 generation = ++m_generation;

@@ -13,9 +13,7 @@ namespace Vantrope {
 class MessageWindowCenter final : public QObject {
     Q_OBJECT
 public:
-    explicit MessageWindowCenter(Clock& clock = Clock::system(), QObject* parent = nullptr);
-
-    static MessageWindowCenter& shared();
+    explicit MessageWindowCenter(Clock& clock, QObject* parent = nullptr);
 
     // Replaces what the window shows; after `duration` seconds it goes by itself (0 keeps it up).
     void show(quint64 windowNumber, const Message& message, double duration);

@@ -29,9 +29,9 @@ public:
 
     // `filePath` empty for defaultFilePath(); `snapshotController` null for the default namespace with
     // three files at 180 by 180.
-    explicit PersistentDragSessionStore(const QString& filePath = {},
-                                        std::unique_ptr<FilesSnapshotController> snapshotController = nullptr,
-                                        Clock& clock = Clock::system(), QObject* parent = nullptr);
+    PersistentDragSessionStore(const QString& filePath,
+                               std::unique_ptr<FilesSnapshotController> snapshotController, Clock& clock,
+                               QObject* parent = nullptr);
     // Writes a change that is still waiting for the throttle.
     ~PersistentDragSessionStore() override;
 

@@ -112,7 +112,8 @@ QPointF SessionController::originFor(const DragSessionSource& source) const
 std::shared_ptr<DragSessionCoordinator> SessionController::startSession(DragSessionSource source)
 {
     const QPointF origin = originFor(source);
-    auto itemsController = std::make_unique<DragSessionItemsController>(m_dependencies.clock);
+    auto itemsController =
+        std::make_unique<DragSessionItemsController>(m_dependencies.clock, m_dependencies.fileWatcher);
     const DragSessionCoordinator::Dependencies dependencies{
         m_dependencies.sessionStore, m_dependencies.preferences, m_dependencies.userInterface,
         m_dependencies.messages,     m_dependencies.clipboard,   m_dependencies.clock};

@@ -15,6 +15,7 @@
 
 namespace Vantrope {
 
+class FileWatcher;
 class MessageWindowCenter;
 class PersistentDragSessionStore;
 class Preferences;
@@ -40,7 +41,8 @@ public:
         ScreenEnvironment& screens;
         MessageWindowCenter& messages;
         const PasteboardSource& clipboard;
-        Clock& clock = Clock::system();
+        Clock& clock;
+        FileWatcher& fileWatcher;
     };
 
     explicit SessionController(const Dependencies& dependencies, QObject* parent = nullptr);

@@ -13,7 +13,7 @@ namespace Vantrope {
 // than `minimumDelay`. Safe to call from any thread; the closure runs on `queue`.
 class Throttler final {
 public:
-    Throttler(double minimumDelay, DispatchQueue& queue, Clock& clock = Clock::system());
+    Throttler(double minimumDelay, DispatchQueue& queue, Clock& clock);
     ~Throttler();
     Throttler(const Throttler&) = delete;
     Throttler& operator=(const Throttler&) = delete;

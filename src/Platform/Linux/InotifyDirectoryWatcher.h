@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Platform/DirectoryWatcher.h"
+#include "Domains/DirectoryObserver/DirectoryWatcher.h"
 
 #include <QObject>
 #include <unordered_map>
@@ -10,9 +10,9 @@ class QSocketNotifier;
 
 namespace Vantrope {
 
-// Directory watches on one inotify instance read on the thread that made it (the main thread for
-// DirectoryWatcher::system()). Events are read in batches a short moment after the first one, so that
-// a long copy wakes the thread a few dozen times a second rather than once per file.
+// Directory watches on one inotify instance read on the thread that made it. Events are read in batches a
+// short moment after the first one, so that a long copy wakes the thread a few dozen times a second rather
+// than once per file.
 class InotifyDirectoryWatcher final : public QObject, public DirectoryWatcher {
     Q_OBJECT
 public:

@@ -3,7 +3,6 @@
 #include "Domains/Activation/DragRecognizerDelegate.h"
 #include "Domains/Activation/TransientProperties.h"
 #include "Libraries/Core/ManualClock.h"
-#include "Platform/DragMonitorFactory.h"
 #include "Preferences/MemoryPreferenceStorage.h"
 #include "Preferences/Preferences.h"
 #include "support/TestSupport.h"
@@ -418,31 +417,6 @@ private Q_SLOTS:
                  std::optional(EventModifierFlags(EventModifierFlag::control)));
         preferences.setValue(PreferenceKeys::shelfTriggerModifierKeyEnabled, false);
         QCOMPARE(m_recognizer->modifierFlags(), std::nullopt);
-    }
-
-    void unavailableMonitorSaysWhy_data()
-    {
-        QTest::addColumn<DisplayEnvironment::Kind>("kind");
-        QTest::addColumn<QByteArray>("display");
-
-        QTest::newRow("wayland") << DisplayEnvironment::Kind::wayland << QByteArray();
-        QTest::newRow("headless") << DisplayEnvironment::Kind::headless << QByteArray();
-#ifdef WITH_X11
-        QTest::newRow("unreachable X display") << DisplayEnvironment::Kind::x11 << QByteArray(":97531");
-#endif
-    }
-
-    void unavailableMonitorSaysWhy()
-    {
-        QFETCH(DisplayEnvironment::Kind, kind);
-        QFETCH(QByteArray, display);
-
-        Test::LogCapture log;
-        const std::unique_ptr<DragMonitor> monitor = DragMonitorFactory::create(kind, display);
-        QVERIFY(!monitor->isAvailable());
-        QVERIFY(!monitor->unavailableReason().isEmpty());
-        QCOMPARE(log.count(u"Drag gestures are unavailable: "_s), 1);
-        QVERIFY(log.contains(monitor->unavailableReason()));
     }
 
 private:

@@ -2,44 +2,35 @@
 
 #include "Domains/DirectoryObserver/DirectoryObserver.h"
 #include "Libraries/Core/ManualClock.h"
+#include "support/FakeDirectoryWatcher.h"
 
 #include <functional>
-#include <optional>
 #include <QCoreApplication>
-#include <QDeadlineTimer>
 #include <QFile>
-#include <QTest>
 #include <sys/xattr.h>
 
 namespace Vantrope::Test {
 
-// Lets signals arrive and moves the clock past the throttle until `condition` holds, then for `settle`
-// milliseconds more, so that the signals of other folders touched by the same step are served too.
-inline bool runUntil(ManualClock& clock, const std::function<bool()>& condition, int settle = 0)
+// Runs the listings the throttle holds and what they post to the main queue, until nothing is left.
+inline void settle(ManualClock& clock)
 {
-    const QDeadlineTimer deadline(5000);
-    std::optional<QDeadlineTimer> settled;
-    while (!deadline.hasExpired() && !(settled && settled->hasExpired())) {
-        QCoreApplication::processEvents(QEventLoop::AllEvents, 10);
-        if (clock.pendingCount() > 0) {
-            clock.advance(0.4);
-        }
+    for (int round = 0; round < 20; ++round) {
         QCoreApplication::sendPostedEvents();
-        if (!settled && condition()) {
-            settled = QDeadlineTimer(settle);
+        if (clock.pendingCount() == 0) {
+            return;
         }
-        QTest::qSleep(2);
+        clock.advance(0.4);
     }
-    return settled.has_value();
 }
 
-// Runs until a listing has run. Listings are state-based, so one that a late signal of an earlier step
-// starts serves as well.
-inline bool runPass(ManualClock& clock, const std::function<quint64()>& passes)
+// Signals every watched folder, as the kernel does after a test step's file operations touched them,
+// and lets the listings run. True when one ran.
+inline bool runPass(ManualClock& clock, FakeDirectoryWatcher& watcher, const std::function<quint64()>& passes)
 {
     const quint64 before = passes();
-    return runUntil(
-        clock, [&] { return passes() > before; }, 30);
+    watcher.fireAll();
+    settle(clock);
+    return passes() > before;
 }
 
 // Listings run by the change observers now in a watched folder's tree; it drops when a subtree goes.

@@ -5,6 +5,7 @@
 #include <QDir>
 #include <QSignalSpy>
 #include <QTemporaryDir>
+#include <QTest>
 
 using namespace Vantrope;
 using namespace Qt::StringLiterals;
@@ -17,6 +18,7 @@ struct Fixture {
     QTemporaryDir root;
     QString folder = root.path() + u"/watched"_s;
     ManualClock clock;
+    Test::FakeDirectoryWatcher watcher;
     std::unique_ptr<DirectoryObserver> observer;
     QList<QUrl> reported;
     int reports = 0;
@@ -24,8 +26,9 @@ struct Fixture {
     explicit Fixture(bool nested = false)
     {
         QDir().mkpath(folder);
-        observer = std::make_unique<DirectoryObserver>(
-            QUrl::fromLocalFile(folder), QList<DirectoryObserverFilter>{}, nested, std::nullopt, clock);
+        observer =
+            std::make_unique<DirectoryObserver>(QUrl::fromLocalFile(folder), QList<DirectoryObserverFilter>{},
+                                                nested, std::nullopt, clock, watcher);
         observer->setOnChange([this](const QList<QUrl>& urls) {
             reported.append(urls);
             ++reports;
@@ -33,6 +36,14 @@ struct Fixture {
     }
 
     QString path(const QString& relative) const { return folder + QLatin1Char('/') + relative; }
+    QStringList watchedRelativePaths() const
+    {
+        QStringList paths;
+        for (const QString& watched : watcher.watchedPaths()) {
+            paths.append(QDir(folder).relativeFilePath(watched));
+        }
+        return paths;
+    }
     bool write(const QString& relative, const QByteArray& data = "content") const
     {
         return Test::writeFile(path(relative), data);
@@ -40,7 +51,7 @@ struct Fixture {
     bool mkdir(const QString& relative) const { return QDir().mkpath(path(relative)); }
     bool pass()
     {
-        return Test::runPass(clock, [this] { return Test::treePasses(*observer); });
+        return Test::runPass(clock, watcher, [this] { return Test::treePasses(*observer); });
     }
     QStringList reportedRelativePaths() const
     {
@@ -97,12 +108,13 @@ private Q_SLOTS:
         QTest::addColumn<bool>("nested");
         QTest::addColumn<int>("responders");
         QTest::addColumn<QStringList>("expected");
+        QTest::addColumn<QStringList>("watched");
         // The directories are items too (a directory's size is not zero here); the marker of each step
         // guarantees a change at the top.
         const QStringList markers{u"step-1"_s, u"step-2"_s, u"step-3"_s};
-        QTest::newRow("observed") << true << 3
-                                  << (QStringList{u"a"_s, u"a/b"_s, u"a/b/deep.txt"_s} + markers);
-        QTest::newRow("not observed") << false << 1 << (QStringList{u"a"_s} + markers);
+        QTest::newRow("observed") << true << 3 << (QStringList{u"a"_s, u"a/b"_s, u"a/b/deep.txt"_s} + markers)
+                                  << QStringList{u"."_s, u"a"_s, u"a/b"_s};
+        QTest::newRow("not observed") << false << 1 << (QStringList{u"a"_s} + markers) << QStringList{u"."_s};
     }
 
     void nestedDirectories()
@@ -110,6 +122,7 @@ private Q_SLOTS:
         QFETCH(bool, nested);
         QFETCH(int, responders);
         QFETCH(QStringList, expected);
+        QFETCH(QStringList, watched);
 
         Fixture f(nested);
         QVERIFY(f.mkdir(u".git/objects"_s)); // hidden folders get no observer
@@ -123,6 +136,17 @@ private Q_SLOTS:
         expected.sort();
         QCOMPARE(f.reportedRelativePaths(), expected);
         QCOMPARE(f.observer->numberOfResponders(), responders);
+        QCOMPARE(f.watchedRelativePaths(), watched);
+
+        // A subtree that goes takes its watches along.
+        if (nested) {
+            QVERIFY(QDir(f.path(u"a"_s)).removeRecursively());
+            // Not a pass() that counts the tree's listings: the subtree's go with it.
+            f.watcher.fireAll();
+            Test::settle(f.clock);
+            QCOMPARE(f.watchedRelativePaths(), QStringList{u"."_s});
+            QCOMPARE(f.observer->numberOfResponders(), 1);
+        }
     }
 
     void aNewDirectoryBringsItsContentsAsBaseline()
@@ -157,7 +181,10 @@ private Q_SLOTS:
 
         // The subdirectories are observed in name order, so d000 has an observer.
         QVERIFY(QDir(f.path(u"d000"_s)).removeRecursively());
-        QVERIFY(Test::runUntil(f.clock, [&] { return f.observer->numberOfResponders() == 299; }));
+        f.watcher.fireAll();
+        Test::settle(f.clock);
+        QCOMPARE(f.observer->numberOfResponders(), 299);
+        QVERIFY(!f.watchedRelativePaths().contains(u"d000"_s));
         QVERIFY(f.mkdir(u"late"_s));
         QVERIFY(f.pass());
         QCOMPARE(f.observer->numberOfResponders(), 300);

@@ -4,6 +4,7 @@
 
 #include <QDir>
 #include <QTemporaryDir>
+#include <QTest>
 
 using namespace Vantrope;
 using namespace Qt::StringLiterals;
@@ -41,8 +42,9 @@ struct Fixture {
     QTemporaryDir root;
     QString folder = root.path() + u"/Inbox"_s;
     ManualClock clock;
+    Test::FakeDirectoryWatcher watcher;
     TestShelves shelves;
-    DirectoryObserverCoordinator coordinator{clock};
+    DirectoryObserverCoordinator coordinator{clock, watcher};
 
     Fixture()
     {
@@ -57,7 +59,8 @@ struct Fixture {
     }
     bool pass()
     {
-        return Test::runPass(clock, [this] { return Test::treePasses(coordinator.observer(url())); });
+        return Test::runPass(clock, watcher,
+                             [this] { return Test::treePasses(coordinator.observer(url())); });
     }
 };
 
@@ -182,7 +185,7 @@ private Q_SLOTS:
         // A file gone before its report is handled gives no item.
         f.coordinator.setDataSource(&f.shelves);
         QVERIFY(f.write(u"fleeting.txt"_s));
-        QTRY_VERIFY(f.clock.pendingCount() > 0);
+        f.watcher.fireAll();
         f.clock.advance(0.4);
         QVERIFY(QFile::remove(f.folder + u"/fleeting.txt"_s));
         QCoreApplication::sendPostedEvents();

@@ -7,6 +7,7 @@
 #include <QDirIterator>
 #include <QSaveFile>
 #include <QTemporaryDir>
+#include <QTest>
 
 using namespace Vantrope;
 using namespace Qt::StringLiterals;
@@ -18,7 +19,8 @@ struct Fixture {
     QTemporaryDir root;
     QString folder = root.path() + u"/watched"_s;
     ManualClock clock;
-    FileSystemChangeObserver observer{QUrl::fromLocalFile(folder), 50, 0.4, clock};
+    Test::FakeDirectoryWatcher watcher;
+    FileSystemChangeObserver observer{QUrl::fromLocalFile(folder), 50, 0.4, clock, watcher};
     QList<QStringList> added;
     QList<FileSystemChangeObserver::Items> removed;
 
@@ -42,7 +44,7 @@ struct Fixture {
     }
     bool pass()
     {
-        return Test::runPass(clock, [this] { return observer.passCount(); });
+        return Test::runPass(clock, watcher, [this] { return observer.passCount(); });
     }
     // Everything reported since the last call, sorted: the listing order is the file system's.
     QStringList takeAdded()
@@ -80,10 +82,29 @@ private Q_SLOTS:
         // A restart takes a new baseline: what came while stopped is not new.
         f.observer.stop();
         QVERIFY(f.write(u"while-stopped.txt"_s));
+        QVERIFY(!f.watcher.fire(f.folder));
         QVERIFY(f.observer.start());
         QVERIFY(f.write(u"after.txt"_s));
         QVERIFY(f.pass());
         QCOMPARE(f.takeAdded(), (QStringList{u"after.txt"_s, u"four.txt"_s}));
+    }
+
+    void signalsWithinTheDelayShareOneListing()
+    {
+        Fixture f;
+        QVERIFY(f.observer.start());
+        const quint64 baseline = f.observer.passCount();
+        QVERIFY(f.write(u"a.txt"_s));
+        for (int i = 0; i < 5; ++i) {
+            QVERIFY(f.watcher.fire(f.folder));
+        }
+        f.clock.advance(0.2);
+        QCOMPARE(f.observer.passCount(), baseline);
+        f.clock.advance(0.2);
+        QCOMPARE(f.observer.passCount(), baseline + 1);
+        QCOMPARE(f.takeAdded(), QStringList{u"a.txt"_s});
+        f.clock.advance(10);
+        QCOMPARE(f.observer.passCount(), baseline + 1);
     }
 
     void renames_data()
@@ -243,8 +264,11 @@ private Q_SLOTS:
     {
         QTemporaryDir root;
         QVERIFY(Test::writeFile(root.filePath(u"file.txt"_s), "x"));
+        ManualClock clock;
+        Test::FakeDirectoryWatcher watcher;
         for (const QString& target : {u"missing"_s, u"file.txt"_s}) {
-            FileSystemChangeObserver observer(QUrl::fromLocalFile(root.filePath(target)), 50, 0.4);
+            FileSystemChangeObserver observer(QUrl::fromLocalFile(root.filePath(target)), 50, 0.4, clock,
+                                              watcher);
             Test::LogCapture log;
             QVERIFY(!observer.start());
             QVERIFY(!observer.isRunning());

@@ -2,15 +2,18 @@
 #include "Models/Draggable/DraggableFile.h"
 #include "Models/Draggable/DraggablePromise.h"
 #include "Models/Draggable/FilePromiseTransport.h"
+#include "support/FakeFileWatcher.h"
 #include "support/TestSupport.h"
 
 #include <cstdio>
+#include <QDeadlineTimer>
 #include <QDir>
 #include <QFile>
 #include <QSignalSpy>
 #include <QStandardPaths>
 #include <QTemporaryDir>
 #include <QTest>
+#include <QThread>
 
 using namespace Vantrope;
 
@@ -53,11 +56,15 @@ private Q_SLOTS:
         QDir().mkpath(QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation));
     }
 
-    void init() { QVERIFY(m_dir.isValid()); }
+    void init()
+    {
+        QVERIFY(m_dir.isValid());
+        m_watcher.refuseWatches(std::nullopt);
+    }
 
     void renameGivesOneChangeWithTheNewUrl()
     {
-        DragSessionItemsController controller;
+        DragSessionItemsController controller(Clock::system(), m_watcher);
         QSignalSpy changes(&controller, &DragSessionItemsController::itemChanged);
         QSignalSpy deletions(&controller, &DragSessionItemsController::itemsDeleted);
         const auto item = addProcessed(controller, QStringLiteral("draft.txt"));
@@ -66,6 +73,7 @@ private Q_SLOTS:
 
         const QString renamed = m_dir.filePath(QStringLiteral("final.txt"));
         QVERIFY(QFile::rename(m_dir.filePath(QStringLiteral("draft.txt")), renamed));
+        QVERIFY(m_watcher.report(m_dir.filePath(QStringLiteral("draft.txt")), FileWatcher::Change::moved));
         QTRY_COMPARE(changes.size(), 1);
         const auto context = changes.first().first().value<DragSessionItemsController::ItemChangeContext>();
         QCOMPARE(context.newUrl, QUrl::fromLocalFile(renamed));
@@ -79,7 +87,7 @@ private Q_SLOTS:
 
     void fileReplacedByAnEditorIsFollowed()
     {
-        DragSessionItemsController controller;
+        DragSessionItemsController controller(Clock::system(), m_watcher);
         QSignalSpy changes(&controller, &DragSessionItemsController::itemChanged);
         QSignalSpy deletions(&controller, &DragSessionItemsController::itemsDeleted);
         const auto item = addProcessed(controller, QStringLiteral("notes.txt"));
@@ -89,6 +97,7 @@ private Q_SLOTS:
         const QString temporary = m_dir.filePath(QStringLiteral(".notes.txt.swp"));
         QVERIFY(Test::writeFile(temporary, "new contents"));
         QVERIFY(::rename(QFile::encodeName(temporary).constData(), QFile::encodeName(path).constData()) == 0);
+        QVERIFY(m_watcher.report(path, FileWatcher::Change::deleted));
 
         QTRY_COMPARE(changes.size(), 1);
         const auto context = changes.first().first().value<DragSessionItemsController::ItemChangeContext>();
@@ -99,12 +108,13 @@ private Q_SLOTS:
 
     void trashIsADeletion()
     {
-        DragSessionItemsController controller;
+        DragSessionItemsController controller(Clock::system(), m_watcher);
         QSignalSpy changes(&controller, &DragSessionItemsController::itemChanged);
         QSignalSpy deletions(&controller, &DragSessionItemsController::itemsDeleted);
         const auto item = addProcessed(controller, QStringLiteral("old.txt"));
         QVERIFY(item);
         QVERIFY(QFile::moveToTrash(m_dir.filePath(QStringLiteral("old.txt"))));
+        QVERIFY(m_watcher.report(m_dir.filePath(QStringLiteral("old.txt")), FileWatcher::Change::moved));
         QTRY_COMPARE_WITH_TIMEOUT(deletions.size(), 1, 5000);
         const auto batch =
             deletions.first().first().value<QList<DragSessionItemsController::DeleteContext>>();
@@ -115,13 +125,15 @@ private Q_SLOTS:
 
     void deletionsWithinASecondComeAsOneBatch()
     {
-        DragSessionItemsController controller;
+        DragSessionItemsController controller(Clock::system(), m_watcher);
         QSignalSpy deletions(&controller, &DragSessionItemsController::itemsDeleted);
         for (int i = 0; i < 10; ++i) {
             QVERIFY(addProcessed(controller, QStringLiteral("file-%1.txt").arg(i)));
         }
         for (int i = 0; i < 10; ++i) {
-            QVERIFY(QFile::remove(m_dir.filePath(QStringLiteral("file-%1.txt").arg(i))));
+            const QString path = m_dir.filePath(QStringLiteral("file-%1.txt").arg(i));
+            QVERIFY(QFile::remove(path));
+            QVERIFY(m_watcher.report(path, FileWatcher::Change::deleted));
         }
         QTRY_COMPARE_WITH_TIMEOUT(deletions.size(), 1, 5000);
         QTest::qWait(1300);
@@ -132,7 +144,7 @@ private Q_SLOTS:
 
     void removingAnItemHeldTwiceRemovesBoth()
     {
-        DragSessionItemsController controller;
+        DragSessionItemsController controller(Clock::system(), m_watcher);
         const auto first = addProcessed(controller, QStringLiteral("twice.txt"));
         const auto other = addProcessed(controller, QStringLiteral("other.txt"));
         QVERIFY(first && other);
@@ -145,6 +157,8 @@ private Q_SLOTS:
         QCOMPARE(controller.items().size(), 2);
         QCOMPARE(controller.changeCount(), before + 2);
         QVERIFY(!controller.isObserving(first->cacheKey()));
+        QVERIFY(!m_watcher.isWatched(first->url()->toLocalFile()));
+        QVERIFY(m_watcher.isWatched(other->url()->toLocalFile()));
         // Removing what is not there changes nothing.
         controller.remove(second);
         QCOMPARE(controller.changeCount(), before + 2);
@@ -152,11 +166,12 @@ private Q_SLOTS:
         controller.removeAllItems();
         QVERIFY(controller.items().isEmpty());
         QCOMPARE(controller.changeCount(), before + 4);
+        QVERIFY(!m_watcher.isWatched(other->url()->toLocalFile()));
     }
 
     void itemWithoutFileNumberStaysWhenDeleted()
     {
-        DragSessionItemsController controller;
+        DragSessionItemsController controller(Clock::system(), m_watcher);
         QSignalSpy deletions(&controller, &DragSessionItemsController::itemsDeleted);
         // Made while the file did not exist yet: it has no file number, so no bookmark can be found for it.
         const QString path = m_dir.filePath(QStringLiteral("late.txt"));
@@ -169,10 +184,57 @@ private Q_SLOTS:
         QTRY_VERIFY(controller.processingItems().isEmpty());
         QTRY_VERIFY(controller.isObserving(item->cacheKey()));
         QVERIFY(QFile::remove(path));
+        QVERIFY(m_watcher.report(path, FileWatcher::Change::deleted));
         QTRY_VERIFY(
             log.contains(QStringLiteral("Attempted to reload bookmark, but we dont have an existing one")));
         QTest::qWait(1300);
         QCOMPARE(deletions.size(), 0);
+        QCOMPARE(controller.items().size(), 1);
+    }
+
+    void refusedWatch_data()
+    {
+        QTest::addColumn<bool>("limitReached");
+        QTest::addColumn<QString>("logLine");
+        QTest::addColumn<int>("deletions");
+        // Out of watches, the file may well be there: dropping it would lose the user's item.
+        QTest::newRow("watch limit reached") << true << QStringLiteral("Not following") << 0;
+        QTest::newRow("file gone before it was watched")
+            << false << QStringLiteral("Failed to open file descriptor") << 1;
+    }
+
+    void refusedWatch()
+    {
+        QFETCH(bool, limitReached);
+        QFETCH(QString, logLine);
+        QFETCH(int, deletions);
+
+        m_watcher.refuseWatches(FileWatcher::Error{{}, QStringLiteral("refused by the test"), limitReached});
+        DragSessionItemsController controller(Clock::system(), m_watcher);
+        QSignalSpy deleted(&controller, &DragSessionItemsController::itemsDeleted);
+        Test::LogCapture log;
+        const QString path = m_dir.filePath(QStringLiteral("fleeting.txt"));
+        QVERIFY(Test::writeFile(path, "soon gone"));
+        const auto item = DraggableFile::make(QUrl::fromLocalFile(path));
+        controller.addItems({item});
+        // The bookmark is made on a worker; the watch is asked for on this thread's next turn, which
+        // comes only once the file is gone.
+        const QDeadlineTimer deadline(5000);
+        while (!controller.bookmark(*item->systemFileNumber()) && !deadline.hasExpired()) {
+            QThread::msleep(5);
+        }
+        QVERIFY(controller.bookmark(*item->systemFileNumber()));
+        QVERIFY(QFile::remove(path));
+
+        QTRY_VERIFY(controller.processingItems().isEmpty());
+        QTRY_VERIFY(log.contains(logLine));
+        QVERIFY(!controller.isObserving(item->cacheKey()));
+        if (deletions > 0) {
+            QTRY_COMPARE_WITH_TIMEOUT(deleted.size(), deletions, 5000);
+        } else {
+            QTest::qWait(1300);
+            QCOMPARE(deleted.size(), 0);
+        }
         QCOMPARE(controller.items().size(), 1);
     }
 
@@ -186,7 +248,7 @@ private Q_SLOTS:
     void promiseIsProcessedOnlyWhenReceived()
     {
         QFETCH(bool, delivers);
-        DragSessionItemsController controller;
+        DragSessionItemsController controller(Clock::system(), m_watcher);
         Test::LogCapture log;
         auto promise = DraggablePromise::make(std::make_unique<OneFileTransport>(delivers));
         controller.addItems({promise});
@@ -205,10 +267,12 @@ private Q_SLOTS:
     {
         QSignalSpy* spy = nullptr;
         {
-            auto controller = std::make_unique<DragSessionItemsController>();
+            auto controller = std::make_unique<DragSessionItemsController>(Clock::system(), m_watcher);
             spy = new QSignalSpy(controller.get(), &DragSessionItemsController::itemsDeleted);
             QVERIFY(addProcessed(*controller, QStringLiteral("closing.txt")));
-            QVERIFY(QFile::remove(m_dir.filePath(QStringLiteral("closing.txt"))));
+            const QString path = m_dir.filePath(QStringLiteral("closing.txt"));
+            QVERIFY(QFile::remove(path));
+            QVERIFY(m_watcher.report(path, FileWatcher::Change::deleted));
         }
         QTest::qWait(1500);
         QCOMPARE(spy->size(), 0);
@@ -228,6 +292,7 @@ private:
     }
 
     QTemporaryDir m_dir;
+    Test::FakeFileWatcher m_watcher;
 };
 
 QTEST_GUILESS_MAIN(TestDragSessionItemsController)

@@ -8,6 +8,7 @@
 #include "Models/Pasteboard/PasteboardTypes.h"
 #include "Preferences/MemoryPreferenceStorage.h"
 #include "Preferences/Preferences.h"
+#include "support/FakeFileWatcher.h"
 #include "support/FakeShelfInterface.h"
 #include "support/TestSupport.h"
 
@@ -36,7 +37,7 @@ private Q_SLOTS:
         m_ui = std::make_unique<Test::FakeShelfInterface>();
         m_messages = std::make_unique<MessageWindowCenter>(*m_clock);
         m_controller = std::make_unique<SessionController>(SessionController::Dependencies{
-            *m_store, *m_preferences, *m_ui, m_screens, *m_messages, m_clipboard, *m_clock});
+            *m_store, *m_preferences, *m_ui, m_screens, *m_messages, m_clipboard, *m_clock, m_fileWatcher});
     }
 
     void cleanup()
@@ -293,8 +294,11 @@ private Q_SLOTS:
         const auto c = file(QStringLiteral("stays.txt"));
         shelf->appendItems({a, b, c});
         QTRY_VERIFY(shelf->itemsController().isObserving(b->cacheKey()));
-        QVERIFY(QFile::remove(a->url()->toLocalFile()));
-        QVERIFY(QFile::remove(b->url()->toLocalFile()));
+        for (const auto& gone : {a, b}) {
+            const QString path = gone->url()->toLocalFile();
+            QVERIFY(QFile::remove(path));
+            QVERIFY(m_fileWatcher.report(path, FileWatcher::Change::deleted));
+        }
         // Deletions are gathered on the shelf's clock: move it on while the file events come in.
         QTRY_VERIFY_WITH_TIMEOUT((m_clock->advance(0.25), shelf->itemsController().items().size() == 1),
                                  5000);
@@ -349,6 +353,7 @@ private:
 
     std::unique_ptr<QTemporaryDir> m_dir;
     std::unique_ptr<ManualClock> m_clock;
+    Test::FakeFileWatcher m_fileWatcher;
     std::unique_ptr<Preferences> m_preferences;
     std::unique_ptr<PersistentDragSessionStore> m_store;
     std::unique_ptr<Test::FakeShelfInterface> m_ui;

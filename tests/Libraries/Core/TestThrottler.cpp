@@ -99,7 +99,7 @@ private Q_SLOTS:
 
     void realClockMergesABurst()
     {
-        Throttler throttler(0.05, DispatchQueue::main());
+        Throttler throttler(0.05, DispatchQueue::main(), Clock::system());
         int runs = 0;
         int lastValue = -1;
         for (int i = 0; i < 10; ++i) {

@@ -8,6 +8,7 @@
 #include "Models/Draggable/DraggableWebImage.h"
 #include "Models/Draggable/DraggableWeblocation.h"
 #include "Platform/DBus/FileTransferPortal.h"
+#include "Platform/Linux/InotifyFileWatcher.h"
 #include "Platform/Qt/DragSessionStackView.h"
 #include "Platform/Qt/QtClipboardSource.h"
 #include "Platform/Qt/QtDragSessionUserInterface.h"
@@ -153,13 +154,14 @@ private Q_SLOTS:
     {
         m_dir = std::make_unique<QTemporaryDir>();
         m_preferences = std::make_unique<Preferences>(std::make_unique<MemoryPreferenceStorage>());
-        m_store =
-            std::make_unique<PersistentDragSessionStore>(m_dir->filePath(QStringLiteral(".drag_sessions")));
-        m_messages = std::make_unique<MessageWindowCenter>();
+        m_store = std::make_unique<PersistentDragSessionStore>(
+            m_dir->filePath(QStringLiteral(".drag_sessions")), nullptr, Clock::system());
+        m_messages = std::make_unique<MessageWindowCenter>(Clock::system());
         m_ui = std::make_unique<QtDragSessionUserInterface>(
             QtDragSessionUserInterface::Dependencies{*m_messages, *m_preferences, Clock::system()});
-        m_controller = std::make_unique<SessionController>(SessionController::Dependencies{
-            *m_store, *m_preferences, *m_ui, m_screens, *m_messages, m_clipboard, Clock::system()});
+        m_controller = std::make_unique<SessionController>(
+            SessionController::Dependencies{*m_store, *m_preferences, *m_ui, m_screens, *m_messages,
+                                            m_clipboard, Clock::system(), InotifyFileWatcher::shared()});
         m_output.clear();
         m_targetOutput.clear();
     }

@@ -31,9 +31,6 @@ public:
     // `onChange` runs on the watcher's thread; a burst of kernel events yields few signals, not one each.
     virtual std::expected<std::unique_ptr<Watch>, Error> watch(const QString& directoryPath,
                                                                Signal onChange) = 0;
-
-    // The inotify backend on the main thread; first use must be on that thread.
-    static DirectoryWatcher& system();
 };
 
 } // namespace Vantrope

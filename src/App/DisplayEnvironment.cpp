@@ -1,7 +1,7 @@
 #include "DisplayEnvironment.h"
 
 #ifdef WITH_X11
-#include "X11/X11Display.h"
+#include "Platform/X11/X11Display.h"
 #endif
 
 #include <QByteArray>

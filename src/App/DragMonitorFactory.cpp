@@ -1,11 +1,11 @@
 #include "DragMonitorFactory.h"
 
+#include "Domains/Activation/NullDragMonitor.h"
 #include "Domains/Activation/RecognizerLogging.h"
 #include "Libraries/Core/Localized.h"
-#include "NullDragMonitor.h"
 
 #ifdef WITH_X11
-#include "X11/X11DragMonitor.h"
+#include "Platform/X11/X11DragMonitor.h"
 #endif
 
 namespace Vantrope {

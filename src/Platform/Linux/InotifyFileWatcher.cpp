@@ -1,4 +1,4 @@
-#include "InotifyWatcher.h"
+#include "InotifyFileWatcher.h"
 
 #include "Libraries/Core/Logging.h"
 
@@ -6,28 +6,55 @@
 #include <cerrno>
 #include <cstring>
 #include <map>
+#include <optional>
 #include <poll.h>
 #include <QHash>
 #include <QMutex>
 #include <QThread>
 #include <sys/eventfd.h>
 #include <sys/inotify.h>
+#include <sys/stat.h>
 #include <unistd.h>
+#include <vector>
 
 namespace Vantrope {
 
-QString InotifyWatcher::Error::description() const
+namespace {
+
+// The file itself going away or moving, and IN_ATTRIB for a change of link count: an unlink.
+constexpr std::uint32_t watchMask = IN_MOVE_SELF | IN_DELETE_SELF | IN_ATTRIB;
+
+// inotify reports an unlink as a change of attributes while anyone keeps the file open; only a link
+// count of zero makes it a deletion, not a chmod or touch.
+bool isUnlinked(const QString& path)
 {
-    return QStringLiteral("Cannot watch %1: %2").arg(path, reason);
+    struct stat info = {};
+    return ::stat(path.toLocal8Bit().constData(), &info) != 0 || info.st_nlink == 0;
 }
 
-struct InotifyWatcher::Private {
+std::optional<FileWatcher::Change> changeOf(std::uint32_t mask, const QString& path)
+{
+    if (mask & IN_MOVE_SELF) {
+        return FileWatcher::Change::moved;
+    }
+    if ((mask & IN_DELETE_SELF) || ((mask & IN_ATTRIB) && isUnlinked(path))) {
+        return FileWatcher::Change::deleted;
+    }
+    return std::nullopt;
+}
+
+} // namespace
+
+struct InotifyFileWatcher::Private {
     struct Subscriber {
-        std::uint32_t events;
+        QString path;
         Callback callback;
+        // An unlink arrives as a change of link count and again when the inode is freed. Only the
+        // reading thread touches it.
+        bool deletionReported = false;
     };
     struct Descriptor {
-        std::map<quint64, Subscriber> subscribers;
+        std::map<quint64, std::shared_ptr<Subscriber>> subscribers;
     };
 
     int fd = -1;
@@ -41,21 +68,13 @@ struct InotifyWatcher::Private {
     void run();
     void dispatch(const inotify_event& event);
     void remove(int wd, quint64 token);
-    std::uint32_t maskFor(const Descriptor& descriptor) const
-    {
-        std::uint32_t mask = 0;
-        for (const auto& entry : descriptor.subscribers) {
-            mask |= entry.second.events;
-        }
-        return mask;
-    }
 };
 
 namespace {
 
-class WatchHandle final : public InotifyWatcher::Watch {
+class WatchHandle final : public FileWatcher::Watch {
 public:
-    WatchHandle(InotifyWatcher::Private* owner, int wd, quint64 token)
+    WatchHandle(InotifyFileWatcher::Private* owner, int wd, quint64 token)
         : m_owner(owner)
         , m_wd(wd)
         , m_token(token)
@@ -63,14 +82,14 @@ public:
     ~WatchHandle() override { m_owner->remove(m_wd, m_token); }
 
 private:
-    InotifyWatcher::Private* m_owner;
+    InotifyFileWatcher::Private* m_owner;
     int m_wd;
     quint64 m_token;
 };
 
 } // namespace
 
-InotifyWatcher::InotifyWatcher()
+InotifyFileWatcher::InotifyFileWatcher()
     : d(std::make_unique<Private>())
 {
     d->fd = ::inotify_init1(IN_NONBLOCK | IN_CLOEXEC);
@@ -84,7 +103,7 @@ InotifyWatcher::InotifyWatcher()
     d->thread->start();
 }
 
-InotifyWatcher::~InotifyWatcher()
+InotifyFileWatcher::~InotifyFileWatcher()
 {
     d->stopping = true;
     if (d->wakeFd >= 0) {
@@ -102,15 +121,15 @@ InotifyWatcher::~InotifyWatcher()
     }
 }
 
-InotifyWatcher& InotifyWatcher::shared()
+InotifyFileWatcher& InotifyFileWatcher::shared()
 {
     // Never destroyed: watches may be released during static destruction.
-    static auto* watcher = new InotifyWatcher;
+    static auto* watcher = new InotifyFileWatcher;
     return *watcher;
 }
 
-std::expected<std::unique_ptr<InotifyWatcher::Watch>, InotifyWatcher::Error>
-InotifyWatcher::watch(const QString& path, std::uint32_t events, Callback callback)
+std::expected<std::unique_ptr<FileWatcher::Watch>, FileWatcher::Error>
+InotifyFileWatcher::watch(const QString& path, Callback callback)
 {
     if (d->fd < 0) {
         return std::unexpected(Error{path, QStringLiteral("inotify is not available")});
@@ -118,7 +137,7 @@ InotifyWatcher::watch(const QString& path, std::uint32_t events, Callback callba
     QMutexLocker lock(&d->mutex);
     const QByteArray native = path.toLocal8Bit();
     // IN_MASK_ADD keeps what other subscribers of the same inode asked for.
-    const int wd = ::inotify_add_watch(d->fd, native.constData(), events | IN_MASK_ADD);
+    const int wd = ::inotify_add_watch(d->fd, native.constData(), watchMask | IN_MASK_ADD);
     if (wd < 0) {
         const int error = errno;
         QString reason = QString::fromLocal8Bit(std::strerror(error));
@@ -129,11 +148,12 @@ InotifyWatcher::watch(const QString& path, std::uint32_t events, Callback callba
         return std::unexpected(Error{path, reason, limitReached});
     }
     const quint64 token = d->nextToken++;
-    d->descriptors[wd].subscribers.emplace(token, Private::Subscriber{events, std::move(callback)});
+    d->descriptors[wd].subscribers.emplace(token,
+                                           std::make_shared<Private::Subscriber>(path, std::move(callback)));
     return std::make_unique<WatchHandle>(d.get(), wd, token);
 }
 
-void InotifyWatcher::Private::remove(int wd, quint64 token)
+void InotifyFileWatcher::Private::remove(int wd, quint64 token)
 {
     QMutexLocker lock(&mutex);
     auto it = descriptors.find(wd);
@@ -146,7 +166,7 @@ void InotifyWatcher::Private::remove(int wd, quint64 token)
     }
 }
 
-void InotifyWatcher::Private::run()
+void InotifyFileWatcher::Private::run()
 {
     alignas(inotify_event) char buffer[64 * 1024];
     pollfd fds[2] = {{fd, POLLIN, 0}, {wakeFd, POLLIN, 0}};
@@ -175,24 +195,14 @@ void InotifyWatcher::Private::run()
     }
 }
 
-void InotifyWatcher::Private::dispatch(const inotify_event& event)
+void InotifyFileWatcher::Private::dispatch(const inotify_event& event)
 {
-    const QString name = event.len > 0 ? QString::fromLocal8Bit(event.name) : QString();
-    std::vector<Callback> callbacks;
+    std::vector<std::shared_ptr<Subscriber>> targets;
     {
         QMutexLocker lock(&mutex);
-        if (event.mask & IN_Q_OVERFLOW) {
-            // Lost events could concern anyone: tell every subscriber.
-            for (const auto& descriptor : std::as_const(descriptors)) {
-                for (const auto& entry : descriptor.subscribers) {
-                    callbacks.push_back(entry.second.callback);
-                }
-            }
-        } else if (auto it = descriptors.find(event.wd); it != descriptors.end()) {
+        if (auto it = descriptors.find(event.wd); it != descriptors.end()) {
             for (const auto& entry : it->subscribers) {
-                if ((event.mask & (entry.second.events | IN_IGNORED)) != 0) {
-                    callbacks.push_back(entry.second.callback);
-                }
+                targets.push_back(entry.second);
             }
             if (event.mask & IN_IGNORED) {
                 // The kernel dropped the watch; a later watch may reuse the number.
@@ -200,8 +210,19 @@ void InotifyWatcher::Private::dispatch(const inotify_event& event)
             }
         }
     }
-    for (const Callback& callback : callbacks) {
-        callback(event.mask, name);
+    // Outside the lock: a callback may end its own watch.
+    for (const std::shared_ptr<Subscriber>& subscriber : targets) {
+        const auto change = changeOf(event.mask, subscriber->path);
+        if (!change) {
+            continue;
+        }
+        if (*change == Change::deleted) {
+            if (subscriber->deletionReported) {
+                continue;
+            }
+            subscriber->deletionReported = true;
+        }
+        subscriber->callback(*change);
     }
 }
 
