@@ -9,7 +9,7 @@ build_packages=(
     qt6-qpa-plugins libqt6svg6
 )
 test_packages=(xvfb xauth openbox xdotool x11-utils dbus-daemon dbus-x11 libglib2.0-bin python3-gi gir1.2-gtk-3.0 python3-xlib
-    chromium pcmanfm)
+    chromium firefox-esr pcmanfm)
 
 wanted=("${build_packages[@]}")
 for group in "$@"; do

@@ -3,6 +3,8 @@
 
 #include <QDir>
 #include <QFile>
+#include <QFileInfo>
+#include <QImage>
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
@@ -42,14 +44,24 @@ private Q_SLOTS:
 <a href="https://example.org/a/page" style="position:absolute;left:20px;top:20px;width:260px;height:90px;
    display:block;font-size:40px;background:#ddf">A link</a>
 <textarea id="field" style="position:absolute;left:20px;top:200px;width:400px;height:200px"></textarea>
+<img src="photo.jpg" style="position:absolute;left:20px;top:440px;width:160px;height:120px">
 <script>
 const field = document.getElementById('field');
 field.addEventListener('input', () => { document.title = 'field:' + field.value; });
+// Firefox tells where the page lies on the screen; the picture's place follows from it.
+if ('mozInnerScreenY' in window) {
+  setInterval(() => { document.title = 'ready ' + Math.round(mozInnerScreenX) + ' ' + Math.round(mozInnerScreenY); }, 200);
+}
 </script></body></html>)"));
     }
 
     void cleanup()
     {
+        if (m_firefox) {
+            m_firefox->kill();
+            m_firefox->waitForFinished();
+            m_firefox.reset();
+        }
         for (QProcess* process : {m_browserProcess.get(), m_fileManager.get(), m_agent.get()}) {
             if (process && process->state() != QProcess::NotRunning) {
                 process->kill();
@@ -135,6 +147,63 @@ field.addEventListener('input', () => { document.title = 'field:' + field.value;
         QTest::qWait(500);
         QCOMPARE(list().size(), 1);
         QCOMPARE(list().at(0).toObject().value(QStringLiteral("items")).toArray().size(), 1);
+    }
+
+    // Firefox offers a picture re-encoded in several formats beside its name and address: the shelf
+    // keeps the format and the name the page had.
+    void aPictureFromFirefoxKeepsItsNameAndFormat()
+    {
+        const QString firefox = QStandardPaths::findExecutable(QStringLiteral("firefox-esr"));
+        if (firefox.isEmpty()) {
+            QSKIP("Firefox ESR is not installed (scripts/deps.sh test installs it)");
+        }
+        QImage photo(64, 48, QImage::Format_RGB32);
+        photo.fill(QColor(40, 120, 200));
+        QVERIFY(photo.save(m_home->filePath(QStringLiteral("photo.jpg")), "JPEG"));
+        startAgent();
+        QCOMPARE(run({QStringLiteral("new")}).exitCode, 0);
+        QTRY_VERIFY_WITH_TIMEOUT(!agentShelfGeometry().isEmpty(), 5000);
+        const QRect shelf = agentShelfGeometry();
+
+        const QString profile = m_home->filePath(QStringLiteral("firefox"));
+        QVERIFY(QDir().mkpath(profile));
+        m_firefox = std::make_unique<QProcess>();
+        m_firefox->setProcessEnvironment(m_environment);
+        m_firefox->start(firefox,
+                         {QStringLiteral("--no-remote"), QStringLiteral("--new-instance"),
+                          QStringLiteral("--profile"), profile,
+                          QUrl::fromLocalFile(m_home->filePath(QStringLiteral("page.html"))).toString()});
+        QVERIFY(m_firefox->waitForStarted());
+        QString window;
+        QTRY_VERIFY_WITH_TIMEOUT(
+            !(window = titledWindow(QStringLiteral("firefox"), QStringLiteral("ready"))).isEmpty(), 60000);
+        // The page's origin on the screen, as the page itself tells it.
+        QPoint page;
+        QTRY_VERIFY_WITH_TIMEOUT(
+            [&] {
+                const QStringList words =
+                    runTool(QStringLiteral("xdotool"), {QStringLiteral("getwindowname"), window})
+                        .output.split(QLatin1Char(' '));
+                page = QPoint(words.value(1).toInt(), words.value(2).toInt());
+                return words.value(0) == QStringLiteral("ready") && !page.isNull();
+            }(),
+            10000);
+        const QPoint picture = page + QPoint(100, 500);
+        QVERIFY(!shelf.contains(picture));
+        // Firefox starts its drag only after a few moves of the pressed pointer, and learns of the window
+        // under the pointer from the motion after a jump.
+        Vantrope::Test::PointerScript drag;
+        drag.moveTo(picture).pause(0.3).press().pause(0.2).move(10, 0).pause(0.1).move(10, 0).pause(0.3);
+        drag.moveTo(shelf.center()).pause(0.3).move(3, 3).pause(0.3).move(-3, -3).pause(0.5).release();
+        QVERIFY(Vantrope::Test::runXdotool(drag.arguments()));
+        QTRY_COMPARE_WITH_TIMEOUT(list().at(0).toObject().value(QStringLiteral("items")).toArray().size(), 1,
+                                  10000);
+        const QString item =
+            list().at(0).toObject().value(QStringLiteral("items")).toArray().at(0).toString();
+        QCOMPARE(QFileInfo(item).fileName(), QStringLiteral("photo.jpg"));
+        QFile file(item);
+        QVERIFY(file.open(QIODevice::ReadOnly));
+        QCOMPARE(file.read(3), QByteArray("\xFF\xD8\xFF"));
     }
 
     // A file manager that gives X times in Unix seconds must not spoil later drags out of a shelf, even
@@ -257,6 +326,21 @@ private:
                        values.value(QStringLiteral("WIDTH")), values.value(QStringLiteral("HEIGHT")));
     }
 
+    // The first visible window of `windowClass` whose title contains `title`.
+    QString titledWindow(const QString& windowClass, const QString& title)
+    {
+        const Result search =
+            runTool(QStringLiteral("xdotool"), {QStringLiteral("search"), QStringLiteral("--onlyvisible"),
+                                                QStringLiteral("--class"), windowClass});
+        for (const QString& window : search.output.split(QLatin1Char('\n'), Qt::SkipEmptyParts)) {
+            if (runTool(QStringLiteral("xdotool"), {QStringLiteral("getwindowname"), window})
+                    .output.contains(title)) {
+                return window;
+            }
+        }
+        return {};
+    }
+
     QString browserTitle()
     {
         if (m_browserWindow.isEmpty()) {
@@ -326,6 +410,7 @@ private:
     std::unique_ptr<QProcess> m_agent;
     std::unique_ptr<QProcess> m_browserProcess;
     std::unique_ptr<QProcess> m_fileManager;
+    std::unique_ptr<QProcess> m_firefox;
 };
 
 QTEST_GUILESS_MAIN(TestRealPrograms)
