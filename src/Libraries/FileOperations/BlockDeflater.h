@@ -9,6 +9,7 @@ namespace Vantrope {
 // compressed independently, each primed with the 32 KiB of input before it, so they can run in
 // parallel and still compress about as well as one stream; every block but the last ends on a byte
 // boundary (a sync flush) and the last one ends the stream, so their outputs simply concatenate.
+// A block that samples show to be incompressible goes in as stored blocks of the same stream.
 class BlockDeflater final {
 public:
     static constexpr qsizetype dictionarySize = 32 * 1024;
