@@ -15,7 +15,6 @@
 #include <map>
 #include <memory>
 #include <mutex>
-#include <optional>
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
@@ -29,6 +28,7 @@ namespace Vantrope {
 
 namespace {
 
+// Memory stays near (window + one per thread) blocks whatever the size of the files.
 constexpr qint64 blockSize = 1024 * 1024;
 // Entries this large get ZIP64 sizes; the margin leaves room for deflate's growth on random data.
 constexpr qint64 zip64Threshold = 0xF0000000LL;
@@ -37,6 +37,8 @@ constexpr int maximumJobsInFlight = 256;
 constexpr uLong madeByUnix = (3 << 8) | 30;
 constexpr uLong utf8NamesFlag = 1 << 11;
 
+// Callers run archives from the global pool; deflating there too could leave an archive waiting on
+// blocks queued behind itself.
 Q_GLOBAL_STATIC(QThreadPool, deflatePool)
 
 int zlibLevel(Zip::Compression compression)
