@@ -14,12 +14,13 @@ namespace Vantrope {
 
 namespace {
 
+// Folder URLs often end in a slash; an archiver would take the empty last component for the name.
 QStringList localPaths(const QList<QUrl>& urls)
 {
     QStringList paths;
     paths.reserve(urls.size());
     for (const QUrl& url : urls) {
-        paths.append(url.toLocalFile());
+        paths.append(QDir::cleanPath(url.toLocalFile()));
     }
     return paths;
 }

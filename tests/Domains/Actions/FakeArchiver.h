@@ -36,10 +36,10 @@ public:
             m_requests.append(paths);
         }
         m_pool.start([this, job, paths, destination, completion] {
-            while (held && !job->cancelled) {
+            while (held && (ignoresCancel || !job->cancelled)) {
                 QThread::msleep(5);
             }
-            if (job->cancelled) {
+            if (job->cancelled && !ignoresCancel) {
                 completion(std::unexpected(Error{QStringLiteral("cancelled")}));
                 return;
             }
@@ -70,6 +70,8 @@ public:
     void waitForDone() { m_pool.waitForDone(); }
 
     std::atomic<bool> held = false;
+    // Like an archiver that only looks at the flag between files and finishes the file it is on.
+    std::atomic<bool> ignoresCancel = false;
 
 private:
     mutable QMutex m_mutex;
