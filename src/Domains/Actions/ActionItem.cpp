@@ -25,9 +25,9 @@ std::expected<ActionItem, ActionError> ActionItem::fromFile(const QUrl& url)
     struct stat status {};
     if (::stat(QFile::encodeName(path).constData(), &status) != 0) {
         const QString reason = QString::fromLocal8Bit(std::strerror(errno));
-        return std::unexpected(ActionError::underlying(
-            Localized("action.error.file-unreadable", "“%1” cannot be read: %2")
-                .arg(QFileInfo(path).fileName(), reason)));
+        return std::unexpected(
+            ActionError::underlying(Localized("action.error.file-unreadable", "“%1” cannot be read: %2")
+                                        .arg(QFileInfo(path).fileName(), reason)));
     }
     return ActionItem(url, quint64(status.st_size), typeOf(url));
 }

@@ -95,7 +95,8 @@ void ActionItemsAssembler::zipItems()
     const QString name = Localized("zip.archive", "Archive") + QStringLiteral(".zip");
     startArchive(localPaths(m_items), name, [this](const ActionArchiver::Result& archive) {
         if (!archive) {
-            qCWarning(lcActions).noquote() << QStringLiteral("Failed to zip items with error ") + archive.error().description;
+            qCWarning(lcActions).noquote()
+                << QStringLiteral("Failed to zip items with error ") + archive.error().description;
             finish(std::unexpected(Error::failedPreparation));
             return;
         }
@@ -118,29 +119,32 @@ void ActionItemsAssembler::zipDirectories(const QList<int>& directoryIndexes)
         const QUrl directory = m_items[index];
         const QString path = QDir::cleanPath(directory.toLocalFile());
         const QString name = QFileInfo(path).fileName() + QStringLiteral(".zip");
-        startArchive({path}, name, [this, batch, index, directory](const ActionArchiver::Result& archive) {
-            if (archive) {
-                qCInfo(lcActions).noquote() << QStringLiteral("Finished to zip directory at ") + directory.toLocalFile() +
-                                                   QStringLiteral(". New url is ") + archive->toLocalFile();
-                batch->urls[index] = *archive;
-                m_assembledItems.append(*archive);
-            } else {
-                qCWarning(lcActions).noquote() << QStringLiteral("Failed to zip directory at ") + directory.toLocalFile() +
-                                                      QStringLiteral(" with error ") + archive.error().description;
-                batch->failed = true;
-            }
-            if (--batch->pending > 0) {
-                return;
-            }
-            if (batch->failed) {
-                qCWarning(lcActions)
-                    << "Failed assemble as one or more directories could not be zipped. Notifying now...";
-                finish(std::unexpected(Error::failedPreparation));
-            } else {
-                qCInfo(lcActions) << "Successfully assembled items. Notifying now...";
-                finish(batch->urls);
-            }
-        });
+        startArchive(
+            {path}, name, [this, batch, index, directory](const ActionArchiver::Result& archive) {
+                if (archive) {
+                    qCInfo(lcActions).noquote()
+                        << QStringLiteral("Finished to zip directory at ") + directory.toLocalFile() +
+                               QStringLiteral(". New url is ") + archive->toLocalFile();
+                    batch->urls[index] = *archive;
+                    m_assembledItems.append(*archive);
+                } else {
+                    qCWarning(lcActions).noquote()
+                        << QStringLiteral("Failed to zip directory at ") + directory.toLocalFile() +
+                               QStringLiteral(" with error ") + archive.error().description;
+                    batch->failed = true;
+                }
+                if (--batch->pending > 0) {
+                    return;
+                }
+                if (batch->failed) {
+                    qCWarning(lcActions)
+                        << "Failed assemble as one or more directories could not be zipped. Notifying now...";
+                    finish(std::unexpected(Error::failedPreparation));
+                } else {
+                    qCInfo(lcActions) << "Successfully assembled items. Notifying now...";
+                    finish(batch->urls);
+                }
+            });
     }
 }
 
@@ -160,18 +164,19 @@ void ActionItemsAssembler::startArchive(const QStringList& paths, const QString&
         return;
     }
     std::weak_ptr<char> alive = m_lifetime;
-    auto job = m_archiver->makeArchive(
-        paths, *folder + QLatin1Char('/') + archiveName,
-        [this, alive, done = std::move(done)](const ActionArchiver::Result& archive) {
-            // The archiver may answer on any thread, or before makeArchive() has even returned.
-            DispatchQueue::main().async([this, alive, done, archive] {
-                if (!alive.lock() || m_isCancelled) {
-                    removeOrphanedArchive(archive);
-                    return;
-                }
-                done(archive);
-            });
-        });
+    auto job =
+        m_archiver->makeArchive(paths, *folder + QLatin1Char('/') + archiveName,
+                                [this, alive, done = std::move(done)](const ActionArchiver::Result& archive) {
+                                    // The archiver may answer on any thread, or before makeArchive() has even
+                                    // returned.
+                                    DispatchQueue::main().async([this, alive, done, archive] {
+                                        if (!alive.lock() || m_isCancelled) {
+                                            removeOrphanedArchive(archive);
+                                            return;
+                                        }
+                                        done(archive);
+                                    });
+                                });
     if (job) {
         m_jobs.push_back(std::move(job));
     }
@@ -222,7 +227,8 @@ void ActionItemsAssembler::finish(const std::expected<QList<QUrl>, Error>& urls)
         for (const QUrl& url : *urls) {
             auto item = ActionItem::fromFile(url);
             if (!item) {
-                qCWarning(lcActions).noquote() << QStringLiteral("Failed to read assembled item ") + url.toLocalFile();
+                qCWarning(lcActions).noquote()
+                    << QStringLiteral("Failed to read assembled item ") + url.toLocalFile();
                 readable = false;
                 break;
             }

@@ -109,7 +109,8 @@ ActionsController::~ActionsController()
     }
 }
 
-void ActionsController::setSupplementarySearchActions(const QList<ActionsControllerSupplementarySearchAction>& actions)
+void ActionsController::setSupplementarySearchActions(
+    const QList<ActionsControllerSupplementarySearchAction>& actions)
 {
     m_supplementarySearchActions = actions;
 }
@@ -180,7 +181,8 @@ void ActionsController::resolveDraggables(const QString& pass)
                     resolution->error = item.error();
                 }
             } else {
-                qCWarning(lcActions).noquote() << QStringLiteral("Failed to resolve item for actions: ") + url.error().description;
+                qCWarning(lcActions).noquote()
+                    << QStringLiteral("Failed to resolve item for actions: ") + url.error().description;
                 resolution->error = ActionError(ActionError::Kind::failedGeneratingUrl);
             }
             group->leave();
@@ -220,8 +222,8 @@ void ActionsController::queryShareActions(const QString& pass, const ActionItemL
                 return;
             }
             if (self->m_prepareItemsIdentifier != pass) {
-                qCInfo(lcActions)
-                    << "Finished preparing share actions but it took to long, the menu has already been modified";
+                qCInfo(lcActions) << "Finished preparing share actions but it took to long, the menu has "
+                                     "already been modified";
             } else {
                 self->insertShareActions(shareActions);
             }
@@ -261,17 +263,19 @@ void ActionsController::deliverItems(const QString& pass, const ItemsResult& ite
     menuPool().start([self = QPointer(this), pass, items = *items, actions = m_actions,
                       operationItems = m_operationsController ? m_operationsController->menuItems()
                                                               : QList<OperationsController::MenuItem>(),
-                      excluded = m_excludedCategories] {
+                      excluded = m_excludedCategories]() mutable {
         MenuWork work;
         work.performable = performableActions(actions, items);
-        work.menu = ActionsControllerMenuFactory(work.performable, items, operationItems, systemShareActionsLimit,
-                                                 excluded)
+        work.menu = ActionsControllerMenuFactory(work.performable, items, operationItems,
+                                                 systemShareActionsLimit, excluded)
                         .makeMenu();
-        DispatchQueue::main().async([self, pass, items, work = std::move(work)] {
-            if (self) {
-                self->didMakeMenu(pass, items, work);
-            }
-        });
+        // The actions go back too, so that none is destroyed on this thread if the shelf closed meanwhile.
+        DispatchQueue::main().async(
+            [self, pass, items, work = std::move(work), actions = std::move(actions)] {
+                if (self) {
+                    self->didMakeMenu(pass, items, work);
+                }
+            });
     });
 }
 
@@ -282,7 +286,8 @@ void ActionsController::didMakeMenu(const QString& pass, const ActionItemList& i
     }
     m_preparedMenu = work.menu;
     m_searchableElements = makeSearchElements(work.performable);
-    qCInfo(lcActions).noquote() << QStringLiteral("Finished items preparation for actions menu (items count: ") +
+    qCInfo(lcActions).noquote() << QStringLiteral(
+                                       "Finished items preparation for actions menu (items count: ") +
                                        QString::number(items.size()) + QLatin1Char(')');
     Q_EMIT searchableElementsChanged();
     finishPass(items);
@@ -301,18 +306,22 @@ void ActionsController::finishPass(const ItemsResult& items)
     }
 }
 
-QList<ActionsController::SearchElement> ActionsController::makeSearchElements(const ActionList& performable) const
+QList<ActionsController::SearchElement>
+ActionsController::makeSearchElements(const ActionList& performable) const
 {
     const QList<OperationsController::SearchElement> operations =
-        m_operationsController ? m_operationsController->searchElements() : QList<OperationsController::SearchElement>();
-    return ActionsControllerSearchItemsFactory(performable, operations, m_supplementarySearchActions).makeElements();
+        m_operationsController ? m_operationsController->searchElements()
+                               : QList<OperationsController::SearchElement>();
+    return ActionsControllerSearchItemsFactory(performable, operations, m_supplementarySearchActions)
+        .makeElements();
 }
 
 ActionsControllerMenu ActionsController::makeMenuNow(const ActionItemList& items)
 {
     const ActionList performable = performableActions(m_actions, items);
     const QList<OperationsController::MenuItem> operationItems =
-        m_operationsController ? m_operationsController->menuItems() : QList<OperationsController::MenuItem>();
+        m_operationsController ? m_operationsController->menuItems()
+                               : QList<OperationsController::MenuItem>();
     m_searchableElements = makeSearchElements(performable);
     Q_EMIT searchableElementsChanged();
     return ActionsControllerMenuFactory(performable, items, operationItems, systemShareActionsLimit,
@@ -398,8 +407,9 @@ void ActionsController::menuDidClose()
 void ActionsController::didSelectItem(const ActionMenuEntry::ActionRow& row)
 {
     if (!row.action) {
-        qCWarning(lcActions).noquote() << QStringLiteral("Selected action ") + row.title +
-                                              QStringLiteral(" but the menu item does not contain an associated action");
+        qCWarning(lcActions).noquote()
+            << QStringLiteral("Selected action ") + row.title +
+                   QStringLiteral(" but the menu item does not contain an associated action");
         return;
     }
     const ActionItemList items = m_actionItems.value_or(ActionItemList());
@@ -418,25 +428,30 @@ bool ActionsController::didSelectOperation(const QString& identifier)
 bool ActionsController::performAction(const ActionSearchItem& searchItem)
 {
     const QList<SearchElement> elements = m_searchableElements.value_or(QList<SearchElement>());
-    const auto element = std::find_if(elements.begin(), elements.end(),
-                                      [&searchItem](const SearchElement& candidate) { return candidate.item == searchItem; });
+    const auto element =
+        std::find_if(elements.begin(), elements.end(),
+                     [&searchItem](const SearchElement& candidate) { return candidate.item == searchItem; });
     if (element == elements.end()) {
-        qCWarning(lcActions).noquote() << QStringLiteral("Failed to find associated action to perform for search item ") +
-                                              searchItem.identifier;
+        qCWarning(lcActions).noquote()
+            << QStringLiteral("Failed to find associated action to perform for search item ") +
+                   searchItem.identifier;
         return false;
     }
     if (!m_actionItems) {
-        qCWarning(lcActions).noquote() << QStringLiteral("Attempted to perform search action ") + searchItem.identifier +
+        qCWarning(lcActions).noquote() << QStringLiteral("Attempted to perform search action ") +
+                                              searchItem.identifier +
                                               QStringLiteral(" but action items are missing");
         return false;
     }
     const auto& backing = element->backing;
     if (const auto* action = std::get_if<ActionsControllerSearchItemsFactory::ActionBacking>(&backing)) {
         qCInfo(lcActions) << "Performing action triggered from search item...";
-        didSelectItem(ActionMenuEntry::ActionRow{action->action, element->item.title, element->item.iconName, true});
+        didSelectItem(
+            ActionMenuEntry::ActionRow{action->action, element->item.title, element->item.iconName, true});
         return true;
     }
-    if (const auto* operation = std::get_if<ActionsControllerSearchItemsFactory::OperationBacking>(&backing)) {
+    if (const auto* operation =
+            std::get_if<ActionsControllerSearchItemsFactory::OperationBacking>(&backing)) {
         switch (operation->element.kind) {
         case OperationsController::SearchElement::Kind::operationType:
             qCInfo(lcActions) << "Performing file operation triggered from search item...";
@@ -468,7 +483,8 @@ void ActionsController::reloadSupplementarySearchElements()
     }
     QList<SearchElement> elements;
     for (const SearchElement& element : std::as_const(*m_searchableElements)) {
-        if (!std::holds_alternative<ActionsControllerSearchItemsFactory::SupplementaryBacking>(element.backing)) {
+        if (!std::holds_alternative<ActionsControllerSearchItemsFactory::SupplementaryBacking>(
+                element.backing)) {
             elements.append(element);
         }
     }
@@ -479,12 +495,13 @@ void ActionsController::reloadSupplementarySearchElements()
 
 void ActionsController::prepareAction(const ActionPtr& action, const ActionItemList& items)
 {
-    qCInfo(lcActions).noquote() << QStringLiteral("Preparing action ") + action->identifier() + QStringLiteral(" for items: ") +
-                                       describe(actionItemUrls(items));
+    qCInfo(lcActions).noquote() << QStringLiteral("Preparing action ") + action->identifier() +
+                                       QStringLiteral(" for items: ") + describe(actionItemUrls(items));
     if (ActionPreparation* preparation = action->preparation()) {
         m_actionItemsAssembler.reset();
         std::weak_ptr<Action> weakAction = action;
-        preparation->prepare(items, [self = QPointer(this), weakAction](const ActionPreparation::Result& result) {
+        preparation->prepare(items, [self = QPointer(this),
+                                     weakAction](const ActionPreparation::Result& result) {
             // Back on the main thread, and never before the delegate heard that preparation started.
             DispatchQueue::main().async([self, weakAction, result] {
                 const ActionPtr action = weakAction.lock();
@@ -497,8 +514,8 @@ void ActionsController::prepareAction(const ActionPtr& action, const ActionItemL
         });
     } else {
         auto assembler = std::make_unique<ActionItemsAssembler>(
-            actionItemUrls(items), ActionItemsAssembler::strategyFor(action->itemPreparationStrategy()), m_archiver,
-            m_archivesFolder);
+            actionItemUrls(items), ActionItemsAssembler::strategyFor(action->itemPreparationStrategy()),
+            m_archiver, m_archivesFolder);
         ActionItemsAssembler* raw = assembler.get();
         m_actionItemsAssembler = std::move(assembler);
         // The assembler answers on the main thread and only while it lives, so while this controller does.
@@ -506,9 +523,10 @@ void ActionsController::prepareAction(const ActionPtr& action, const ActionItemL
             if (result) {
                 didPrepareAction(action, *result);
             } else {
-                didPrepareAction(action, std::unexpected(raw->isCancelled()
-                                                             ? ActionError(ActionError::Kind::canceled)
-                                                             : ActionError(ActionError::Kind::failedPreparation)));
+                didPrepareAction(action,
+                                 std::unexpected(raw->isCancelled()
+                                                     ? ActionError(ActionError::Kind::canceled)
+                                                     : ActionError(ActionError::Kind::failedPreparation)));
             }
         });
     }
@@ -521,11 +539,12 @@ void ActionsController::prepareAction(const ActionPtr& action, const ActionItemL
 void ActionsController::didPrepareAction(const ActionPtr& action, const ItemsResult& items)
 {
     if (!items) {
-        qCWarning(lcActions).noquote() << QStringLiteral("Failed assembling items with error ") + items.error().description();
+        qCWarning(lcActions).noquote()
+            << QStringLiteral("Failed assembling items with error ") + items.error().description();
         if (m_actionItemsAssembler) {
             // Not from inside the assembler's own callback: it is still on the stack.
-            DispatchQueue::main().async([assembler = std::shared_ptr<ActionItemsAssembler>(
-                                             std::move(m_actionItemsAssembler))] {});
+            DispatchQueue::main().async(
+                [assembler = std::shared_ptr<ActionItemsAssembler>(std::move(m_actionItemsAssembler))] {});
         }
         if (m_delegate) {
             m_delegate->didFinishPerformingAction(action, *this, std::unexpected(items.error()));
@@ -562,17 +581,18 @@ void ActionsController::performAction(const ActionPtr& action, const ActionItemL
             }
         });
     };
-    auto completion = [self, weakAction](const Action::Result& result) {
-        DispatchQueue::main().async([self, weakAction, result] {
-            const ActionPtr action = weakAction.lock();
-            if (!self || !action) {
-                qCWarning(lcActions)
-                    << "Action is finished but lost self reference or lost performingAction reference!";
-                return;
-            }
-            self->didFinishPerformingAction(action, result);
-        });
-    };
+    auto completion =
+        [self, weakAction](const Action::Result& result) {
+            DispatchQueue::main().async([self, weakAction, result] {
+                const ActionPtr action = weakAction.lock();
+                if (!self || !action) {
+                    qCWarning(lcActions)
+                        << "Action is finished but lost self reference or lost performingAction reference!";
+                    return;
+                }
+                self->didFinishPerformingAction(action, result);
+            });
+        };
     action->perform(items, std::move(progress), std::move(completion));
 }
 
@@ -583,7 +603,8 @@ void ActionsController::didFinishPerformingAction(const ActionPtr& action, const
         m_actionItemsAssembler.reset();
     }
     m_performingAction.reset();
-    qCInfo(lcActions).noquote() << QStringLiteral("Action is finished with result, result: ") + describe(result);
+    qCInfo(lcActions).noquote() << QStringLiteral("Action is finished with result, result: ") +
+                                       describe(result);
     // Last: the delegate may let this controller go.
     if (m_delegate) {
         m_delegate->didFinishPerformingAction(action, *this, result);

@@ -7,9 +7,9 @@
 #include "ActionControllerHistory.h"
 #include "ActionItemsAssembler.h"
 #include "ActionMenuEntry.h"
-#include "ActionSearchItem.h"
 #include "ActionsControllerSearchItemsFactory.h"
 #include "ActionsControllerSupplementarySearchAction.h"
+#include "ActionSearchItem.h"
 #include "Models/Draggable/Draggable.h"
 #include "OperationsController.h"
 
@@ -55,8 +55,8 @@ public:
     };
 
     // `actions` in menu order; share targets are later put behind the preview action.
-    ActionsController(DraggableList draggables, ActionList actions, Preferences& preferences, Services services,
-                      QObject* parent = nullptr);
+    ActionsController(DraggableList draggables, ActionList actions, Preferences& preferences,
+                      Services services, QObject* parent = nullptr);
     ~ActionsController() override;
 
     // Not owned; the delegate owns this controller.

@@ -9,10 +9,9 @@
 
 namespace Vantrope {
 
-ActionsControllerMenuFactory::ActionsControllerMenuFactory(ActionList actions, ActionItemList items,
-                                                           QList<OperationsController::MenuItem> operationMenuItems,
-                                                           int systemShareActionsLimit,
-                                                           QList<ActionCategory> excludedCategories)
+ActionsControllerMenuFactory::ActionsControllerMenuFactory(
+    ActionList actions, ActionItemList items, QList<OperationsController::MenuItem> operationMenuItems,
+    int systemShareActionsLimit, QList<ActionCategory> excludedCategories)
     : m_actions(std::move(actions))
     , m_items(std::move(items))
     , m_operationMenuItems(std::move(operationMenuItems))
@@ -80,7 +79,8 @@ std::vector<ActionsControllerMenuFactory::MenuItemGroup> ActionsControllerMenuFa
     return groups;
 }
 
-std::vector<ActionMenuEntry> ActionsControllerMenuFactory::makeSystemShareMenuEntries(const ActionList& shareActions) const
+std::vector<ActionMenuEntry>
+ActionsControllerMenuFactory::makeSystemShareMenuEntries(const ActionList& shareActions) const
 {
     std::vector<ActionMenuEntry> entries;
     const qsizetype inlineCount = std::min<qsizetype>(m_systemShareActionsLimit, shareActions.size());
@@ -89,7 +89,9 @@ std::vector<ActionMenuEntry> ActionsControllerMenuFactory::makeSystemShareMenuEn
     }
     if (shareActions.size() > inlineCount) {
         ActionMenuEntry::Submenu more{Localized("action.share.more.title", "More"),
-                                      QStringLiteral("emblem-shared"), QStringLiteral("Share"), {}};
+                                      QStringLiteral("emblem-shared"),
+                                      QStringLiteral("Share"),
+                                      {}};
         for (qsizetype index = inlineCount; index < shareActions.size(); ++index) {
             appendEntry(more.entries, shareActions[index]);
         }
@@ -103,7 +105,8 @@ std::vector<ActionMenuEntry> ActionsControllerMenuFactory::makeSystemShareMenuEn
     return entries;
 }
 
-void ActionsControllerMenuFactory::appendEntry(std::vector<ActionMenuEntry>& entries, const ActionPtr& action) const
+void ActionsControllerMenuFactory::appendEntry(std::vector<ActionMenuEntry>& entries,
+                                               const ActionPtr& action) const
 {
     const ActionMenuItemProvider* provider = action->menuItemProvider();
     if (!provider) {

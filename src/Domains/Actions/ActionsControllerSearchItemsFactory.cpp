@@ -22,9 +22,9 @@ QList<ActionsControllerSearchItemsFactory::Element> ActionsControllerSearchItems
         if (!action || !action->isSearchable()) {
             continue;
         }
-        elements.append(Element{
-            ActionSearchItem{action->identifier(), searchTitle(action->title()), action->iconName(), keywords(*action)},
-            ActionBacking{action}});
+        elements.append(Element{ActionSearchItem{action->identifier(), searchTitle(action->title()),
+                                                 action->iconName(), keywords(*action)},
+                                ActionBacking{action}});
     }
     for (const OperationsController::SearchElement& operation : m_operations) {
         elements.append(Element{ActionSearchItem{operation.identifier, searchTitle(operation.title),
@@ -80,13 +80,14 @@ QStringList ActionsControllerSearchItemsFactory::keywords(const Action& action)
 
 const QStringList& ActionsControllerSearchItemsFactory::suggestedIdentifiers()
 {
-    static const QStringList identifiers = {ActionIdentifiers::sharingServiceEmail, ActionIdentifiers::openFile,
-                                            ActionIdentifiers::copyToPasteboard};
+    static const QStringList identifiers = {ActionIdentifiers::sharingServiceEmail,
+                                            ActionIdentifiers::openFile, ActionIdentifiers::copyToPasteboard};
     return identifiers;
 }
 
 ActionsControllerSearchItemsFactory::Suggestion
-ActionsControllerSearchItemsFactory::suggestion(const QList<ActionSearchItem>& items, const QStringList& history)
+ActionsControllerSearchItemsFactory::suggestion(const QList<ActionSearchItem>& items,
+                                                const QStringList& history)
 {
     QList<ActionSearchItem> recent;
     for (const ActionSearchItem& item : items) {

@@ -1,8 +1,8 @@
 #pragma once
 
 #include "Action.h"
-#include "ActionSearchItem.h"
 #include "ActionsControllerSupplementarySearchAction.h"
+#include "ActionSearchItem.h"
 #include "OperationsController.h"
 
 #include <functional>
@@ -38,9 +38,9 @@ public:
         QList<ActionSearchItem> items;
     };
 
-    ActionsControllerSearchItemsFactory(ActionList actions,
-                                        QList<OperationsController::SearchElement> operations,
-                                        QList<ActionsControllerSupplementarySearchAction> supplementaryActions);
+    ActionsControllerSearchItemsFactory(
+        ActionList actions, QList<OperationsController::SearchElement> operations,
+        QList<ActionsControllerSupplementarySearchAction> supplementaryActions);
 
     QList<Element> makeElements() const;
 

@@ -10,8 +10,9 @@ const DefaultActionMenuItemProvider& DefaultActionMenuItemProvider::shared()
     return provider;
 }
 
-std::optional<ActionMenuEntry> DefaultActionMenuItemProvider::makeMenuEntry(const std::shared_ptr<Action>& action,
-                                                                             const ActionItemList&) const
+std::optional<ActionMenuEntry>
+DefaultActionMenuItemProvider::makeMenuEntry(const std::shared_ptr<Action>& action,
+                                             const ActionItemList&) const
 {
     if (!action) {
         return std::nullopt;

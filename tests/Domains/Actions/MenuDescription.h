@@ -14,12 +14,13 @@ inline QStringList describeMenu(const std::vector<ActionMenuEntry>& entries)
     QStringList lines;
     for (const ActionMenuEntry& entry : entries) {
         if (const auto* row = std::get_if<ActionMenuEntry::ActionRow>(&entry.value)) {
-            lines.append(QStringLiteral("action:") + (row->action ? row->action->identifier() : QStringLiteral("?")));
+            lines.append(QStringLiteral("action:") +
+                         (row->action ? row->action->identifier() : QStringLiteral("?")));
         } else if (std::holds_alternative<ActionMenuEntry::Separator>(entry.value)) {
             lines.append(QStringLiteral("---"));
         } else if (const auto* submenu = std::get_if<ActionMenuEntry::Submenu>(&entry.value)) {
-            lines.append(submenu->menuTitle + QLatin1Char('[') + describeMenu(submenu->entries).join(QLatin1Char(',')) +
-                         QLatin1Char(']'));
+            lines.append(submenu->menuTitle + QLatin1Char('[') +
+                         describeMenu(submenu->entries).join(QLatin1Char(',')) + QLatin1Char(']'));
         } else if (const auto* operation = std::get_if<ActionMenuEntry::OperationRow>(&entry.value)) {
             lines.append(QStringLiteral("operation:") + operation->item.identifier);
         }

@@ -74,7 +74,8 @@ private Q_SLOTS:
             << Strategy::zipAllFiles << l({"docs/", "a.txt"}) << l({"Archive.zip"})
             << QList<QStringList>{l({"docs", "a.txt"})};
         QTest::newRow("zipDirectories, only files pass untouched")
-            << Strategy::zipDirectories << l({"a.txt", "b.png"}) << l({"a.txt", "b.png"}) << QList<QStringList>();
+            << Strategy::zipDirectories << l({"a.txt", "b.png"}) << l({"a.txt", "b.png"})
+            << QList<QStringList>();
         QTest::newRow("zipDirectories, folders are replaced in place")
             << Strategy::zipDirectories << l({"a.txt", "docs/", "b.txt", "pics/"})
             << l({"a.txt", "docs.zip", "b.txt", "pics.zip"}) << QList<QStringList>{l({"docs"}), l({"pics"})};
@@ -143,7 +144,8 @@ private Q_SLOTS:
         ActionItemsAssembler assembler(makeInputs({QStringLiteral("a.txt"), QStringLiteral("b.txt")}),
                                        Strategy::zipAllFiles, m_archiver, m_work->path());
         bool done = false;
-        assembler.assemble([&done](const ActionItemsAssembler::Result& result) { done = result.has_value(); });
+        assembler.assemble(
+            [&done](const ActionItemsAssembler::Result& result) { done = result.has_value(); });
         QTRY_VERIFY(done);
         QCOMPARE(filesUnder(m_work->path()).size(), 1);
         assembler.clear();
@@ -209,8 +211,8 @@ private Q_SLOTS:
         m_archiver->ignoresCancel = true;
         bool called = false;
         {
-            ActionItemsAssembler assembler(makeInputs({QStringLiteral("docs/")}), Strategy::zipAllFiles, m_archiver,
-                                           m_work->path());
+            ActionItemsAssembler assembler(makeInputs({QStringLiteral("docs/")}), Strategy::zipAllFiles,
+                                           m_archiver, m_work->path());
             assembler.assemble([&called](const ActionItemsAssembler::Result&) { called = true; });
             QTRY_COMPARE(m_archiver->requests().size(), 1);
         }
@@ -224,11 +226,14 @@ private Q_SLOTS:
 
     void archivesGoToTheReservedFolderByDefault()
     {
-        ActionItemsAssembler assembler(makeInputs({QStringLiteral("docs/")}), Strategy::zipDirectories, m_archiver);
+        ActionItemsAssembler assembler(makeInputs({QStringLiteral("docs/")}), Strategy::zipDirectories,
+                                       m_archiver);
         bool done = false;
-        assembler.assemble([&done](const ActionItemsAssembler::Result& result) { done = result.has_value(); });
+        assembler.assemble(
+            [&done](const ActionItemsAssembler::Result& result) { done = result.has_value(); });
         QTRY_VERIFY(done);
-        const std::optional<QString> archives = TemporaryDirectories::path(ReservedTemporaryDirectory::archives);
+        const std::optional<QString> archives =
+            TemporaryDirectories::path(ReservedTemporaryDirectory::archives);
         QVERIFY(archives);
         QCOMPARE(assembler.assembledItems().size(), 1);
         QVERIFY(assembler.assembledItems().first().toLocalFile().startsWith(*archives + QLatin1Char('/')));

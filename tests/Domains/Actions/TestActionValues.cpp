@@ -33,9 +33,11 @@ private Q_SLOTS:
         QTest::newRow("tiff") << QStringLiteral("scan.tiff") << ActionItemType::image;
         QTest::newRow("tif is not listed") << QStringLiteral("scan.tif") << ActionItemType::other;
         QTest::newRow("webp is not listed") << QStringLiteral("a.webp") << ActionItemType::other;
-        QTest::newRow("image extension in the middle") << QStringLiteral("a.png.txt") << ActionItemType::other;
+        QTest::newRow("image extension in the middle")
+            << QStringLiteral("a.png.txt") << ActionItemType::other;
         QTest::newRow("no extension") << QStringLiteral("png") << ActionItemType::other;
-        QTest::newRow("hidden file named like an extension") << QStringLiteral(".png") << ActionItemType::other;
+        QTest::newRow("hidden file named like an extension")
+            << QStringLiteral(".png") << ActionItemType::other;
     }
 
     void itemTypeFollowsTheExtensionAlone()
@@ -43,8 +45,8 @@ private Q_SLOTS:
         QFETCH(QString, fileName);
         QFETCH(ActionItemType, type);
         // PNG bytes in a text file and text in a PNG file: only the name counts.
-        const QByteArray contents = type == ActionItemType::image ? QByteArray("plain text")
-                                                                  : QByteArray("\x89PNG\r\n\x1a\n", 8);
+        const QByteArray contents =
+            type == ActionItemType::image ? QByteArray("plain text") : QByteArray("\x89PNG\r\n\x1a\n", 8);
         const QString path = m_dir.filePath(fileName);
         QVERIFY(Test::writeFile(path, contents));
         const auto item = ActionItem::fromFile(QUrl::fromLocalFile(path));
@@ -111,7 +113,8 @@ private Q_SLOTS:
         QTest::newRow("reserved") << ActionError::Kind::reserved
                                   << QStringLiteral("Something went wrong while performing this action");
         QTest::newRow("underlying without a text of its own")
-            << ActionError::Kind::underlying << QStringLiteral("Something went wrong while performing this action");
+            << ActionError::Kind::underlying
+            << QStringLiteral("Something went wrong while performing this action");
     }
 
     void errorTexts()
@@ -140,11 +143,12 @@ private Q_SLOTS:
             << QStringList{QStringLiteral("a"), QStringLiteral("b")} << QStringLiteral("c")
             << QStringList{QStringLiteral("c"), QStringLiteral("a"), QStringLiteral("b")};
         QTest::newRow("repeat moves to the front and occurs once")
-            << QStringList{QStringLiteral("a"), QStringLiteral("b"), QStringLiteral("c")} << QStringLiteral("b")
+            << QStringList{QStringLiteral("a"), QStringLiteral("b"), QStringLiteral("c")}
+            << QStringLiteral("b")
             << QStringList{QStringLiteral("b"), QStringLiteral("a"), QStringLiteral("c")};
-        QTest::newRow("repeat already in front") << QStringList{QStringLiteral("a"), QStringLiteral("b")}
-                                                 << QStringLiteral("a")
-                                                 << QStringList{QStringLiteral("a"), QStringLiteral("b")};
+        QTest::newRow("repeat already in front")
+            << QStringList{QStringLiteral("a"), QStringLiteral("b")} << QStringLiteral("a")
+            << QStringList{QStringLiteral("a"), QStringLiteral("b")};
         QTest::newRow("sixth pushes out the oldest")
             << QStringList{QStringLiteral("e"), QStringLiteral("d"), QStringLiteral("c"), QStringLiteral("b"),
                            QStringLiteral("a")}
@@ -158,8 +162,8 @@ private Q_SLOTS:
             << QStringList{QStringLiteral("a"), QStringLiteral("e"), QStringLiteral("d"), QStringLiteral("c"),
                            QStringLiteral("b")};
         QTest::newRow("duplicates stored by an older version are folded")
-            << QStringList{QStringLiteral("a"), QStringLiteral("b"), QStringLiteral("a")} << QStringLiteral("a")
-            << QStringList{QStringLiteral("a"), QStringLiteral("b")};
+            << QStringList{QStringLiteral("a"), QStringLiteral("b"), QStringLiteral("a")}
+            << QStringLiteral("a") << QStringList{QStringLiteral("a"), QStringLiteral("b")};
         QTest::newRow("overlong stored list is cut")
             << QStringList{QStringLiteral("1"), QStringLiteral("2"), QStringLiteral("3"), QStringLiteral("4"),
                            QStringLiteral("5"), QStringLiteral("6"), QStringLiteral("7")}
@@ -179,7 +183,8 @@ private Q_SLOTS:
         }
         ActionControllerHistory history(preferences);
         history.record(recorded);
-        QCOMPARE(preferences.storedValue(PreferenceKeys::recentActions), std::optional<QStringList>(expected));
+        QCOMPARE(preferences.storedValue(PreferenceKeys::recentActions),
+                 std::optional<QStringList>(expected));
         QCOMPARE(history.identifiers(), expected);
     }
 

@@ -1,7 +1,7 @@
 #include "Domains/Actions/ActionsControllerMenuFactory.h"
 #include "MenuDescription.h"
-#include "TestActions.h"
 #include "support/TestSupport.h"
+#include "TestActions.h"
 
 #include <QTemporaryDir>
 #include <QTest>
@@ -51,7 +51,8 @@ public:
     {
         ActionMenuEntry::Submenu submenu{action->title(), action->iconName(), QStringLiteral("Programs"), {}};
         for (const ActionItem& item : items) {
-            submenu.entries.push_back(ActionMenuEntry{ActionMenuEntry::ActionRow{action, item.url().fileName(), {}, true}});
+            submenu.entries.push_back(
+                ActionMenuEntry{ActionMenuEntry::ActionRow{action, item.url().fileName(), {}, true}});
         }
         return ActionMenuEntry{std::move(submenu)};
     }
@@ -94,10 +95,10 @@ private Q_SLOTS:
             << l({"dock:supplementary", "open:primary", "copy:shelf", "reveal:primary", "s3:upload",
                   "clear:supplementary"})
             << QStringList() << QStringList()
-            << l({"action:open", "action:reveal", "---", "action:s3", "---", "action:copy", "---", "action:dock",
-                  "action:clear"});
-        QTest::newRow("one group has no separator") << l({"copy:shelf", "add:shelf"}) << QStringList() << QStringList()
-                                                    << l({"action:copy", "action:add"});
+            << l({"action:open", "action:reveal", "---", "action:s3", "---", "action:copy", "---",
+                  "action:dock", "action:clear"});
+        QTest::newRow("one group has no separator") << l({"copy:shelf", "add:shelf"}) << QStringList()
+                                                    << QStringList() << l({"action:copy", "action:add"});
         QTest::newRow("nothing at all") << QStringList() << QStringList() << QStringList() << QStringList();
         QTest::newRow("four share targets stand inline")
             << l({"preview:primary", "s1:systemShare", "s2:systemShare", "s3:systemShare", "s4:systemShare"})
@@ -107,34 +108,39 @@ private Q_SLOTS:
             << l({"preview:primary", "s1:systemShare", "s2:systemShare", "s3:systemShare", "s4:systemShare",
                   "s5:systemShare", "copy:shelf"})
             << QStringList() << QStringList()
-            << l({"action:preview", "---", "action:s1", "action:s2", "action:s3", "action:s4", "Share[action:s5]",
-                  "---", "action:copy"});
+            << l({"action:preview", "---", "action:s1", "action:s2", "action:s3", "action:s4",
+                  "Share[action:s5]", "---", "action:copy"});
         QTest::newRow("all share targets beyond four go to the submenu in order")
             << l({"s1:systemShare", "s2:systemShare", "s3:systemShare", "s4:systemShare", "s5:systemShare",
                   "s6:systemShare", "s7:systemShare"})
             << QStringList() << QStringList()
-            << l({"action:s1", "action:s2", "action:s3", "action:s4", "Share[action:s5,action:s6,action:s7]"});
+            << l({"action:s1", "action:s2", "action:s3", "action:s4",
+                  "Share[action:s5,action:s6,action:s7]"});
         QTest::newRow("operations go before the supplementary group without a separator")
-            << l({"open:primary", "copy:shelf", "dock:supplementary"}) << l({"resize", "rename"}) << QStringList()
-            << l({"action:open", "---", "action:copy", "operation:resize", "operation:rename", "---", "action:dock"});
+            << l({"open:primary", "copy:shelf", "dock:supplementary"}) << l({"resize", "rename"})
+            << QStringList()
+            << l({"action:open", "---", "action:copy", "operation:resize", "operation:rename", "---",
+                  "action:dock"});
         QTest::newRow("without a supplementary group operations are third of three, before the last")
             << l({"open:primary", "s3:upload", "copy:shelf"}) << l({"resize"}) << QStringList()
             << l({"action:open", "---", "action:s3", "operation:resize", "---", "action:copy"});
         QTest::newRow("with a single group operations come first")
             << l({"copy:shelf"}) << l({"resize"}) << QStringList()
             << l({"operation:resize", "---", "action:copy"});
-        QTest::newRow("operations alone") << QStringList() << l({"resize"}) << QStringList() << l({"operation:resize"});
+        QTest::newRow("operations alone")
+            << QStringList() << l({"resize"}) << QStringList() << l({"operation:resize"});
         QTest::newRow("excluded operations leave no group")
-            << l({"open:primary", "copy:shelf", "dock:supplementary"}) << l({"resize"}) << l({"fileOperations"})
-            << l({"action:open", "---", "action:copy", "---", "action:dock"});
+            << l({"open:primary", "copy:shelf", "dock:supplementary"}) << l({"resize"})
+            << l({"fileOperations"}) << l({"action:open", "---", "action:copy", "---", "action:dock"});
         QTest::newRow("an excluded category is left out")
             << l({"open:primary", "copy:shelf", "dock:supplementary"}) << QStringList() << l({"shelf"})
             << l({"action:open", "---", "action:dock"});
         QTest::newRow("excluding the supplementary group moves the operations before the last group")
-            << l({"open:primary", "copy:shelf", "dock:supplementary"}) << l({"resize"}) << l({"supplementary"})
-            << l({"action:open", "operation:resize", "---", "action:copy"});
+            << l({"open:primary", "copy:shelf", "dock:supplementary"}) << l({"resize"})
+            << l({"supplementary"}) << l({"action:open", "operation:resize", "---", "action:copy"});
         QTest::newRow("an action without a row is skipped, and an empty group leaves no separator")
-            << l({"open:primary", "settings:shelf:hidden", "dock:supplementary", "prefs:supplementary:hidden"})
+            << l({"open:primary", "settings:shelf:hidden", "dock:supplementary",
+                  "prefs:supplementary:hidden"})
             << QStringList() << QStringList() << l({"action:open", "---", "action:dock"});
         QTest::newRow("operations count a group of hidden actions as absent")
             << l({"open:primary", "copy:shelf", "settings:supplementary:hidden"}) << l({"resize"})
@@ -147,9 +153,9 @@ private Q_SLOTS:
         QFETCH(QStringList, operations);
         QFETCH(QStringList, excluded);
         QFETCH(QStringList, expected);
-        const ActionsControllerMenuFactory factory(makeActions(actions), {}, makeOperations(operations),
-                                                   ActionsControllerMenuFactory::defaultSystemShareActionsLimit,
-                                                   makeCategories(excluded));
+        const ActionsControllerMenuFactory factory(
+            makeActions(actions), {}, makeOperations(operations),
+            ActionsControllerMenuFactory::defaultSystemShareActionsLimit, makeCategories(excluded));
         QCOMPARE(describeMenu(factory.makeMenu().entries), expected);
     }
 
@@ -157,24 +163,27 @@ private Q_SLOTS:
     {
         QTest::addColumn<int>("limit");
         QTest::addColumn<QStringList>("expected");
-        QTest::newRow("no inline targets")
-            << 0 << QStringList{QStringLiteral("Share[action:s1,action:s2]")};
+        QTest::newRow("no inline targets") << 0 << QStringList{QStringLiteral("Share[action:s1,action:s2]")};
         QTest::newRow("one inline target")
             << 1 << QStringList{QStringLiteral("action:s1"), QStringLiteral("Share[action:s2]")};
-        QTest::newRow("limit above the count") << 9 << QStringList{QStringLiteral("action:s1"), QStringLiteral("action:s2")};
+        QTest::newRow("limit above the count")
+            << 9 << QStringList{QStringLiteral("action:s1"), QStringLiteral("action:s2")};
     }
 
     void shareLimitIsTheFactorysOwn()
     {
         QFETCH(int, limit);
         QFETCH(QStringList, expected);
-        const ActionList actions = makeActions({QStringLiteral("s1:systemShare"), QStringLiteral("s2:systemShare")});
-        QCOMPARE(describeMenu(ActionsControllerMenuFactory(actions, {}, {}, limit).makeMenu().entries), expected);
+        const ActionList actions =
+            makeActions({QStringLiteral("s1:systemShare"), QStringLiteral("s2:systemShare")});
+        QCOMPARE(describeMenu(ActionsControllerMenuFactory(actions, {}, {}, limit).makeMenu().entries),
+                 expected);
     }
 
     void rowsCarryTheActionAndItsLooks()
     {
-        auto action = Test::makeAction(QStringLiteral("compress"), ActionCategory::shelf, QStringLiteral("Compress"));
+        auto action =
+            Test::makeAction(QStringLiteral("compress"), ActionCategory::shelf, QStringLiteral("Compress"));
         const ActionsControllerMenu menu = ActionsControllerMenuFactory({action}, {}, {}).makeMenu();
         QCOMPARE(menu.title, QStringLiteral("Actions"));
         QCOMPARE(menu.entries.size(), size_t(1));
@@ -203,8 +212,9 @@ private Q_SLOTS:
         QTemporaryDir dir;
         QVERIFY(Test::writeFile(dir.filePath(QStringLiteral("a.txt")), "a"));
         QVERIFY(Test::writeFile(dir.filePath(QStringLiteral("b.txt")), "b"));
-        const ActionItemList items{*ActionItem::fromFile(QUrl::fromLocalFile(dir.filePath(QStringLiteral("a.txt")))),
-                                   *ActionItem::fromFile(QUrl::fromLocalFile(dir.filePath(QStringLiteral("b.txt"))))};
+        const ActionItemList items{
+            *ActionItem::fromFile(QUrl::fromLocalFile(dir.filePath(QStringLiteral("a.txt")))),
+            *ActionItem::fromFile(QUrl::fromLocalFile(dir.filePath(QStringLiteral("b.txt"))))};
         const ActionList actions{Test::makeAction(QStringLiteral("reveal"), ActionCategory::primary),
                                  std::make_shared<OpenWithTestAction>()};
         const ActionsControllerMenu menu = ActionsControllerMenuFactory(actions, items, {}).makeMenu();
@@ -212,7 +222,8 @@ private Q_SLOTS:
                  (QStringList{QStringLiteral("action:reveal"),
                               QStringLiteral("Programs[action:openwith,action:openwith]")}));
         const auto& submenu = std::get<ActionMenuEntry::Submenu>(menu.entries.back().value);
-        QCOMPARE(std::get<ActionMenuEntry::ActionRow>(submenu.entries[1].value).title, QStringLiteral("b.txt"));
+        QCOMPARE(std::get<ActionMenuEntry::ActionRow>(submenu.entries[1].value).title,
+                 QStringLiteral("b.txt"));
     }
 };
 

@@ -37,7 +37,8 @@ private Q_SLOTS:
         QTest::addColumn<QString>("title");
         QTest::addColumn<QString>("expected");
         QTest::newRow("three dots") << QStringLiteral("Rename...") << QStringLiteral("Rename");
-        QTest::newRow("ellipsis character") << QStringLiteral("Open With\u2026") << QStringLiteral("Open With");
+        QTest::newRow("ellipsis character")
+            << QStringLiteral("Open With\u2026") << QStringLiteral("Open With");
         QTest::newRow("both, inside too") << QStringLiteral("Send...to\u2026") << QStringLiteral("Sendto");
         QTest::newRow("two dots stay") << QStringLiteral("v1..2") << QStringLiteral("v1..2");
         QTest::newRow("four dots leave one") << QStringLiteral("Wait....") << QStringLiteral("Wait.");
@@ -75,10 +76,10 @@ private Q_SLOTS:
                                   << QStringList{QStringLiteral("archive"), QStringLiteral("compress")};
         QTest::newRow("mail") << QStringLiteral("sharingservice_email") << ActionCategory::systemShare
                               << QStringList{QStringLiteral("email"), QStringLiteral("send")};
-        QTest::newRow("bluetooth") << QStringLiteral("sharingservice_bluetooth") << ActionCategory::systemShare
-                                   << QStringList{QStringLiteral("bluetooth")};
-        QTest::newRow("a phone") << QStringLiteral("sharingservice_kdeconnect_1234") << ActionCategory::systemShare
-                                 << QStringList();
+        QTest::newRow("bluetooth") << QStringLiteral("sharingservice_bluetooth")
+                                   << ActionCategory::systemShare << QStringList{QStringLiteral("bluetooth")};
+        QTest::newRow("a phone") << QStringLiteral("sharingservice_kdeconnect_1234")
+                                 << ActionCategory::systemShare << QStringList();
         QTest::newRow("open") << ActionIdentifiers::openFile << ActionCategory::primary << QStringList();
     }
 
@@ -102,18 +103,27 @@ private Q_SLOTS:
         openWith->searchable = false;
         auto copy = Test::makeAction(QStringLiteral("copy_to_pasteboard"), ActionCategory::shelf);
         const QList<OperationsController::SearchElement> operations{
-            {OperationsController::SearchElement::Kind::operationType, QStringLiteral("op.resize"),
-             QStringLiteral("Resize Images..."), QStringLiteral("transform-scale"), {QStringLiteral("image")}},
-            {OperationsController::SearchElement::Kind::userOperation, QStringLiteral("7f1c"),
-             QStringLiteral("My script"), QStringLiteral("run-build"), {}},
+            {OperationsController::SearchElement::Kind::operationType,
+             QStringLiteral("op.resize"),
+             QStringLiteral("Resize Images..."),
+             QStringLiteral("transform-scale"),
+             {QStringLiteral("image")}},
+            {OperationsController::SearchElement::Kind::userOperation,
+             QStringLiteral("7f1c"),
+             QStringLiteral("My script"),
+             QStringLiteral("run-build"),
+             {}},
         };
         int pinned = 0;
         int unpinned = 0;
         const QList<ActionsControllerSupplementarySearchAction> supplementary{
-            {searchItem(QStringLiteral("custom_pin")), [] { return true; }, [&pinned] { return ++pinned > 0; }},
-            {searchItem(QStringLiteral("custom_unpin")), [] { return false; }, [&unpinned] { return ++unpinned > 0; }},
+            {searchItem(QStringLiteral("custom_pin")), [] { return true; },
+             [&pinned] { return ++pinned > 0; }},
+            {searchItem(QStringLiteral("custom_unpin")), [] { return false; },
+             [&unpinned] { return ++unpinned > 0; }},
         };
-        const QList<Factory::Element> elements = Factory({open, openWith, copy}, operations, supplementary).makeElements();
+        const QList<Factory::Element> elements =
+            Factory({open, openWith, copy}, operations, supplementary).makeElements();
 
         QStringList order;
         for (const Factory::Element& element : elements) {
@@ -121,7 +131,8 @@ private Q_SLOTS:
         }
         // Not searchable and not offered are both left out.
         QCOMPARE(order, (QStringList{QStringLiteral("openfile"), QStringLiteral("copy_to_pasteboard"),
-                                     QStringLiteral("op.resize"), QStringLiteral("7f1c"), QStringLiteral("custom_pin")}));
+                                     QStringLiteral("op.resize"), QStringLiteral("7f1c"),
+                                     QStringLiteral("custom_pin")}));
         QCOMPARE(std::get<Factory::ActionBacking>(elements[1].backing).action, ActionPtr(copy));
         const auto& operation = std::get<Factory::OperationBacking>(elements[2].backing);
         QCOMPARE(operation.element, operations.first());
@@ -144,17 +155,16 @@ private Q_SLOTS:
             << QStringList{QStringLiteral("s3"), QStringLiteral("gone"), QStringLiteral("openfile")}
             << QStringLiteral("Recent") << QStringList{QStringLiteral("s3"), QStringLiteral("openfile")};
         QTest::newRow("history of things not on offer gives the suggested ones")
-            << QStringList{QStringLiteral("copy_to_pasteboard"), QStringLiteral("compress"), QStringLiteral("openfile"),
-                           QStringLiteral("sharingservice_email")}
+            << QStringList{QStringLiteral("copy_to_pasteboard"), QStringLiteral("compress"),
+                           QStringLiteral("openfile"), QStringLiteral("sharingservice_email")}
             << QStringList{QStringLiteral("dropbox")} << QStringLiteral("Suggested")
             << QStringList{QStringLiteral("copy_to_pasteboard"), QStringLiteral("openfile"),
                            QStringLiteral("sharingservice_email")};
         QTest::newRow("empty history offers only the suggested ones that are there")
             << QStringList{QStringLiteral("compress"), QStringLiteral("copy_to_pasteboard")} << QStringList()
             << QStringLiteral("Suggested") << QStringList{QStringLiteral("copy_to_pasteboard")};
-        QTest::newRow("nothing to suggest")
-            << QStringList{QStringLiteral("compress")} << QStringList() << QStringLiteral("Suggested")
-            << QStringList();
+        QTest::newRow("nothing to suggest") << QStringList{QStringLiteral("compress")} << QStringList()
+                                            << QStringLiteral("Suggested") << QStringList();
     }
 
     void suggestion()
