@@ -8,7 +8,7 @@ namespace Vantrope::ActionIdentifiers {
 inline const QString openFile = QStringLiteral("openfile");
 inline const QString openWith = QStringLiteral("openfilewith");
 inline const QString revealInFileManager = QStringLiteral("reveal_finder");
-inline const QString quickLook = QStringLiteral("quick-look");
+inline const QString preview = QStringLiteral("quick-look");
 inline const QString copyToPasteboard = QStringLiteral("copy_to_pasteboard");
 inline const QString compress = QStringLiteral("compress");
 inline const QString addFromClipboard = QStringLiteral("add_from_clipboard");

@@ -235,7 +235,7 @@ void ActionsController::queryShareActions(const QString& pass, const ActionItemL
 void ActionsController::insertShareActions(const ActionList& shareActions)
 {
     for (qsizetype index = 0; index < m_actions.size(); ++index) {
-        if (m_actions[index] && m_actions[index]->identifier() == ActionIdentifiers::quickLook) {
+        if (m_actions[index] && m_actions[index]->identifier() == ActionIdentifiers::preview) {
             for (qsizetype offset = 0; offset < shareActions.size(); ++offset) {
                 m_actions.insert(index + 1 + offset, shareActions[offset]);
             }
@@ -347,9 +347,12 @@ void ActionsController::invalidateMenu()
     qCInfo(lcActions) << "Invalidating actions menu...";
     m_preparedMenu.reset();
     if (m_isPreparingMenu) {
-        // The pass under way works from the old state; the next one takes over its waiting callers.
+        // The pass under way works from the old state; a new one takes over its waiting callers.
         m_isPreparingMenu = false;
         m_currentPass.clear();
+        if (!m_pendingCompletions.isEmpty()) {
+            prepare();
+        }
     }
 }
 

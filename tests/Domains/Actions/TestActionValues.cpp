@@ -188,17 +188,6 @@ private Q_SLOTS:
         QCOMPARE(history.identifiers(), expected);
     }
 
-    void historyOfAForeignValueStartsEmpty()
-    {
-        Preferences preferences(std::make_unique<MemoryPreferenceStorage>());
-        // A single string where a list belongs reads as no history at all.
-        preferences.storage().setValue(PreferenceKeys::recentActions.key(), QStringLiteral("compress"));
-        ActionControllerHistory history(preferences);
-        QCOMPARE(history.identifiers(), QStringList());
-        history.record(QStringLiteral("openfile"));
-        QCOMPARE(history.identifiers(), QStringList{QStringLiteral("openfile")});
-    }
-
 private:
     QTemporaryDir m_dir;
 };

@@ -188,7 +188,7 @@ private Q_SLOTS:
 
     void preparedMenuHoldsWhatCanRunInMenuOrder()
     {
-        auto preview = Test::makeAction(ActionIdentifiers::quickLook, ActionCategory::primary);
+        auto preview = Test::makeAction(ActionIdentifiers::preview, ActionCategory::primary);
         auto configured = std::make_shared<Test::ConfigurableTestAction>(QStringLiteral("s3"),
                                                                          ActionCategory::upload, true);
         auto unconfigured = std::make_shared<Test::ConfigurableTestAction>(QStringLiteral("imgur"),
@@ -272,7 +272,7 @@ private Q_SLOTS:
         auto first = std::make_shared<FakeDraggable>(fileUrl(QStringLiteral("a.txt")), 0.05);
         auto second = std::make_shared<FakeDraggable>(fileUrl(QStringLiteral("b.txt")));
         makeController({first, second},
-                       {Test::makeAction(ActionIdentifiers::quickLook, ActionCategory::primary)},
+                       {Test::makeAction(ActionIdentifiers::preview, ActionCategory::primary)},
                        {QStringLiteral("sharingservice_email")});
         Test::LogCapture log;
         m_controller->prepare();
@@ -350,7 +350,7 @@ private Q_SLOTS:
         copy->finishesAtOnce = false;
         m_controller = std::make_unique<ActionsController>(
             DraggableList{item},
-            ActionList{Test::makeAction(ActionIdentifiers::quickLook, ActionCategory::primary), copy},
+            ActionList{Test::makeAction(ActionIdentifiers::preview, ActionCategory::primary), copy},
             *m_preferences, std::move(services));
         m_controller->setDelegate(m_delegate.get());
         Test::LogCapture log;
@@ -387,9 +387,10 @@ private Q_SLOTS:
     {
         auto item = std::make_shared<FakeDraggable>(fileUrl(QStringLiteral("a.txt")));
         auto configured = std::make_shared<bool>(false);
-        auto dropbox = std::make_shared<MutableConfigurableAction>(QStringLiteral("dropbox"), configured);
+        auto cloudDrive =
+            std::make_shared<MutableConfigurableAction>(QStringLiteral("cloud-drive"), configured);
         makeController({item},
-                       {Test::makeAction(ActionIdentifiers::quickLook, ActionCategory::primary), dropbox},
+                       {Test::makeAction(ActionIdentifiers::preview, ActionCategory::primary), cloudDrive},
                        {QStringLiteral("sharingservice_email")});
         m_controller->prepare();
         QTRY_VERIFY(m_controller->preparedMenu().has_value());
@@ -403,12 +404,27 @@ private Q_SLOTS:
         QTRY_VERIFY(m_controller->preparedMenu().has_value());
         QCOMPARE(searchIdentifiers(*m_controller),
                  (QStringList{QStringLiteral("quick-look"), QStringLiteral("sharingservice_email"),
-                              QStringLiteral("dropbox")}));
+                              QStringLiteral("cloud-drive")}));
         QCOMPARE(item->resolveCount, 1);
         QCOMPARE(m_shareQueries.load(), 1);
         QCOMPARE(identifiers(m_controller->actions()),
                  (QStringList{QStringLiteral("quick-look"), QStringLiteral("sharingservice_email"),
-                              QStringLiteral("dropbox")}));
+                              QStringLiteral("cloud-drive")}));
+    }
+
+    void forgettingTheMenuWhileItIsMadeStillAnswersTheMenuRequest()
+    {
+        auto item = std::make_shared<FakeDraggable>(fileUrl(QStringLiteral("a.txt")), 0.05);
+        makeController({item}, {Test::makeAction(QStringLiteral("copy"), ActionCategory::shelf)}, {});
+        std::optional<ActionsController::MenuResult> menu;
+        m_controller->requestMenu({},
+                                  [&menu](const ActionsController::MenuResult& result) { menu = result; });
+        QVERIFY(m_controller->isPreparingMenu());
+        m_controller->invalidateMenu();
+        QTRY_VERIFY(menu.has_value());
+        QVERIFY(menu->has_value());
+        QCOMPARE(describeMenu((*menu)->entries), QStringList{QStringLiteral("action:copy")});
+        QCOMPARE(item->resolveCount, 2);
     }
 
     void runReportsInOrder_data()
@@ -689,30 +705,10 @@ private Q_SLOTS:
         QCOMPARE(operationsView->performed.last(), QStringLiteral("resize"));
     }
 
-    void aFailedPassOffersNothingToRun()
-    {
-        auto copy = Test::makeAction(ActionIdentifiers::copyToPasteboard, ActionCategory::shelf);
-        makeController({file(QStringLiteral("a.txt"))}, {copy}, {});
-        m_controller->prepare();
-        QTRY_VERIFY(m_controller->preparedMenu().has_value());
-        const ActionSearchItem item = m_controller->searchableElements()->first().item;
-
-        // The shelf's items changed and the new pass fails: the entry seen before must not run.
-        auto broken = std::make_shared<FakeDraggable>(fileUrl(QStringLiteral("x.txt")), 0, true);
-        makeController({broken}, {copy}, {});
-        m_controller->prepare();
-        QTRY_VERIFY(!m_controller->isPreparingMenu());
-        Test::LogCapture log;
-        QVERIFY(!m_controller->performAction(item));
-        QVERIFY(log.contains(QStringLiteral("Failed to find associated action to perform for search item")));
-        QVERIFY(copy->performedItems.isEmpty());
-        QVERIFY(m_controller->history().identifiers().isEmpty());
-    }
-
     void requestMenuHandsTheContextToEveryAction()
     {
         auto copy = Test::makeAction(QStringLiteral("copy"), ActionCategory::shelf);
-        auto preview = Test::makeAction(ActionIdentifiers::quickLook, ActionCategory::primary);
+        auto preview = Test::makeAction(ActionIdentifiers::preview, ActionCategory::primary);
         makeController({file(QStringLiteral("a.txt"))}, {preview, copy},
                        {QStringLiteral("sharingservice_email")});
         QObject window;

@@ -13,11 +13,11 @@ using Vantrope::Test::describeMenu;
 namespace {
 
 // "id:category", or "id:category:hidden" for an action that brings no menu row.
-ActionList makeActions(const QStringList& specs)
+ActionList makeActions(const QStringList& rows)
 {
     ActionList actions;
-    for (const QString& spec : specs) {
-        const QStringList parts = spec.split(QLatin1Char(':'));
+    for (const QString& row : rows) {
+        const QStringList parts = row.split(QLatin1Char(':'));
         auto action = Test::makeAction(parts[0], categoryNamed(parts[1]));
         action->hiddenFromMenu = parts.size() > 2 && parts[2] == QStringLiteral("hidden");
         actions.append(action);
@@ -159,41 +159,6 @@ private Q_SLOTS:
         QCOMPARE(describeMenu(factory.makeMenu().entries), expected);
     }
 
-    void shareLimitIsTheFactorysOwn_data()
-    {
-        QTest::addColumn<int>("limit");
-        QTest::addColumn<QStringList>("expected");
-        QTest::newRow("no inline targets") << 0 << QStringList{QStringLiteral("Share[action:s1,action:s2]")};
-        QTest::newRow("one inline target")
-            << 1 << QStringList{QStringLiteral("action:s1"), QStringLiteral("Share[action:s2]")};
-        QTest::newRow("limit above the count")
-            << 9 << QStringList{QStringLiteral("action:s1"), QStringLiteral("action:s2")};
-    }
-
-    void shareLimitIsTheFactorysOwn()
-    {
-        QFETCH(int, limit);
-        QFETCH(QStringList, expected);
-        const ActionList actions =
-            makeActions({QStringLiteral("s1:systemShare"), QStringLiteral("s2:systemShare")});
-        QCOMPARE(describeMenu(ActionsControllerMenuFactory(actions, {}, {}, limit).makeMenu().entries),
-                 expected);
-    }
-
-    void rowsCarryTheActionAndItsLooks()
-    {
-        auto action =
-            Test::makeAction(QStringLiteral("compress"), ActionCategory::shelf, QStringLiteral("Compress"));
-        const ActionsControllerMenu menu = ActionsControllerMenuFactory({action}, {}, {}).makeMenu();
-        QCOMPARE(menu.title, QStringLiteral("Actions"));
-        QCOMPARE(menu.entries.size(), size_t(1));
-        const auto& row = std::get<ActionMenuEntry::ActionRow>(menu.entries.front().value);
-        QCOMPARE(row.action, ActionPtr(action));
-        QCOMPARE(row.title, QStringLiteral("Compress"));
-        QCOMPARE(row.iconName, QStringLiteral("icon-compress"));
-        QVERIFY(row.enabled);
-    }
-
     void shareSubmenuRowHasItsOwnTitle()
     {
         ActionList actions;
@@ -201,6 +166,7 @@ private Q_SLOTS:
             actions.append(Test::makeAction(QStringLiteral("s%1").arg(index), ActionCategory::systemShare));
         }
         const ActionsControllerMenu menu = ActionsControllerMenuFactory(actions, {}, {}).makeMenu();
+        QCOMPARE(menu.title, QStringLiteral("Actions"));
         const auto& submenu = std::get<ActionMenuEntry::Submenu>(menu.entries.back().value);
         QCOMPARE(submenu.menuTitle, QStringLiteral("Share"));
         QCOMPARE(submenu.title, QStringLiteral("More"));

@@ -157,7 +157,7 @@ private Q_SLOTS:
         QTest::newRow("history of things not on offer gives the suggested ones")
             << QStringList{QStringLiteral("copy_to_pasteboard"), QStringLiteral("compress"),
                            QStringLiteral("openfile"), QStringLiteral("sharingservice_email")}
-            << QStringList{QStringLiteral("dropbox")} << QStringLiteral("Suggested")
+            << QStringList{QStringLiteral("cloud-drive")} << QStringLiteral("Suggested")
             << QStringList{QStringLiteral("copy_to_pasteboard"), QStringLiteral("openfile"),
                            QStringLiteral("sharingservice_email")};
         QTest::newRow("empty history offers only the suggested ones that are there")
