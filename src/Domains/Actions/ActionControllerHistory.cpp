@@ -10,7 +10,7 @@ ActionControllerHistory::ActionControllerHistory(Preferences& preferences)
 
 QStringList ActionControllerHistory::identifiers() const
 {
-    return m_preferences.value(PreferenceKeys::recentActions, QStringList());
+    return m_preferences.value(PreferenceKeys::recentActions);
 }
 
 void ActionControllerHistory::record(const QString& identifier)
