@@ -139,11 +139,13 @@ private Q_SLOTS:
                       .move(30, 10)
                       .pause(0.05)
                       .arguments();
+        // The monitor reads the modifiers when it handles an event, so the keys stay down until a loaded
+        // machine has surely handled the last motion and the release, as a person's hand does.
         if (!button.isEmpty()) {
-            script << QStringLiteral("mouseup") << button;
+            script << Test::PointerScript().pause(0.3).arguments() << QStringLiteral("mouseup") << button;
         }
         if (!key.isEmpty()) {
-            script << QStringLiteral("keyup") << key;
+            script << Test::PointerScript().pause(0.3).arguments() << QStringLiteral("keyup") << key;
         }
         QVERIFY(Test::runXdotool(script));
         if (!reported) {
