@@ -166,7 +166,7 @@ private Q_SLOTS:
 
     void termination_data()
     {
-        QTest::addColumn<bool>("showInDock");
+        QTest::addColumn<bool>("showInTaskbar");
         QTest::addColumn<bool>("menuOpen");
         QTest::addColumn<bool>("quitItem");
         QTest::addColumn<bool>("pointerOverShelf");
@@ -182,13 +182,13 @@ private Q_SLOTS:
 
     void termination()
     {
-        QFETCH(bool, showInDock);
+        QFETCH(bool, showInTaskbar);
         QFETCH(bool, menuOpen);
         QFETCH(bool, quitItem);
         QFETCH(bool, pointerOverShelf);
         QFETCH(bool, quits);
 
-        preferences().setValue(PreferenceKeys::prefersShowInDock, showInDock);
+        preferences().setValue(PreferenceKeys::prefersShowInTaskbar, showInTaskbar);
         m_delegate->applicationDidFinishLaunching();
         MenuItemController& menu = m_delegate->rootCoordinator()->menuItemController();
         const auto shelf = sessions().startSession(DragSessionSource::MenuBar{});

@@ -17,7 +17,7 @@ public:
     void setAlphaValue(double alpha, bool) override { m_alpha = alpha; }
     QRectF frame() const override { return m_frame; }
     void setFrameOrigin(const QPointF& origin) override { m_frame.moveTopLeft(origin); }
-    void makeKeyAndOrderFront() override { m_visible = true; }
+    void showAndActivate() override { m_visible = true; }
     void showWithoutActivating() override { m_visible = true; }
     quint64 windowNumber() const override { return m_number; }
     void close() override { m_closed = true; }
