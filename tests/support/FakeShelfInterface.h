@@ -105,6 +105,11 @@ class FakeClipboard final : public PasteboardSource {
 public:
     int changeCount() const override { return m_pasteboard.changeCount(); }
     Pasteboard pasteboard() const override { return m_pasteboard; }
+    // New content, as another program's copy would leave it.
+    void set(QList<PasteboardItem> items)
+    {
+        m_pasteboard = Pasteboard(std::move(items), m_pasteboard.changeCount() + 1);
+    }
 
     Pasteboard m_pasteboard;
 };

@@ -2,8 +2,8 @@
 #include "Libraries/Core/ManualClock.h"
 #include "Models/Draggable/DraggableFile.h"
 #include "Models/Draggable/DraggablePromise.h"
-#include "Models/Draggable/FilePromiseTransport.h"
 #include "support/FakeFileWatcher.h"
+#include "support/OneFilePromiseTransport.h"
 #include "support/TestSupport.h"
 
 #include <cstdio>
@@ -20,33 +20,6 @@ using namespace Vantrope;
 using namespace Qt::StringLiterals;
 using Change = FileWatcher::Change;
 using DeleteBatch = QList<DragSessionItemsController::DeleteContext>;
-
-namespace {
-
-// A drag source that writes one file into the folder it is given, or reports that it could not.
-class OneFileTransport final : public FilePromiseTransport {
-public:
-    explicit OneFileTransport(bool delivers)
-        : m_delivers(delivers)
-    {}
-    QStringList fileNames() const override { return {u"promised.txt"_s}; }
-    QStringList fileTypes() const override { return {}; }
-    void receive(const QString& destination, FileHandler onFile, FinishedHandler onFinished) override
-    {
-        const QString path = destination + u"/promised.txt"_s;
-        if (m_delivers && Test::writeFile(path, "delivered")) {
-            onFile(QUrl::fromLocalFile(path));
-        } else {
-            onFile(std::unexpected(DraggableError{DraggableError::Kind::underlying, u"source gave up"_s}));
-        }
-        onFinished();
-    }
-
-private:
-    bool m_delivers;
-};
-
-} // namespace
 
 // Deletions wait on the shelf's clock: a ManualClock that stands still shows what waits, and moving it
 // shows what comes of it, without sleeping through the delay.
@@ -118,7 +91,8 @@ private Q_SLOTS:
         } else if (change == u"replace"_s) {
             const QString temporary = m_dir.filePath(u".notes.txt.swp"_s);
             QVERIFY(Test::writeFile(temporary, "new contents"));
-            QCOMPARE(::rename(QFile::encodeName(temporary).constData(), QFile::encodeName(path).constData()), 0);
+            QCOMPARE(::rename(QFile::encodeName(temporary).constData(), QFile::encodeName(path).constData()),
+                     0);
         } else if (change == u"trash"_s) {
             QVERIFY(QFile::moveToTrash(path));
             reported = Change::moved;
@@ -130,7 +104,8 @@ private Q_SLOTS:
 
         QCOMPARE(changes.size(), changedTo.isEmpty() ? 0 : 1);
         if (!changedTo.isEmpty()) {
-            const auto context = changes.first().first().value<DragSessionItemsController::ItemChangeContext>();
+            const auto context =
+                changes.first().first().value<DragSessionItemsController::ItemChangeContext>();
             QCOMPARE(context.newUrl, QUrl::fromLocalFile(m_dir.filePath(changedTo)));
             QCOMPARE(context.oldUrl, QUrl::fromLocalFile(path));
             QCOMPARE(context.draggable.get(), item.get());
@@ -215,7 +190,8 @@ private Q_SLOTS:
         QTest::addColumn<bool>("deleted");
         // Out of watches, the file may well be there: dropping it would lose the user's item.
         QTest::newRow("watch limit reached") << true << u"Not following"_s << false;
-        QTest::newRow("file gone before it was watched") << false << u"Failed to open file descriptor"_s << true;
+        QTest::newRow("file gone before it was watched")
+            << false << u"Failed to open file descriptor"_s << true;
     }
 
     void refusedWatch()
@@ -265,7 +241,7 @@ private Q_SLOTS:
         QFETCH(bool, delivers);
         DragSessionItemsController controller(*m_clock, m_watcher);
         Test::LogCapture log;
-        auto promise = DraggablePromise::make(std::make_unique<OneFileTransport>(delivers));
+        auto promise = DraggablePromise::make(std::make_unique<Test::OneFilePromiseTransport>(delivers));
         controller.addItems({promise});
         QCOMPARE(controller.processingItems().size(), 1);
 

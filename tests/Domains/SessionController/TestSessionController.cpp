@@ -1,9 +1,9 @@
 #include "Libraries/Core/ManualClock.h"
 #include "Models/Draggable/DraggablePromise.h"
-#include "Models/Draggable/FilePromiseTransport.h"
 #include "Models/Pasteboard/PasteboardTypes.h"
 #include "support/FakeFileWatcher.h"
 #include "support/FakeShelfInterface.h"
+#include "support/OneFilePromiseTransport.h"
 #include "support/ShelfFixture.h"
 #include "support/TestSupport.h"
 
@@ -82,7 +82,7 @@ private Q_SLOTS:
         auto shelf = controller().coordinators().first();
         if (state == QStringLiteral("message")) {
             m_shelves->messages.show(shelf->window().windowNumber(),
-                             Message::plain(Message::Icon::info, QStringLiteral("hi")), 0);
+                                     Message::plain(Message::Icon::info, QStringLiteral("hi")), 0);
         } else if (state == QStringLiteral("instant")) {
             shelf->setPendingInstantAction(QStringLiteral("mail"));
         } else if (state == QStringLiteral("reading")) {
@@ -180,8 +180,9 @@ private Q_SLOTS:
         std::optional<quint64> fetchedFor;
         const auto factory = [&](quint64 sequenceNumber) -> DragSessionDropIntake::PromiseTransportFactory {
             fetchedFor = sequenceNumber;
-            return
-                [delivered](const PasteboardItem&) { return std::make_unique<OneFileTransport>(delivered); };
+            return [delivered](const PasteboardItem&) {
+                return std::make_unique<Test::OneFilePromiseTransport>(delivered);
+            };
         };
         QVERIFY(shelf->didDrop({data, QByteArray("promised.txt"), factory}));
         QVERIFY(fetchedFor);
@@ -304,30 +305,6 @@ private Q_SLOTS:
     }
 
 private:
-    // A source that writes its one promised file, or reports that it could not.
-    class OneFileTransport final : public FilePromiseTransport {
-    public:
-        explicit OneFileTransport(bool delivers)
-            : m_delivers(delivers)
-        {}
-        QStringList fileNames() const override { return {QStringLiteral("promised.txt")}; }
-        QStringList fileTypes() const override { return {}; }
-        void receive(const QString& destination, FileHandler onFile, FinishedHandler onFinished) override
-        {
-            const QString path = destination + QStringLiteral("/promised.txt");
-            if (m_delivers && Test::writeFile(path, "promised bytes")) {
-                onFile(QUrl::fromLocalFile(path));
-            } else {
-                onFile(std::unexpected(
-                    DraggableError{DraggableError::Kind::underlying, QStringLiteral("gone")}));
-            }
-            onFinished();
-        }
-
-    private:
-        bool m_delivers;
-    };
-
     DraggablePtr file(const QString& name) const { return m_shelves->fileItem(name); }
     SessionController& controller() const { return *m_shelves->controller; }
     Test::FakeShelfInterface& ui() const { return m_shelves->fakeInterface(); }
