@@ -8,9 +8,10 @@ build_packages=(
     libx11-dev libxi-dev libxfixes-dev libx11-xcb-dev libxcb1-dev
     qt6-qpa-plugins libqt6svg6
     libminizip-dev zlib1g-dev
+    libglib2.0-dev qt6-pdf-dev
 )
 test_packages=(xvfb xauth openbox xdotool x11-utils dbus-daemon dbus-x11 libglib2.0-bin python3-gi gir1.2-gtk-3.0 python3-xlib
-    chromium firefox-esr pcmanfm unzip python3)
+    chromium firefox-esr pcmanfm thunar unzip python3 python3-dbus)
 # The archive benchmark times Info-ZIP's zip beside ours.
 bench_packages=(zip)
 

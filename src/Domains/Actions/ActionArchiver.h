@@ -18,6 +18,8 @@ public:
     using Result = std::expected<QUrl, Error>;
     // Called once, on any thread.
     using Completion = std::function<void(const Result& archive)>;
+    // The share of the bytes read so far, from 0 to 1; called on any thread.
+    using Progress = std::function<void(double fraction)>;
 
     // A running archive; cancelling it makes it stop soon and leave no file behind.
     class Job {
@@ -32,6 +34,14 @@ public:
     // under their own names.
     virtual std::shared_ptr<Job> makeArchive(const QStringList& paths, const QString& destination,
                                              Completion completion) = 0;
+    // As above, reporting how far it got. An archiver that cannot tell reports nothing.
+    virtual std::shared_ptr<Job> makeArchiveReportingProgress(const QStringList& paths,
+                                                              const QString& destination, Progress progress,
+                                                              Completion completion)
+    {
+        Q_UNUSED(progress);
+        return makeArchive(paths, destination, std::move(completion));
+    }
 };
 
 } // namespace Vantrope

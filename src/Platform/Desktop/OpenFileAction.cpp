@@ -1,0 +1,69 @@
+#include "OpenFileAction.h"
+
+#include "DesktopApplications.h"
+#include "Domains/Actions/ActionIdentifiers.h"
+#include "Libraries/Core/Localized.h"
+
+#include <QFileInfo>
+
+namespace Vantrope {
+
+QString OpenFileAction::identifier() const
+{
+    return ActionIdentifiers::openFile;
+}
+
+QString OpenFileAction::iconName() const
+{
+    return QStringLiteral("document-open");
+}
+
+QString OpenFileAction::title() const
+{
+    QMutexLocker lock(&m_mutex);
+    if (m_sharedApplicationName.isEmpty()) {
+        return Localized("action.open-file.title", "Open");
+    }
+    return Localized("action.open-file-with.title", "Open with %1").arg(m_sharedApplicationName);
+}
+
+bool OpenFileAction::canPerform(const ActionItemList& items) const
+{
+    QString sharedId;
+    QString sharedName;
+    bool shared = true;
+    for (const ActionItem& item : items) {
+        const auto application = DesktopApplications::defaultFor(item.url());
+        if (!application) {
+            QMutexLocker lock(&m_mutex);
+            m_sharedApplicationName.clear();
+            return false;
+        }
+        if (sharedId.isEmpty() && shared) {
+            sharedId = application->id;
+            sharedName = application->name;
+        } else if (application->id != sharedId) {
+            shared = false;
+        }
+    }
+    QMutexLocker lock(&m_mutex);
+    m_sharedApplicationName = shared ? sharedName : QString();
+    return !items.isEmpty();
+}
+
+void OpenFileAction::perform(const ActionItemList& items, ProgressHandler, Completion completion)
+{
+    for (const ActionItem& item : items) {
+        const auto opened = DesktopApplications::launchDefault(item.url());
+        if (!opened) {
+            const QString name = QFileInfo(item.url().toLocalFile()).fileName();
+            completion(std::unexpected(ActionError::underlying(
+                Localized("action.open-file.error", "“%1” could not be opened: %2")
+                    .arg(name, opened.error().description))));
+            return;
+        }
+    }
+    completion(ActionResultContext{});
+}
+
+} // namespace Vantrope
