@@ -5,6 +5,7 @@
 #include "Libraries/Core/Localized.h"
 #include "Libraries/Core/ReservedTemporaryDirectory.h"
 
+#include <algorithm>
 #include <atomic>
 #include <cmath>
 #include <QCoreApplication>

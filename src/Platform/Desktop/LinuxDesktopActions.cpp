@@ -12,6 +12,8 @@
 #include "ShareTargets.h"
 #include "SharingServiceAction.h"
 
+#include <algorithm>
+
 namespace Vantrope {
 
 LinuxDesktopActions::LinuxDesktopActions()

@@ -4,6 +4,7 @@
 #include "FileManagerReveal.h"
 #include "Libraries/Core/Localized.h"
 
+#include <algorithm>
 #include <QCoreApplication>
 
 namespace Vantrope {

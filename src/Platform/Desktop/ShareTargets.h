@@ -2,6 +2,8 @@
 
 #include "ShareTarget.h"
 
+#include <optional>
+
 namespace Vantrope {
 
 // Finds the share targets this desktop has right now: mail through xdg-email, each paired and reachable

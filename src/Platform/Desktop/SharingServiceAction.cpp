@@ -3,6 +3,8 @@
 #include "DesktopLogging.h"
 #include "Domains/Actions/ActionIdentifiers.h"
 
+#include <algorithm>
+
 namespace Vantrope {
 
 SharingServiceAction::SharingServiceAction(ShareTarget target)

@@ -171,7 +171,9 @@ private Q_SLOTS:
     {
         QTest::addColumn<QString>("fault");
         QTest::newRow("a file went away after it was put on the shelf") << u"vanished"_s;
-        QTest::newRow("a folder that cannot be read") << u"unreadable"_s;
+        // An unreadable folder among the items is the zip library's own test: it reads on this thread,
+        // where the test can take away the rights that root has.
+        QTest::newRow("the archives folder cannot be written") << u"unwritable"_s;
     }
 
     void failureLeavesNoArchive()
@@ -185,7 +187,7 @@ private Q_SLOTS:
         if (fault == u"vanished"_s) {
             QVERIFY(QDir(m_input->filePath(u"trouble"_s)).removeRecursively());
         } else {
-            unreadable = std::make_unique<Test::UnreadableFolder>(m_input->filePath(u"trouble"_s));
+            unreadable = std::make_unique<Test::UnreadableFolder>(archivesFolder());
             if (!unreadable->isEnforced()) {
                 QSKIP("folder permissions are not enforced here");
             }
@@ -198,8 +200,10 @@ private Q_SLOTS:
         QVERIFY(!result.has_value());
         QCOMPARE(result.error().description(), u"Failed to compress items"_s);
         QVERIFY(recorder->revealed.isEmpty());
+        unreadable.reset();
         QCOMPARE(leftInArchives(), QStringList());
-        // The user's own file is untouched.
+        // The user's own files are untouched.
+        QVERIFY(QFileInfo(m_input->filePath(u"fine.txt"_s)).isFile());
         QCOMPARE(QFileInfo(m_input->filePath(u"fine.txt"_s)).size(), 100000);
     }
 

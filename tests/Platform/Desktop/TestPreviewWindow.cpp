@@ -47,7 +47,7 @@ private Q_SLOTS:
         QByteArray big(PreviewWindow::textLimit + 4096, 'x');
         big.replace(PreviewWindow::textLimit, 4096, QByteArray(4096, 'y'));
         QVERIFY(Test::writeFile(path(u"big.log"_s), big));
-        QVERIFY(Test::writeFile(path(u"data.bin"_s), QByteArray(3000, '\0')));
+        QVERIFY(Test::writeFile(path(u"data.bin"_s), QByteArray(3072, '\0')));
         QVERIFY(Test::writeFile(path(u"moving.gif"_s), animatedGif));
         {
             QPdfWriter writer(path(u"document.pdf"_s));
@@ -70,7 +70,7 @@ private Q_SLOTS:
                              << (PreviewWindow::showsPdf() ? PreviewWindow::Kind::pdf : PreviewWindow::Kind::summary)
                              << QStringList();
         QTest::newRow("anything else: name, kind, size")
-            << u"data.bin"_s << PreviewWindow::Kind::summary << QStringList{u"data.bin"_s, u"3.0 KiB"_s, u"Modified"_s};
+            << u"data.bin"_s << PreviewWindow::Kind::summary << QStringList{u"data.bin"_s, u"3.00 KiB"_s, u"Modified"_s};
         QTest::newRow("a file that went away") << u"gone.txt"_s << PreviewWindow::Kind::summary
                                                << QStringList{u"gone.txt"_s, u"no longer there"_s};
     }
