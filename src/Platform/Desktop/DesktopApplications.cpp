@@ -2,6 +2,7 @@
 
 #include "DesktopLogging.h"
 
+#include <algorithm>
 #include <gio/gdesktopappinfo.h>
 #include <gio/gio.h>
 #include <QFileInfo>
@@ -41,6 +42,16 @@ QList<DesktopApplication> applicationsFor(const QString& mimeType)
         }
     }
     g_list_free_full(infos, g_object_unref);
+    // GIO lists the applications in its own order, the user's default not necessarily first.
+    if (GAppInfo* preferred = g_app_info_get_default_for_type(type.constData(), FALSE)) {
+        const QString id = fromUtf8(g_app_info_get_id(preferred));
+        g_object_unref(preferred);
+        const auto found = std::find_if(applications.begin(), applications.end(),
+                                        [&id](const DesktopApplication& application) { return application.id == id; });
+        if (found != applications.end()) {
+            std::rotate(applications.begin(), found, found + 1);
+        }
+    }
     return applications;
 }
 

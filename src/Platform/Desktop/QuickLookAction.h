@@ -1,12 +1,11 @@
 #pragma once
 
 #include "Domains/Actions/Action.h"
+#include "PreviewWindow.h"
 
 #include <QPointer>
 
 namespace Vantrope {
-
-class PreviewWindow;
 
 // Shows the items in the preview window, one at a time.
 class QuickLookAction final : public Action {

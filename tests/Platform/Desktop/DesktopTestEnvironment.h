@@ -4,9 +4,11 @@
 
 #include <QDir>
 #include <QFile>
+#include <QProcess>
 #include <QStandardPaths>
 #include <QString>
 #include <QTemporaryDir>
+#include <QUrl>
 
 namespace Vantrope::Test {
 
@@ -59,6 +61,20 @@ public:
     {
         writeFile(applicationFile(id), "[Desktop Entry]\nType=Application\nName=" + name + "\nExec=" + exec +
                                            "\nIcon=" + id.toUtf8() + "-icon\nMimeType=" + mimeTypes + "\n" + extra);
+        refresh();
+    }
+
+    void removeApplication(const QString& id)
+    {
+        QFile::remove(applicationFile(id));
+        refresh();
+    }
+
+    // GIO finds the applications of a type in the folder's mimeinfo.cache, as a package's installation
+    // leaves it.
+    void refresh() const
+    {
+        QProcess::execute(QStringLiteral("update-desktop-database"), {QStringLiteral("-q"), m_applications});
     }
 
     QString applicationFile(const QString& id) const
@@ -71,6 +87,21 @@ public:
     {
         const QString text = QString::fromUtf8(readFile(m_recorded));
         return text.split(QLatin1Char('\n'), Qt::SkipEmptyParts);
+    }
+
+    // GIO hands a local file to "%U" as its path or as its URI; either way, the paths, without a
+    // folder's closing slash.
+    static QStringList asPaths(const QStringList& arguments)
+    {
+        QStringList paths;
+        for (const QString& argument : arguments) {
+            QString path = argument.startsWith(QStringLiteral("file:")) ? QUrl(argument).toLocalFile() : argument;
+            if (path.size() > 1 && path.endsWith(QLatin1Char('/'))) {
+                path.chop(1);
+            }
+            paths.append(path);
+        }
+        return paths;
     }
 
     void clearRecorded() const { QFile::remove(m_recorded); }

@@ -160,18 +160,11 @@ private Q_SLOTS:
         QCOMPARE(*results.first(), ActionResultContext{});
 
         QStringList expected;
-        for (const QUrl& url : urls(files)) {
-            expected.append(QString::fromUtf8(url.toEncoded()));
+        for (const QString& file : files) {
+            expected.append(m_files + file);
         }
         QTRY_COMPARE_WITH_TIMEOUT(m_desktop->recorded().size(), expected.size(), 10000);
-        QStringList recorded = m_desktop->recorded();
-        // A folder may come with or without its closing slash.
-        for (QString& uri : recorded) {
-            if (uri.endsWith(QLatin1Char('/'))) {
-                uri.chop(1);
-            }
-        }
-        QCOMPARE(recorded, expected);
+        QCOMPARE(Test::DesktopTestEnvironment::asPaths(m_desktop->recorded()), expected);
     }
 
     void anApplicationThatIsGoneGivesAMessage()
@@ -181,7 +174,7 @@ private Q_SLOTS:
         const DesktopApplication application = *std::find_if(
             m_common.begin(), m_common.end(),
             [](const DesktopApplication& candidate) { return candidate.id == u"test-short-lived.desktop"_s; });
-        QVERIFY(QFile::remove(m_desktop->applicationFile(u"test-short-lived"_s)));
+        m_desktop->removeApplication(u"test-short-lived"_s);
         QTRY_VERIFY_WITH_TIMEOUT(!hasApplication(u"test-short-lived.desktop"_s), 10000);
 
         OpenWithApplicationAction action(application);

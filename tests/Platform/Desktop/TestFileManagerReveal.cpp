@@ -90,16 +90,10 @@ private Q_SLOTS:
 
         QStringList expected;
         for (const QString& folder : folders) {
-            QString uri = QString::fromUtf8(QUrl::fromLocalFile(QDir::cleanPath(m_files + folder)).toEncoded());
-            expected.append(uri);
+            expected.append(QDir::cleanPath(m_files + folder));
         }
         QTRY_COMPARE_WITH_TIMEOUT(m_desktop->recorded().size(), expected.size(), 10000);
-        QStringList recorded = m_desktop->recorded();
-        for (QString& uri : recorded) {
-            if (uri.endsWith(QLatin1Char('/'))) {
-                uri.chop(1);
-            }
-        }
+        QStringList recorded = Test::DesktopTestEnvironment::asPaths(m_desktop->recorded());
         // Each folder is a launch of its own, and they run side by side.
         recorded.sort();
         expected.sort();
