@@ -36,7 +36,7 @@ QByteArray runAlongside(const QString& program, const QStringList& arguments)
 QByteArray valueOf(const QByteArray& output, const QByteArray& prefix)
 {
     for (const QByteArray& line : output.split('\n')) {
-        if (line.startsWith(prefix + ' ')) {
+        if (line.startsWith(QByteArray(prefix + ' '))) {
             return line.mid(prefix.size() + 1);
         }
     }
