@@ -31,9 +31,8 @@ ZipActionArchiver::~ZipActionArchiver()
     m_pool.waitForDone();
 }
 
-std::shared_ptr<ActionArchiver::Job> ZipActionArchiver::makeArchive(const QStringList& paths,
-                                                                    const QString& destination,
-                                                                    Completion completion)
+std::shared_ptr<ActionArchiver::Job>
+ZipActionArchiver::makeArchive(const QStringList& paths, const QString& destination, Completion completion)
 {
     return makeArchiveReportingProgress(paths, destination, {}, std::move(completion));
 }
@@ -43,20 +42,20 @@ ZipActionArchiver::makeArchiveReportingProgress(const QStringList& paths, const 
                                                 Progress progress, Completion completion)
 {
     auto job = std::make_shared<ZipJob>();
-    m_pool.start([job, paths, destination, progress = std::move(progress),
-                  completion = std::move(completion)] {
-        Zip::Options options;
-        options.stopToken = job->token();
-        if (progress) {
-            options.progress = [progress](const Zip::Progress& step) { progress(step.fraction()); };
-        }
-        const auto written = Zip::zipFiles(paths, destination, options);
-        if (!written) {
-            completion(std::unexpected(Error{written.error().description()}));
-            return;
-        }
-        completion(QUrl::fromLocalFile(*written));
-    });
+    m_pool.start(
+        [job, paths, destination, progress = std::move(progress), completion = std::move(completion)] {
+            Zip::Options options;
+            options.stopToken = job->token();
+            if (progress) {
+                options.progress = [progress](const Zip::Progress& step) { progress(step.fraction()); };
+            }
+            const auto written = Zip::zipFiles(paths, destination, options);
+            if (!written) {
+                completion(std::unexpected(Error{written.error().description()}));
+                return;
+            }
+            completion(QUrl::fromLocalFile(*written));
+        });
     return job;
 }
 

@@ -46,8 +46,9 @@ QList<DesktopApplication> applicationsFor(const QString& mimeType)
     if (GAppInfo* preferred = g_app_info_get_default_for_type(type.constData(), FALSE)) {
         const QString id = fromUtf8(g_app_info_get_id(preferred));
         g_object_unref(preferred);
-        const auto found = std::find_if(applications.begin(), applications.end(),
-                                        [&id](const DesktopApplication& application) { return application.id == id; });
+        const auto found =
+            std::find_if(applications.begin(), applications.end(),
+                         [&id](const DesktopApplication& application) { return application.id == id; });
         if (found != applications.end()) {
             std::rotate(applications.begin(), found, found + 1);
         }
@@ -110,7 +111,8 @@ QList<DesktopApplication> DesktopApplications::commonTo(const QList<QUrl>& urls)
         for (const DesktopApplication& application : applicationsFor(types[index])) {
             ids.append(application.id);
         }
-        common.removeIf([&ids](const DesktopApplication& application) { return !ids.contains(application.id); });
+        common.removeIf(
+            [&ids](const DesktopApplication& application) { return !ids.contains(application.id); });
     }
     return common;
 }

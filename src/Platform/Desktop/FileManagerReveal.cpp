@@ -27,15 +27,14 @@ bool showItems(const QList<QUrl>& urls)
     for (const QUrl& url : urls) {
         uris.append(QString::fromUtf8(url.toEncoded()));
     }
-    QDBusMessage call = QDBusMessage::createMethodCall(FileManagerReveal::serviceName,
-                                                       QStringLiteral("/org/freedesktop/FileManager1"),
-                                                       QStringLiteral("org.freedesktop.FileManager1"),
-                                                       QStringLiteral("ShowItems"));
+    QDBusMessage call = QDBusMessage::createMethodCall(
+        FileManagerReveal::serviceName, QStringLiteral("/org/freedesktop/FileManager1"),
+        QStringLiteral("org.freedesktop.FileManager1"), QStringLiteral("ShowItems"));
     call << uris << QString();
     const QDBusMessage reply = bus.call(call, QDBus::Block, 10000);
     if (reply.type() == QDBusMessage::ErrorMessage) {
-        qCWarning(lcDesktop).noquote() << QStringLiteral("The file manager did not show the items: ") +
-                                              reply.errorMessage();
+        qCWarning(lcDesktop).noquote()
+            << QStringLiteral("The file manager did not show the items: ") + reply.errorMessage();
         return false;
     }
     return true;

@@ -27,24 +27,21 @@ ActionList LinuxDesktopActions::makeItemActions()
     const auto reveal = [](const QList<QUrl>& urls) {
         const auto revealed = FileManagerReveal::reveal(urls);
         if (!revealed) {
-            qCWarning(lcDesktop).noquote() << QStringLiteral("The archive could not be shown: ") +
-                                                  revealed.error().description;
+            qCWarning(lcDesktop).noquote()
+                << QStringLiteral("The archive could not be shown: ") + revealed.error().description;
         }
     };
     return {
-        std::make_shared<OpenFileAction>(),
-        std::make_shared<OpenWithAction>(),
-        std::make_shared<RevealInFinderAction>(),
-        std::make_shared<QuickLookAction>(),
-        std::make_shared<CopyToPasteboardAction>(),
-        std::make_shared<CompressAction>(m_archiver, reveal),
+        std::make_shared<OpenFileAction>(),         std::make_shared<OpenWithAction>(),
+        std::make_shared<RevealInFinderAction>(),   std::make_shared<QuickLookAction>(),
+        std::make_shared<CopyToPasteboardAction>(), std::make_shared<CompressAction>(m_archiver, reveal),
     };
 }
 
 ActionList LinuxDesktopActions::makeShareActions(const QList<QUrl>& urls)
 {
-    const bool allLocal =
-        !urls.isEmpty() && std::all_of(urls.begin(), urls.end(), [](const QUrl& url) { return url.isLocalFile(); });
+    const bool allLocal = !urls.isEmpty() && std::all_of(urls.begin(), urls.end(),
+                                                         [](const QUrl& url) { return url.isLocalFile(); });
     if (!allLocal) {
         return {};
     }

@@ -57,9 +57,9 @@ void OpenFileAction::perform(const ActionItemList& items, ProgressHandler, Compl
         const auto opened = DesktopApplications::launchDefault(item.url());
         if (!opened) {
             const QString name = QFileInfo(item.url().toLocalFile()).fileName();
-            completion(std::unexpected(ActionError::underlying(
-                Localized("action.open-file.error", "“%1” could not be opened: %2")
-                    .arg(name, opened.error().description))));
+            completion(std::unexpected(
+                ActionError::underlying(Localized("action.open-file.error", "“%1” could not be opened: %2")
+                                            .arg(name, opened.error().description))));
             return;
         }
     }

@@ -7,8 +7,9 @@
 
 namespace Vantrope {
 
-std::optional<ActionMenuEntry> OpenWithActionMenuProvider::makeMenuEntry(const std::shared_ptr<Action>& action,
-                                                                         const ActionItemList& items) const
+std::optional<ActionMenuEntry>
+OpenWithActionMenuProvider::makeMenuEntry(const std::shared_ptr<Action>& action,
+                                          const ActionItemList& items) const
 {
     if (!action) {
         return std::nullopt;
@@ -19,13 +20,13 @@ std::optional<ActionMenuEntry> OpenWithActionMenuProvider::makeMenuEntry(const s
     submenu.menuTitle = action->title();
     for (const DesktopApplication& application : DesktopApplications::commonTo(actionItemUrls(items))) {
         if (application.name.isEmpty()) {
-            qCWarning(lcDesktop).noquote() << QStringLiteral("Failed to obtain application name for ") +
-                                                  application.id;
+            qCWarning(lcDesktop).noquote()
+                << QStringLiteral("Failed to obtain application name for ") + application.id;
             continue;
         }
-        submenu.entries.push_back(ActionMenuEntry{ActionMenuEntry::ActionRow{
-            std::make_shared<OpenWithApplicationAction>(application), application.name, application.iconName,
-            true}});
+        submenu.entries.push_back(ActionMenuEntry{
+            ActionMenuEntry::ActionRow{std::make_shared<OpenWithApplicationAction>(application),
+                                       application.name, application.iconName, true}});
     }
     if (submenu.entries.empty()) {
         return std::nullopt;
@@ -60,7 +61,8 @@ void OpenWithAction::perform(const ActionItemList& items, ProgressHandler progre
         completion(std::unexpected(ActionError(ActionError::Kind::failedPreparation)));
         return;
     }
-    OpenWithApplicationAction(applications.first()).perform(items, std::move(progress), std::move(completion));
+    OpenWithApplicationAction(applications.first())
+        .perform(items, std::move(progress), std::move(completion));
 }
 
 } // namespace Vantrope

@@ -19,8 +19,8 @@ void OpenWithApplicationAction::perform(const ActionItemList& items, ProgressHan
 {
     const auto launched = DesktopApplications::launch(m_application.id, actionItemUrls(items));
     if (!launched) {
-        qCWarning(lcDesktop).noquote() << QStringLiteral("Failed to open application with error ") +
-                                              launched.error().description;
+        qCWarning(lcDesktop).noquote()
+            << QStringLiteral("Failed to open application with error ") + launched.error().description;
         completion(ActionResultContext{ActionResultContext::Message{
             Localized("action_error_openfilewith", "%1 could not open the files").arg(m_application.name)}});
         return;

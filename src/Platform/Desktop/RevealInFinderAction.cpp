@@ -29,14 +29,16 @@ bool RevealInFinderAction::canPerform(const ActionItemList& items) const
     if (items.isEmpty()) {
         return false;
     }
-    return std::all_of(items.begin(), items.end(), [](const ActionItem& item) { return item.url().isLocalFile(); });
+    return std::all_of(items.begin(), items.end(),
+                       [](const ActionItem& item) { return item.url().isLocalFile(); });
 }
 
 void RevealInFinderAction::perform(const ActionItemList& items, ProgressHandler, Completion completion)
 {
     const auto revealed = FileManagerReveal::reveal(actionItemUrls(items));
-    const Result result = revealed ? Result(ActionResultContext{})
-                                   : Result(std::unexpected(ActionError::underlying(revealed.error().description)));
+    const Result result =
+        revealed ? Result(ActionResultContext{})
+                 : Result(std::unexpected(ActionError::underlying(revealed.error().description)));
     // The shelf hears of the end after this call has returned, as with every other action.
     QMetaObject::invokeMethod(
         QCoreApplication::instance(), [completion, result] { completion(result); }, Qt::QueuedConnection);

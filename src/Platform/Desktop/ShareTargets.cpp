@@ -30,7 +30,8 @@ QStringList localPaths(const QList<QUrl>& urls)
 std::expected<void, QString> startProgram(const QString& program, const QStringList& arguments)
 {
     if (!QProcess::startDetached(program, arguments)) {
-        return std::unexpected(Localized("action.share.error.program", "%1 could not be started").arg(program));
+        return std::unexpected(
+            Localized("action.share.error.program", "%1 could not be started").arg(program));
     }
     return {};
 }
@@ -38,7 +39,8 @@ std::expected<void, QString> startProgram(const QString& program, const QStringL
 QDBusMessage callDevice(const QString& path, const QString& interface, const QString& method,
                         const QVariantList& arguments)
 {
-    QDBusMessage call = QDBusMessage::createMethodCall(ShareTargets::kdeConnectService, path, interface, method);
+    QDBusMessage call =
+        QDBusMessage::createMethodCall(ShareTargets::kdeConnectService, path, interface, method);
     call.setArguments(arguments);
     return QDBusConnection::sessionBus().call(call, QDBus::Block, busTimeout);
 }
@@ -82,23 +84,24 @@ std::optional<ShareTarget> ShareTargets::email()
 QList<ShareTarget> ShareTargets::kdeConnectDevices()
 {
     QDBusConnection bus = QDBusConnection::sessionBus();
-    if (!bus.isConnected() || !bus.interface() || !bus.interface()->isServiceRegistered(kdeConnectService).value()) {
+    if (!bus.isConnected() || !bus.interface() ||
+        !bus.interface()->isServiceRegistered(kdeConnectService).value()) {
         return {};
     }
-    const QDBusMessage listed = callDevice(QStringLiteral("/modules/kdeconnect"),
-                                           QStringLiteral("org.kde.kdeconnect.daemon"), QStringLiteral("devices"),
-                                           {true, true});
+    const QDBusMessage listed =
+        callDevice(QStringLiteral("/modules/kdeconnect"), QStringLiteral("org.kde.kdeconnect.daemon"),
+                   QStringLiteral("devices"), {true, true});
     if (listed.type() != QDBusMessage::ReplyMessage || listed.arguments().isEmpty()) {
-        qCWarning(lcDesktop).noquote() << QStringLiteral("KDE Connect did not list its devices: ") +
-                                              listed.errorMessage();
+        qCWarning(lcDesktop).noquote()
+            << QStringLiteral("KDE Connect did not list its devices: ") + listed.errorMessage();
         return {};
     }
     QList<ShareTarget> targets;
     const QStringList ids = listed.arguments().first().toStringList();
     for (const QString& id : ids) {
-        const QDBusMessage named =
-            callDevice(devicePath(id), QStringLiteral("org.freedesktop.DBus.Properties"), QStringLiteral("Get"),
-                       {QStringLiteral("org.kde.kdeconnect.device"), QStringLiteral("name")});
+        const QDBusMessage named = callDevice(
+            devicePath(id), QStringLiteral("org.freedesktop.DBus.Properties"), QStringLiteral("Get"),
+            {QStringLiteral("org.kde.kdeconnect.device"), QStringLiteral("name")});
         QString name;
         if (named.type() == QDBusMessage::ReplyMessage && !named.arguments().isEmpty()) {
             name = named.arguments().first().value<QDBusVariant>().variant().toString();
@@ -107,8 +110,9 @@ QList<ShareTarget> ShareTargets::kdeConnectDevices()
             name = id;
         }
         targets.append(ShareTarget{
-            QStringLiteral("kdeconnect_") + id, Localized("action.share.kdeconnect.title", "Send to %1").arg(name),
-            QStringLiteral("smartphone"), [id, name](const QList<QUrl>& urls) -> std::expected<void, QString> {
+            QStringLiteral("kdeconnect_") + id,
+            Localized("action.share.kdeconnect.title", "Send to %1").arg(name), QStringLiteral("smartphone"),
+            [id, name](const QList<QUrl>& urls) -> std::expected<void, QString> {
                 QStringList uris;
                 for (const QUrl& url : urls) {
                     uris.append(QString::fromUtf8(url.toEncoded()));
@@ -117,8 +121,9 @@ QList<ShareTarget> ShareTargets::kdeConnectDevices()
                                                      QStringLiteral("org.kde.kdeconnect.device.share"),
                                                      QStringLiteral("shareUrls"), {uris});
                 if (sent.type() != QDBusMessage::ReplyMessage) {
-                    return std::unexpected(Localized("action.share.error.kdeconnect", "%1 did not take the files: %2")
-                                               .arg(name, sent.errorMessage()));
+                    return std::unexpected(
+                        Localized("action.share.error.kdeconnect", "%1 did not take the files: %2")
+                            .arg(name, sent.errorMessage()));
                 }
                 return {};
             }});
@@ -132,8 +137,9 @@ std::optional<ShareTarget> ShareTargets::bluetooth()
     const QString icon = QStringLiteral("bluetooth");
     const QString gnome = QStandardPaths::findExecutable(QStringLiteral("bluetooth-sendto"));
     if (!gnome.isEmpty()) {
-        return ShareTarget{QStringLiteral("bluetooth"), title, icon,
-                           [gnome](const QList<QUrl>& urls) { return startProgram(gnome, localPaths(urls)); }};
+        return ShareTarget{QStringLiteral("bluetooth"), title, icon, [gnome](const QList<QUrl>& urls) {
+                               return startProgram(gnome, localPaths(urls));
+                           }};
     }
     const QString plasma = QStandardPaths::findExecutable(QStringLiteral("bluedevil-sendfile"));
     if (!plasma.isEmpty()) {

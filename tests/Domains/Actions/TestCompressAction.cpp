@@ -32,7 +32,8 @@ with zipfile.ZipFile(sys.argv[1]) as archive:
 QMap<QString, QString> readArchive(const QString& archive)
 {
     QProcess python;
-    python.start(QStringLiteral("/usr/bin/python3"), {QStringLiteral("-c"), QString::fromUtf8(zipReader), archive});
+    python.start(QStringLiteral("/usr/bin/python3"),
+                 {QStringLiteral("-c"), QString::fromUtf8(zipReader), archive});
     if (!python.waitForFinished(60000) || python.exitCode() != 0) {
         qWarning() << "zipfile failed:" << python.readAllStandardError();
         return {};
@@ -220,15 +221,16 @@ private Q_SLOTS:
         bool cancelled = false;
         double cancelledAt = -1;
         Action* raw = action.get();
-        action->perform(actionItems({u"noise.bin"_s, u"more.bin"_s}),
-                        [&](double fraction, const std::optional<QString>&) {
-                            if (!cancelled && fraction > 0.0) {
-                                cancelled = true;
-                                cancelledAt = fraction;
-                                raw->cancel();
-                            }
-                        },
-                        resultInto(recorder));
+        action->perform(
+            actionItems({u"noise.bin"_s, u"more.bin"_s}),
+            [&](double fraction, const std::optional<QString>&) {
+                if (!cancelled && fraction > 0.0) {
+                    cancelled = true;
+                    cancelledAt = fraction;
+                    raw->cancel();
+                }
+            },
+            resultInto(recorder));
         QTRY_VERIFY_WITH_TIMEOUT(cancelled, 30000);
         QVERIFY2(cancelledAt < 1.0, "the archive was done before it could be cancelled");
         // The run's folder goes when the archiver has stopped.

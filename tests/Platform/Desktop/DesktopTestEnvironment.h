@@ -46,21 +46,24 @@ public:
         addApplication(QStringLiteral("test-viewer"), "Test Viewer", "image/png;image/jpeg;");
         addApplication(QStringLiteral("test-png"), "Test PNG Only", "image/png;");
         addApplication(QStringLiteral("test-jpeg"), "Test JPEG Only", "image/jpeg;");
-        addApplication(QStringLiteral("test-hidden"), "Test Hidden", "image/png;image/jpeg;", "NoDisplay=true\n");
-        addApplication(QStringLiteral("test-recorder"), "Test Recorder", "text/plain;inode/directory;image/png;",
-                       {}, "/bin/sh " + script.toLocal8Bit() + " %U");
+        addApplication(QStringLiteral("test-hidden"), "Test Hidden", "image/png;image/jpeg;",
+                       "NoDisplay=true\n");
+        addApplication(QStringLiteral("test-recorder"), "Test Recorder",
+                       "text/plain;inode/directory;image/png;", {},
+                       "/bin/sh " + script.toLocal8Bit() + " %U");
         writeFile(config + QStringLiteral("/mimeapps.list"), "[Default Applications]\n"
-                                                            "image/png=test-painter.desktop\n"
-                                                            "image/jpeg=test-viewer.desktop\n"
-                                                            "text/plain=test-recorder.desktop\n"
-                                                            "inode/directory=test-recorder.desktop\n");
+                                                             "image/png=test-painter.desktop\n"
+                                                             "image/jpeg=test-viewer.desktop\n"
+                                                             "text/plain=test-recorder.desktop\n"
+                                                             "inode/directory=test-recorder.desktop\n");
     }
 
     void addApplication(const QString& id, const QByteArray& name, const QByteArray& mimeTypes,
                         const QByteArray& extra = {}, const QByteArray& exec = "/bin/true %U")
     {
         writeFile(applicationFile(id), "[Desktop Entry]\nType=Application\nName=" + name + "\nExec=" + exec +
-                                           "\nIcon=" + id.toUtf8() + "-icon\nMimeType=" + mimeTypes + "\n" + extra);
+                                           "\nIcon=" + id.toUtf8() + "-icon\nMimeType=" + mimeTypes + "\n" +
+                                           extra);
         refresh();
     }
 
@@ -95,7 +98,8 @@ public:
     {
         QStringList paths;
         for (const QString& argument : arguments) {
-            QString path = argument.startsWith(QStringLiteral("file:")) ? QUrl(argument).toLocalFile() : argument;
+            QString path =
+                argument.startsWith(QStringLiteral("file:")) ? QUrl(argument).toLocalFile() : argument;
             if (path.size() > 1 && path.endsWith(QLatin1Char('/'))) {
                 path.chop(1);
             }

@@ -67,7 +67,10 @@ private Q_SLOTS:
         if (m_kdeConnect.state() != QProcess::NotRunning) {
             m_kdeConnect.kill();
             m_kdeConnect.waitForFinished(5000);
-            QTRY_VERIFY(!QDBusConnection::sessionBus().interface()->isServiceRegistered(u"org.kde.kdeconnect"_s).value());
+            QTRY_VERIFY(!QDBusConnection::sessionBus()
+                             .interface()
+                             ->isServiceRegistered(u"org.kde.kdeconnect"_s)
+                             .value());
         }
         qputenv("PATH", m_path);
     }
@@ -103,8 +106,9 @@ private Q_SLOTS:
 
         const QByteArray output = runAlongside(u"/usr/bin/python3"_s, {QStringLiteral(GTK_CLIPBOARD_READER)});
         const QList<QByteArray> targets = valueOf(output, "targets").split(' ');
-        for (const QByteArray& target : {QByteArray("text/uri-list"), QByteArray("x-special/gnome-copied-files"),
-                                         QByteArray("UTF8_STRING"), QByteArray("text/plain")}) {
+        for (const QByteArray& target :
+             {QByteArray("text/uri-list"), QByteArray("x-special/gnome-copied-files"),
+              QByteArray("UTF8_STRING"), QByteArray("text/plain")}) {
             QVERIFY2(targets.contains(target), output.constData());
         }
 
@@ -121,8 +125,10 @@ private Q_SLOTS:
         }
         QCOMPARE(QByteArray::fromHex(valueOf(output, "data text/uri-list")), uriList);
         QCOMPARE(QByteArray::fromHex(valueOf(output, "data x-special/gnome-copied-files")), copied);
-        QCOMPARE(QString::fromUtf8(QByteArray::fromHex(valueOf(output, "uris"))), uris.join(QLatin1Char('\n')));
-        QCOMPARE(QString::fromUtf8(QByteArray::fromHex(valueOf(output, "text"))), paths.join(QLatin1Char('\n')));
+        QCOMPARE(QString::fromUtf8(QByteArray::fromHex(valueOf(output, "uris"))),
+                 uris.join(QLatin1Char('\n')));
+        QCOMPARE(QString::fromUtf8(QByteArray::fromHex(valueOf(output, "text"))),
+                 paths.join(QLatin1Char('\n')));
     }
 
     void shareTargets_data()
@@ -133,18 +139,18 @@ private Q_SLOTS:
         QTest::addColumn<QStringList>("expected");
 
         QTest::newRow("nothing to share with") << QStringList() << false << QStringList();
-        QTest::newRow("a mail program") << QStringList{u"xdg-email"_s} << false
-                                        << QStringList{u"sharingservice_email"_s};
-        QTest::newRow("GNOME's Bluetooth sender") << QStringList{u"bluetooth-sendto"_s} << false
-                                                  << QStringList{u"sharingservice_bluetooth"_s};
-        QTest::newRow("Plasma's Bluetooth sender") << QStringList{u"bluedevil-sendfile"_s} << false
-                                                   << QStringList{u"sharingservice_bluetooth"_s};
+        QTest::newRow("a mail program")
+            << QStringList{u"xdg-email"_s} << false << QStringList{u"sharingservice_email"_s};
+        QTest::newRow("GNOME's Bluetooth sender")
+            << QStringList{u"bluetooth-sendto"_s} << false << QStringList{u"sharingservice_bluetooth"_s};
+        QTest::newRow("Plasma's Bluetooth sender")
+            << QStringList{u"bluedevil-sendfile"_s} << false << QStringList{u"sharingservice_bluetooth"_s};
         QTest::newRow("only the paired phone that is reachable")
             << QStringList() << true << QStringList{u"sharingservice_kdeconnect_phone1"_s};
-        QTest::newRow("everything")
-            << QStringList{u"xdg-email"_s, u"bluetooth-sendto"_s} << true
-            << QStringList{u"sharingservice_email"_s, u"sharingservice_kdeconnect_phone1"_s,
-                           u"sharingservice_bluetooth"_s};
+        QTest::newRow("everything") << QStringList{u"xdg-email"_s, u"bluetooth-sendto"_s} << true
+                                    << QStringList{u"sharingservice_email"_s,
+                                                   u"sharingservice_kdeconnect_phone1"_s,
+                                                   u"sharingservice_bluetooth"_s};
     }
 
     void shareTargets()
@@ -160,15 +166,18 @@ private Q_SLOTS:
         QDir().mkpath(records);
         for (const QString& program : programs) {
             const QString path = bin + QLatin1Char('/') + program;
-            QVERIFY(Test::writeFile(path, "#!/bin/sh\nfor argument in \"$@\"; do printf '%s\\n' \"$argument\"; "
-                                          "done > '" + (records + program).toLocal8Bit() + "'\n"));
+            QVERIFY(
+                Test::writeFile(path, "#!/bin/sh\nfor argument in \"$@\"; do printf '%s\\n' \"$argument\"; "
+                                      "done > '" +
+                                          (records + program).toLocal8Bit() + "'\n"));
             QFile::setPermissions(path, QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
         }
         // Only the stand-ins: the real programs of this machine stay out of reach.
         qputenv("PATH", bin.toLocal8Bit());
         if (kdeConnect) {
             m_kdeConnect.setProcessChannelMode(QProcess::ForwardedErrorChannel);
-            m_kdeConnect.start(u"/usr/bin/python3"_s, {QStringLiteral(FAKE_KDECONNECT), records + u"kdeconnect"_s});
+            m_kdeConnect.start(u"/usr/bin/python3"_s,
+                               {QStringLiteral(FAKE_KDECONNECT), records + u"kdeconnect"_s});
             QVERIFY(m_kdeConnect.waitForReadyRead(15000));
             QCOMPARE(m_kdeConnect.readLine().trimmed(), QByteArray("ready"));
         }
@@ -194,13 +203,15 @@ private Q_SLOTS:
         for (const ActionPtr& action : actions) {
             QVERIFY(action->canPerform(items(files)));
             QList<Action::Result> results;
-            action->perform(items(files), {}, [&results](const Action::Result& result) { results.append(result); });
+            action->perform(items(files), {},
+                            [&results](const Action::Result& result) { results.append(result); });
             QCOMPARE(results.size(), 1);
             QVERIFY2(results.first().has_value(), qPrintable(action->identifier()));
         }
 
         const QStringList paths{m_files + files[0], m_files + files[1]};
-        const QStringList uris{QString::fromUtf8(urls[0].toEncoded()), QString::fromUtf8(urls[1].toEncoded())};
+        const QStringList uris{QString::fromUtf8(urls[0].toEncoded()),
+                               QString::fromUtf8(urls[1].toEncoded())};
         if (expected.contains(u"sharingservice_email"_s)) {
             QTRY_COMPARE(lines(records + u"xdg-email"_s),
                          (QStringList{u"--attach"_s, paths[0], u"--attach"_s, paths[1]}));
@@ -209,7 +220,8 @@ private Q_SLOTS:
             QTRY_COMPARE(lines(records + u"bluetooth-sendto"_s), paths);
         }
         if (programs.contains(u"bluedevil-sendfile"_s)) {
-            QTRY_COMPARE(lines(records + u"bluedevil-sendfile"_s), (QStringList{u"-f"_s, paths[0], u"-f"_s, paths[1]}));
+            QTRY_COMPARE(lines(records + u"bluedevil-sendfile"_s),
+                         (QStringList{u"-f"_s, paths[0], u"-f"_s, paths[1]}));
         }
         if (kdeConnect) {
             const ActionPtr phone = actions[expected.indexOf(u"sharingservice_kdeconnect_phone1"_s)];

@@ -40,19 +40,21 @@ private Q_SLOTS:
         QTest::addColumn<QString>("first");
         QTest::addColumn<QStringList>("others");
 
-        QTest::newRow("a PNG and a JPEG") << QStringList{u"picture.png"_s, u"photo.jpg"_s} << u"test-painter.desktop"_s
-                                          << QStringList{u"test-viewer.desktop"_s};
+        QTest::newRow("a PNG and a JPEG")
+            << QStringList{u"picture.png"_s, u"photo.jpg"_s} << u"test-painter.desktop"_s
+            << QStringList{u"test-viewer.desktop"_s};
         QTest::newRow("the JPEG first: its default leads")
             << QStringList{u"photo.jpg"_s, u"picture.png"_s} << u"test-viewer.desktop"_s
             << QStringList{u"test-painter.desktop"_s};
         QTest::newRow("two PNGs are one type")
             << QStringList{u"picture.png"_s, u"second.png"_s} << u"test-painter.desktop"_s
             << QStringList{u"test-viewer.desktop"_s, u"test-png.desktop"_s, u"test-recorder.desktop"_s};
-        QTest::newRow("a PNG and a text") << QStringList{u"picture.png"_s, u"notes.txt"_s}
-                                          << u"test-recorder.desktop"_s << QStringList();
+        QTest::newRow("a PNG and a text")
+            << QStringList{u"picture.png"_s, u"notes.txt"_s} << u"test-recorder.desktop"_s << QStringList();
         QTest::newRow("nothing takes all three")
             << QStringList{u"picture.png"_s, u"photo.jpg"_s, u"notes.txt"_s} << QString() << QStringList();
-        QTest::newRow("a type nobody takes") << QStringList{u"data.vantrope-unknown"_s} << QString() << QStringList();
+        QTest::newRow("a type nobody takes")
+            << QStringList{u"data.vantrope-unknown"_s} << QString() << QStringList();
     }
 
     void commonApplications()
@@ -75,7 +77,7 @@ private Q_SLOTS:
             rest.sort();
             others.sort();
             QCOMPARE(rest, others);
-            QCOMPARE(common.first().name, u"Test "_s + (first == u"test-painter.desktop"_s   ? u"Painter"_s
+            QCOMPARE(common.first().name, u"Test "_s + (first == u"test-painter.desktop"_s  ? u"Painter"_s
                                                         : first == u"test-viewer.desktop"_s ? u"Viewer"_s
                                                                                             : u"Recorder"_s));
             QCOMPARE(common.first().iconName, first.chopped(8) + u"-icon"_s);
@@ -85,7 +87,8 @@ private Q_SLOTS:
         OpenWithAction openWith;
         const ActionItemList actionItems = items(files);
         QCOMPARE(openWith.canPerform(actionItems), !first.isEmpty());
-        const auto entry = openWith.menuItemProvider()->makeMenuEntry(std::make_shared<OpenWithAction>(), actionItems);
+        const auto entry =
+            openWith.menuItemProvider()->makeMenuEntry(std::make_shared<OpenWithAction>(), actionItems);
         QCOMPARE(entry.has_value(), !first.isEmpty());
         if (entry) {
             const auto* submenu = std::get_if<ActionMenuEntry::Submenu>(&entry->value);
@@ -109,12 +112,12 @@ private Q_SLOTS:
 
         QTest::newRow("one file names its application")
             << QStringList{u"picture.png"_s} << true << u"Open with Test Painter"_s;
-        QTest::newRow("two files, one application") << QStringList{u"picture.png"_s, u"second.png"_s} << true
-                                                    << u"Open with Test Painter"_s;
+        QTest::newRow("two files, one application")
+            << QStringList{u"picture.png"_s, u"second.png"_s} << true << u"Open with Test Painter"_s;
         QTest::newRow("two files, two applications")
             << QStringList{u"picture.png"_s, u"photo.jpg"_s} << true << u"Open"_s;
-        QTest::newRow("a file nothing opens") << QStringList{u"picture.png"_s, u"data.vantrope-unknown"_s}
-                                              << false << u"Open"_s;
+        QTest::newRow("a file nothing opens")
+            << QStringList{u"picture.png"_s, u"data.vantrope-unknown"_s} << false << u"Open"_s;
     }
 
     void openFileTitleAndAvailability()
@@ -171,9 +174,10 @@ private Q_SLOTS:
     {
         m_desktop->addApplication(u"test-short-lived"_s, "Test Short Lived", "image/png;");
         QTRY_VERIFY_WITH_TIMEOUT(hasApplication(u"test-short-lived.desktop"_s), 10000);
-        const DesktopApplication application = *std::find_if(
-            m_common.begin(), m_common.end(),
-            [](const DesktopApplication& candidate) { return candidate.id == u"test-short-lived.desktop"_s; });
+        const DesktopApplication application =
+            *std::find_if(m_common.begin(), m_common.end(), [](const DesktopApplication& candidate) {
+                return candidate.id == u"test-short-lived.desktop"_s;
+            });
         m_desktop->removeApplication(u"test-short-lived"_s);
         QTRY_VERIFY_WITH_TIMEOUT(!hasApplication(u"test-short-lived.desktop"_s), 10000);
 

@@ -15,7 +15,10 @@ namespace {
 
 bool fileManagerOnBus()
 {
-    return QDBusConnection::sessionBus().interface()->isServiceRegistered(FileManagerReveal::serviceName).value();
+    return QDBusConnection::sessionBus()
+        .interface()
+        ->isServiceRegistered(FileManagerReveal::serviceName)
+        .value();
 }
 
 // The windows on the display whose title holds `text`.
@@ -70,7 +73,8 @@ private Q_SLOTS:
         QTest::newRow("files of two folders")
             << QStringList{u"a.txt"_s, u"inner/c.txt"_s, u"ä ö/d.txt"_s, u"b.txt"_s}
             << QStringList{u""_s, u"inner"_s, u"ä ö"_s};
-        QTest::newRow("a folder opens the one that holds it") << QStringList{u"inner"_s} << QStringList{u""_s};
+        QTest::newRow("a folder opens the one that holds it")
+            << QStringList{u"inner"_s} << QStringList{u""_s};
     }
 
     void withoutAFileManagerTheFoldersOpen()
@@ -82,7 +86,8 @@ private Q_SLOTS:
         RevealInFinderAction action;
         QList<Action::Result> results;
         QVERIFY(action.canPerform(items(files)));
-        action.perform(items(files), {}, [&results](const Action::Result& result) { results.append(result); });
+        action.perform(items(files), {},
+                       [&results](const Action::Result& result) { results.append(result); });
         // The end is reported after perform has returned.
         QCOMPARE(results.size(), 0);
         QTRY_COMPARE(results.size(), 1);

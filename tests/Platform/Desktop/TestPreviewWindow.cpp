@@ -19,15 +19,15 @@ namespace {
 
 // A GIF of two 1x1 frames, one red and one blue, that loops.
 const QByteArray animatedGif = QByteArray("GIF89a") +
-                               QByteArray::fromHex("01000100800000"        // 1x1, a table of 2 colours
-                                                   "ff00000000ff"          // red, blue
+                               QByteArray::fromHex("01000100800000" // 1x1, a table of 2 colours
+                                                   "ff00000000ff"   // red, blue
                                                    "21ff0b") +
                                QByteArray("NETSCAPE2.0") +
-                               QByteArray::fromHex("0301000000"                       // loop forever
-                                                   "21f904000a000000"                 // 100 ms
-                                                   "2c0000000001000100000202440100"   // red pixel
-                                                   "21f904000a000000"                 // 100 ms
-                                                   "2c00000000010001000002024c0100"   // blue pixel
+                               QByteArray::fromHex("0301000000"                     // loop forever
+                                                   "21f904000a000000"               // 100 ms
+                                                   "2c0000000001000100000202440100" // red pixel
+                                                   "21f904000a000000"               // 100 ms
+                                                   "2c00000000010001000002024c0100" // blue pixel
                                                    "3b");
 
 } // namespace
@@ -67,10 +67,12 @@ private Q_SLOTS:
         QTest::newRow("text") << u"notes.txt"_s << PreviewWindow::Kind::text
                               << QStringList{u"first line\nsecond line ü"_s};
         QTest::newRow("PDF") << u"document.pdf"_s
-                             << (PreviewWindow::showsPdf() ? PreviewWindow::Kind::pdf : PreviewWindow::Kind::summary)
+                             << (PreviewWindow::showsPdf() ? PreviewWindow::Kind::pdf
+                                                           : PreviewWindow::Kind::summary)
                              << QStringList();
         QTest::newRow("anything else: name, kind, size")
-            << u"data.bin"_s << PreviewWindow::Kind::summary << QStringList{u"data.bin"_s, u"3.00 KiB"_s, u"Modified"_s};
+            << u"data.bin"_s << PreviewWindow::Kind::summary
+            << QStringList{u"data.bin"_s, u"3.00 KiB"_s, u"Modified"_s};
         QTest::newRow("a file that went away") << u"gone.txt"_s << PreviewWindow::Kind::summary
                                                << QStringList{u"gone.txt"_s, u"no longer there"_s};
     }
@@ -115,8 +117,8 @@ private Q_SLOTS:
         QTest::addColumn<bool>("open");
 
         QTest::newRow("right, right") << QList<int>{Qt::Key_Right, Qt::Key_Right} << 2 << true;
-        QTest::newRow("right past the end stays") << QList<int>{Qt::Key_Right, Qt::Key_Right, Qt::Key_Right} << 2
-                                                  << true;
+        QTest::newRow("right past the end stays")
+            << QList<int>{Qt::Key_Right, Qt::Key_Right, Qt::Key_Right} << 2 << true;
         QTest::newRow("left at the start stays") << QList<int>{Qt::Key_Left} << 0 << true;
         QTest::newRow("there and back") << QList<int>{Qt::Key_Right, Qt::Key_Left} << 0 << true;
         QTest::newRow("space closes") << QList<int>{Qt::Key_Right, Qt::Key_Space} << 1 << false;
