@@ -1,5 +1,7 @@
 #include "DesktopTestEnvironment.h"
+#include "Domains/Actions/ActionIdentifiers.h"
 #include "Platform/Desktop/FileManagerReveal.h"
+#include "Platform/Desktop/LinuxDesktopActions.h"
 #include "Platform/Desktop/RevealInFinderAction.h"
 
 #include <QDBusConnection>
@@ -103,6 +105,29 @@ private Q_SLOTS:
         recorded.sort();
         expected.sort();
         QCOMPARE(recorded, expected);
+    }
+
+    // The program's compress action shows its archive the same way.
+    void aNewArchiveIsShown()
+    {
+        QVERIFY(!fileManagerOnBus());
+        LinuxDesktopActions desktop;
+        ActionPtr compress;
+        for (const ActionPtr& action : desktop.makeItemActions()) {
+            if (action->identifier() == ActionIdentifiers::compress) {
+                compress = action;
+            }
+        }
+        QVERIFY(compress);
+        QList<Action::Result> results;
+        compress->perform(items({u"a.txt"_s, u"inner"_s}), {},
+                          [&results](const Action::Result& result) { results.append(result); });
+        QTRY_COMPARE_WITH_TIMEOUT(results.size(), 1, 30000);
+        QVERIFY(results.first().has_value());
+        QTRY_COMPARE_WITH_TIMEOUT(m_desktop->recorded().size(), 1, 10000);
+        const QString folder = Test::DesktopTestEnvironment::asPaths(m_desktop->recorded()).first();
+        QVERIFY2(QFileInfo(folder + u"/Archive.zip"_s).isFile(), qPrintable(folder));
+        QVERIFY(!folder.startsWith(m_files));
     }
 
     void onlyLocalFilesAreShown()
