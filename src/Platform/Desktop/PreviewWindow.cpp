@@ -174,17 +174,18 @@ void PreviewWindow::showImage(const QString& path)
 {
     QImageReader reader(path);
     reader.setAutoTransform(true);
+    // A large picture is decoded at the size it is shown, not at its own.
+    const QSize size = reader.size();
+    if (size.width() > pictureBounds.width() || size.height() > pictureBounds.height()) {
+        reader.setScaledSize(size.scaled(pictureBounds, Qt::KeepAspectRatio));
+    }
     const QImage image = reader.read();
     if (image.isNull()) {
         m_kind = Kind::summary;
         showSummary(path);
         return;
     }
-    QPixmap pixmap = QPixmap::fromImage(image);
-    if (pixmap.width() > pictureBounds.width() || pixmap.height() > pictureBounds.height()) {
-        pixmap = pixmap.scaled(pictureBounds, Qt::KeepAspectRatio, Qt::SmoothTransformation);
-    }
-    m_picture->setPixmap(pixmap);
+    m_picture->setPixmap(QPixmap::fromImage(image));
     m_stack->setCurrentWidget(m_picture);
 }
 

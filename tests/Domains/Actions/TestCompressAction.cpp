@@ -241,14 +241,6 @@ private Q_SLOTS:
         QCOMPARE(QFileInfo(m_input->filePath(u"noise.bin"_s)).size(), noise.size());
     }
 
-    void cannotPerformWithoutItems()
-    {
-        auto [action, recorder] = makeAction();
-        QVERIFY(!action->canPerform({}));
-        QVERIFY(Test::writeFile(m_input->filePath(u"a"_s), "a"));
-        QVERIFY(action->canPerform(actionItems({u"a"_s})));
-    }
-
 private:
     std::pair<std::shared_ptr<CompressAction>, std::shared_ptr<Recorder>> makeAction()
     {
