@@ -10,8 +10,11 @@ namespace Vantrope {
 
 // A place the desktop can send files to: a mail program, a paired phone, a Bluetooth device.
 struct ShareTarget {
-    // Hands the files over, answering the reason when it could not.
-    using Send = std::function<std::expected<void, QString>(const QList<QUrl>& urls)>;
+    using Outcome = std::expected<void, QString>;
+    // Hands the files over and calls `done` once, on the calling thread, with the reason when it could
+    // not; called on the main thread.
+    using Done = std::function<void(const Outcome& outcome)>;
+    using Send = std::function<void(const QList<QUrl>& urls, const Done& done)>;
 
     // The target's own id: "email", "kdeconnect_<device id>", "bluetooth".
     QString identifier;

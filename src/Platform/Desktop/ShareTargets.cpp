@@ -6,7 +6,7 @@
 #include <QDBusConnection>
 #include <QDBusConnectionInterface>
 #include <QDBusMessage>
-#include <QDBusReply>
+#include <QDBusPendingCallWatcher>
 #include <QDBusVariant>
 #include <QProcess>
 #include <QStandardPaths>
@@ -72,12 +72,13 @@ std::optional<ShareTarget> ShareTargets::email()
         return std::nullopt;
     }
     return ShareTarget{QStringLiteral("email"), Localized("action.share.email.title", "Email"),
-                       QStringLiteral("mail-send"), [program](const QList<QUrl>& urls) {
+                       QStringLiteral("mail-send"),
+                       [program](const QList<QUrl>& urls, const ShareTarget::Done& done) {
                            QStringList arguments;
                            for (const QString& path : localPaths(urls)) {
                                arguments << QStringLiteral("--attach") << path;
                            }
-                           return startProgram(program, arguments);
+                           done(startProgram(program, arguments));
                        }};
 }
 
@@ -112,20 +113,28 @@ QList<ShareTarget> ShareTargets::kdeConnectDevices()
         targets.append(ShareTarget{
             QStringLiteral("kdeconnect_") + id,
             Localized("action.share.kdeconnect.title", "Send to %1").arg(name), QStringLiteral("smartphone"),
-            [id, name](const QList<QUrl>& urls) -> std::expected<void, QString> {
+            [id, name](const QList<QUrl>& urls, const ShareTarget::Done& done) {
                 QStringList uris;
                 for (const QUrl& url : urls) {
                     uris.append(QString::fromUtf8(url.toEncoded()));
                 }
-                const QDBusMessage sent = callDevice(devicePath(id) + QStringLiteral("/share"),
-                                                     QStringLiteral("org.kde.kdeconnect.device.share"),
-                                                     QStringLiteral("shareUrls"), {uris});
-                if (sent.type() != QDBusMessage::ReplyMessage) {
-                    return std::unexpected(
-                        Localized("action.share.error.kdeconnect", "%1 did not take the files: %2")
-                            .arg(name, sent.errorMessage()));
-                }
-                return {};
+                QDBusMessage call = QDBusMessage::createMethodCall(
+                    kdeConnectService, devicePath(id) + QStringLiteral("/share"),
+                    QStringLiteral("org.kde.kdeconnect.device.share"), QStringLiteral("shareUrls"));
+                call << uris;
+                // The daemon may be slow to answer: the shelf does not wait for it.
+                auto* watcher =
+                    new QDBusPendingCallWatcher(QDBusConnection::sessionBus().asyncCall(call, busTimeout));
+                QObject::connect(watcher, &QDBusPendingCallWatcher::finished, watcher, [watcher, name, done] {
+                    watcher->deleteLater();
+                    if (watcher->isError()) {
+                        done(std::unexpected(
+                            Localized("action.share.error.kdeconnect", "%1 did not take the files: %2")
+                                .arg(name, watcher->error().message())));
+                        return;
+                    }
+                    done({});
+                });
             }});
     }
     return targets;
@@ -137,18 +146,20 @@ std::optional<ShareTarget> ShareTargets::bluetooth()
     const QString icon = QStringLiteral("bluetooth");
     const QString gnome = QStandardPaths::findExecutable(QStringLiteral("bluetooth-sendto"));
     if (!gnome.isEmpty()) {
-        return ShareTarget{QStringLiteral("bluetooth"), title, icon, [gnome](const QList<QUrl>& urls) {
-                               return startProgram(gnome, localPaths(urls));
+        return ShareTarget{QStringLiteral("bluetooth"), title, icon,
+                           [gnome](const QList<QUrl>& urls, const ShareTarget::Done& done) {
+                               done(startProgram(gnome, localPaths(urls)));
                            }};
     }
     const QString plasma = QStandardPaths::findExecutable(QStringLiteral("bluedevil-sendfile"));
     if (!plasma.isEmpty()) {
-        return ShareTarget{QStringLiteral("bluetooth"), title, icon, [plasma](const QList<QUrl>& urls) {
+        return ShareTarget{QStringLiteral("bluetooth"), title, icon,
+                           [plasma](const QList<QUrl>& urls, const ShareTarget::Done& done) {
                                QStringList arguments;
                                for (const QUrl& url : urls) {
                                    arguments << QStringLiteral("-f") << url.toLocalFile();
                                }
-                               return startProgram(plasma, arguments);
+                               done(startProgram(plasma, arguments));
                            }};
     }
     return std::nullopt;

@@ -24,15 +24,20 @@ bool SharingServiceAction::canPerform(const ActionItemList& items) const
 
 void SharingServiceAction::perform(const ActionItemList& items, ProgressHandler, Completion completion)
 {
-    const auto sent = m_target.send ? m_target.send(actionItemUrls(items))
-                                    : std::expected<void, QString>(std::unexpected(QString()));
-    if (!sent) {
-        qCWarning(lcDesktop).noquote() << QStringLiteral("Sharing to ") + m_target.identifier +
-                                              QStringLiteral(" failed: ") + sent.error();
-        completion(std::unexpected(ActionError::underlying(sent.error())));
+    if (!m_target.send) {
+        completion(std::unexpected(ActionError(ActionError::Kind::reserved)));
         return;
     }
-    completion(ActionResultContext{});
+    const QString target = m_target.identifier;
+    m_target.send(actionItemUrls(items), [target, completion](const ShareTarget::Outcome& sent) {
+        if (!sent) {
+            qCWarning(lcDesktop).noquote()
+                << QStringLiteral("Sharing to ") + target + QStringLiteral(" failed: ") + sent.error();
+            completion(std::unexpected(ActionError::underlying(sent.error())));
+            return;
+        }
+        completion(ActionResultContext{});
+    });
 }
 
 } // namespace Vantrope

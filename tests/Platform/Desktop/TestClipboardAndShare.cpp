@@ -5,6 +5,7 @@
 
 #include <QDBusConnection>
 #include <QDBusConnectionInterface>
+#include <QFile>
 #include <QProcess>
 #include <QSignalSpy>
 #include <QTemporaryDir>
@@ -205,7 +206,7 @@ private Q_SLOTS:
             QList<Action::Result> results;
             action->perform(items(files), {},
                             [&results](const Action::Result& result) { results.append(result); });
-            QCOMPARE(results.size(), 1);
+            QTRY_COMPARE(results.size(), 1);
             QVERIFY2(results.first().has_value(), qPrintable(action->identifier()));
         }
 
@@ -229,6 +230,31 @@ private Q_SLOTS:
             QTRY_COMPARE(lines(records + u"kdeconnect"_s),
                          (QStringList{u"phone1 "_s + uris[0], u"phone1 "_s + uris[1]}));
         }
+    }
+
+    void aPhoneThatWentAwayIsAnError()
+    {
+        m_kdeConnect.setProcessChannelMode(QProcess::ForwardedErrorChannel);
+        m_kdeConnect.start(u"/usr/bin/python3"_s,
+                           {QStringLiteral(FAKE_KDECONNECT), m_root.filePath(u"record"_s)});
+        QVERIFY(m_kdeConnect.waitForReadyRead(15000));
+        LinuxDesktopActions desktop;
+        const ActionList actions = desktop.makeShareActions({QUrl::fromLocalFile(m_files + u"a.txt"_s)});
+        const auto phone = std::find_if(actions.begin(), actions.end(), [](const ActionPtr& action) {
+            return action->identifier() == u"sharingservice_kdeconnect_phone1"_s;
+        });
+        QVERIFY(phone != actions.end());
+        m_kdeConnect.kill();
+        m_kdeConnect.waitForFinished(5000);
+
+        QList<Action::Result> results;
+        (*phone)->perform(items({u"a.txt"_s}), {},
+                          [&results](const Action::Result& result) { results.append(result); });
+        QTRY_COMPARE(results.size(), 1);
+        QVERIFY(!results.first().has_value());
+        QVERIFY2(results.first().error().description().startsWith(u"Test Phone did not take the files: "_s),
+                 qPrintable(results.first().error().description()));
+        QVERIFY(!QFile::exists(m_root.filePath(u"record"_s)));
     }
 
 private:
