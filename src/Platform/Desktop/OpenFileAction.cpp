@@ -5,6 +5,7 @@
 #include "Libraries/Core/Localized.h"
 
 #include <QFileInfo>
+#include <QMimeDatabase>
 
 namespace Vantrope {
 
@@ -15,7 +16,8 @@ QString OpenFileAction::identifier() const
 
 QString OpenFileAction::iconName() const
 {
-    return QStringLiteral("document-open");
+    QMutexLocker lock(&m_mutex);
+    return m_sharedIconName.isEmpty() ? QStringLiteral("document-open") : m_sharedIconName;
 }
 
 QString OpenFileAction::title() const
@@ -32,11 +34,17 @@ bool OpenFileAction::canPerform(const ActionItemList& items) const
     QString sharedId;
     QString sharedName;
     bool shared = true;
+    QStringList types;
     for (const ActionItem& item : items) {
+        const QString type = DesktopApplications::mimeTypeOf(item.url());
+        if (!types.contains(type)) {
+            types.append(type);
+        }
         const auto application = DesktopApplications::defaultFor(item.url());
         if (!application) {
             QMutexLocker lock(&m_mutex);
             m_sharedApplicationName.clear();
+            m_sharedIconName.clear();
             return false;
         }
         if (sharedId.isEmpty() && shared) {
@@ -46,8 +54,11 @@ bool OpenFileAction::canPerform(const ActionItemList& items) const
             shared = false;
         }
     }
+    static const QMimeDatabase database;
+    const QString icon = types.size() == 1 ? database.mimeTypeForName(types.first()).iconName() : QString();
     QMutexLocker lock(&m_mutex);
     m_sharedApplicationName = shared ? sharedName : QString();
+    m_sharedIconName = icon;
     return !items.isEmpty();
 }
 

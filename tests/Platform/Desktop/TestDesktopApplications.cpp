@@ -109,15 +109,19 @@ private Q_SLOTS:
         QTest::addColumn<QStringList>("files");
         QTest::addColumn<bool>("performable");
         QTest::addColumn<QString>("title");
+        QTest::addColumn<QString>("icon");
 
         QTest::newRow("one file names its application")
-            << QStringList{u"picture.png"_s} << true << u"Open with Test Painter"_s;
-        QTest::newRow("two files, one application")
-            << QStringList{u"picture.png"_s, u"second.png"_s} << true << u"Open with Test Painter"_s;
+            << QStringList{u"picture.png"_s} << true << u"Open with Test Painter"_s << u"image-png"_s;
+        QTest::newRow("two files, one application") << QStringList{u"picture.png"_s, u"second.png"_s} << true
+                                                    << u"Open with Test Painter"_s << u"image-png"_s;
+        QTest::newRow("a text and a folder, one application")
+            << QStringList{u"notes.txt"_s, u"folder"_s} << true << u"Open with Test Recorder"_s
+            << u"document-open"_s;
         QTest::newRow("two files, two applications")
-            << QStringList{u"picture.png"_s, u"photo.jpg"_s} << true << u"Open"_s;
-        QTest::newRow("a file nothing opens")
-            << QStringList{u"picture.png"_s, u"data.vantrope-unknown"_s} << false << u"Open"_s;
+            << QStringList{u"picture.png"_s, u"photo.jpg"_s} << true << u"Open"_s << u"document-open"_s;
+        QTest::newRow("a file nothing opens") << QStringList{u"picture.png"_s, u"data.vantrope-unknown"_s}
+                                              << false << u"Open"_s << u"document-open"_s;
     }
 
     void openFileTitleAndAvailability()
@@ -125,9 +129,11 @@ private Q_SLOTS:
         QFETCH(QStringList, files);
         QFETCH(bool, performable);
         QFETCH(QString, title);
+        QFETCH(QString, icon);
         OpenFileAction action;
         QCOMPARE(action.canPerform(items(files)), performable);
         QCOMPARE(action.title(), title);
+        QCOMPARE(action.iconName(), icon);
     }
 
     void launchesPassTheFiles_data()
