@@ -14,6 +14,8 @@
 #include <QTemporaryDir>
 #include <QTest>
 
+using namespace std::chrono_literals;
+
 // The real program with programs nobody on the team wrote: a web browser as a drag source and as a drop
 // target. Their drag code differs from Qt's and GTK's in ways our own helpers only imitate.
 class TestRealPrograms final : public QObject {
@@ -74,7 +76,7 @@ field.addEventListener('input', () => { document.title = 'field:' + field.value;
         QVERIFY(!page.isEmpty());
 
         Vantrope::Test::PointerScript gesture;
-        gesture.startDrag(page.topLeft() + QPoint(120, 60)).pause(1.0).shake();
+        gesture.startDrag(page.topLeft() + QPoint(120, 60)).pause(1s).shake();
         Vantrope::Test::PointerScript letGo;
         letGo.release();
         auto releaseAll = qScopeGuard([&letGo] { Vantrope::Test::runXdotool(letGo.arguments()); });
@@ -83,7 +85,7 @@ field.addEventListener('input', () => { document.title = 'field:' + field.value;
 
         // The browser learns of the window under the pointer from the next motion.
         Vantrope::Test::PointerScript drop;
-        drop.move(4, 4).pause(0.3).move(-4, -4).pause(0.5);
+        drop.move(4, 4).pause(300ms).move(-4, -4).pause(500ms);
         QVERIFY(Vantrope::Test::runXdotool(drop.arguments() + letGo.arguments()));
         releaseAll.dismiss();
         QTRY_COMPARE_WITH_TIMEOUT(list().at(0).toObject().value(QStringLiteral("items")).toArray().size(), 1,

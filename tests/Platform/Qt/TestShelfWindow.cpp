@@ -37,6 +37,7 @@
 #include <xcb/xcb.h>
 
 using namespace Vantrope;
+using namespace std::chrono_literals;
 
 namespace {
 
@@ -381,7 +382,7 @@ private Q_SLOTS:
         auto shelf = openShelf(QPoint(800, 420));
         QVERIFY(Test::runXdotool(Test::PointerScript()
                                      .glide(from + QPoint(40, 0), shelfCentre(*shelf))
-                                     .pause(0.3)
+                                     .pause(300ms)
                                      .release()
                                      .arguments()));
         QVERIFY(waitForOutput(m_source, "dropped"));
@@ -671,7 +672,7 @@ private Q_SLOTS:
         auto empty = openShelf(QPoint(1310, 330));
         m_messages->show(
             empty->window().windowNumber(),
-            Message::plain(Message::Icon::warning, QStringLiteral("This is already on the shelf.")), 0);
+            Message::plain(Message::Icon::warning, QStringLiteral("This is already on the shelf.")), 0s);
         dynamic_cast<QtDragSessionView&>(empty->view()).updateHoverState(true);
         QTest::qWait(600);
 
