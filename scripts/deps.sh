@@ -7,14 +7,18 @@ build_packages=(
     qt6-base-dev qt6-base-dev-tools libgl-dev
     libx11-dev libxi-dev libxfixes-dev libx11-xcb-dev libxcb1-dev
     qt6-qpa-plugins libqt6svg6
+    libminizip-dev zlib1g-dev
 )
 test_packages=(xvfb xauth openbox xdotool x11-utils dbus-daemon dbus-x11 libglib2.0-bin python3-gi gir1.2-gtk-3.0 python3-xlib
-    chromium pcmanfm)
+    chromium firefox-esr pcmanfm unzip python3)
+# The archive benchmark times Info-ZIP's zip beside ours.
+bench_packages=(zip)
 
 wanted=("${build_packages[@]}")
 for group in "$@"; do
     case "$group" in
-        build|bench) ;;
+        build) ;;
+        bench) wanted+=("${bench_packages[@]}") ;;
         test) wanted+=("${test_packages[@]}") ;;
         *) echo "deps.sh: unknown group '$group'" >&2; exit 2 ;;
     esac

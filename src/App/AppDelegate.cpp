@@ -35,8 +35,8 @@ AppDelegate::~AppDelegate()
     if (m_rootCoordinator) {
         m_rootCoordinator->sessionController().saveOpenSessions();
     }
-    if (m_serviceProvider && m_dependencies.publishServicesProvider) {
-        m_dependencies.publishServicesProvider(nullptr);
+    if (m_serviceProvider && m_dependencies.publishRequestHandler) {
+        m_dependencies.publishRequestHandler(nullptr);
     }
 }
 
@@ -66,8 +66,8 @@ void AppDelegate::applicationDidFinishLaunching()
     applyLaunchAtLogin();
 
     m_serviceProvider = std::make_unique<VantropeServiceProvider>(*this, *m_rootCoordinator);
-    if (m_dependencies.publishServicesProvider) {
-        m_dependencies.publishServicesProvider(m_serviceProvider.get());
+    if (m_dependencies.publishRequestHandler) {
+        m_dependencies.publishRequestHandler(m_serviceProvider.get());
     }
     // Other programs read the open shelves over the session bus, so no list is written to a file.
     m_launchDate = m_dependencies.clock.now();
@@ -120,7 +120,7 @@ void AppDelegate::handleReopen()
     for (const auto& coordinator : m_rootCoordinator->sessionController().coordinators()) {
         if (!coordinator->isStopping()) {
             qCInfo(lcApp) << "We have a coordinator, showing it's window now";
-            coordinator->window().makeKeyAndOrderFront();
+            coordinator->window().showAndActivate();
             return;
         }
     }
@@ -133,7 +133,7 @@ bool AppDelegate::applicationShouldTerminate() const
     if (!m_rootCoordinator) {
         return true;
     }
-    if (!m_dependencies.preferences.value(PreferenceKeys::prefersShowInDock)) {
+    if (!m_dependencies.preferences.value(PreferenceKeys::prefersShowInTaskbar)) {
         // Without a taskbar presence only the tray menu may end the program; a stray shortcut may not.
         const MenuItemController& menu = m_rootCoordinator->menuItemController();
         return menu.isOpen() || menu.lastSelectedItem() == MenuItemController::Item::quit;

@@ -37,8 +37,8 @@ public:
         const PasteboardSource& clipboard;
         MessageWindowCenter& messages;
         const Launcher& launcher;
-        // Makes the provider answer other programs (the session bus); null while it goes away.
-        std::function<void(ApplicationRequestHandler*)> publishServicesProvider;
+        // Puts the handler on the session bus for other programs; null while it goes away.
+        std::function<void(ApplicationRequestHandler*)> publishRequestHandler;
         Clock& clock;
         FileWatcher& fileWatcher;
     };

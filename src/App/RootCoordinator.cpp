@@ -40,8 +40,8 @@ RootCoordinator::~RootCoordinator() = default;
 
 void RootCoordinator::start()
 {
-    // A Linux desktop has no per-application Dock presence to switch, so `PrefersShowInDock` only
-    // changes the termination rule.
+    // The desktop's taskbar lists the program's windows by itself; nothing here switches it, so the
+    // show-in-taskbar preference only changes the termination rule.
     // The shake and the trigger modifier: on Wayland or without the X extensions the monitor is a null
     // one that says so in the log.
     m_dragMonitor = DragMonitorFactory::create(DisplayEnvironment::detect());

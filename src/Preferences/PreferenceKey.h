@@ -53,11 +53,11 @@ using KeyCombinations = QMap<QString, KeyCombination>;
       QStringList()) \
     X(prefersSystemShareServiceSubmenu, "PrefersSystemShareServiceSubmenu", bool, atRead, \
       label("settings.actions.share-submenu", "Put the desktop's share targets in a submenu"), false) \
-    X(prefersShowInDock, "PrefersShowInDock", bool, firstRunRule, \
+    X(prefersShowInTaskbar, "PrefersShowInDock", bool, firstRunRule, \
       label("settings.general.show-in-taskbar", "Show Vantrope in the taskbar"), false) \
     X(doubleClickAction, "DoubleClickAction", int, firstRun, \
       label("settings.shelf.double-click", "Double-clicking an item"), \
-      SettingsItem::storedValue(SettingsItem::DoubleClick::revealInFinder)) \
+      SettingsItem::storedValue(SettingsItem::DoubleClick::showInFileManager)) \
     X(defaultShelfLocation, "DefaultShelfLocation", QString, atRead, \
       label("settings.shelf.location", "Where a new shelf opens"), \
       SettingsItem::storedValue(SettingsItem::ShelfLocation::topRight)) \

@@ -37,7 +37,7 @@ void Preferences::registerDefaults(const std::function<void(Preferences&)>& keyb
         }
     }
 
-    registerDefault(prefersShowInDock, std::optional(value(prefersHiddenStatusItem)));
+    registerDefault(prefersShowInTaskbar, std::optional(value(prefersHiddenStatusItem)));
     // hasLaunchedApp is only written at the end of the first start, so the top drop zone is on for a
     // fresh installation and off for users who upgrade from a version without it.
     registerDefault(notchDragEnabled, std::optional(!value(hasLaunchedApp)));

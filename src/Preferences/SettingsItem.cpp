@@ -90,7 +90,7 @@ std::optional<SettingsItem::ShakeSensitivity> SettingsItem::shakeSensitivity(int
 
 std::optional<SettingsItem::DoubleClick> SettingsItem::doubleClick(int stored)
 {
-    return fromIndex(stored, DoubleClick::quickLook);
+    return fromIndex(stored, DoubleClick::preview);
 }
 
 std::optional<SettingsItem::NotchDragHighlightBehavior> SettingsItem::notchDragHighlightBehavior(int stored)

@@ -14,7 +14,7 @@ public:
     SettingsItem() = delete;
 
     enum class ShakeSensitivity { normal, high, ludicrous };
-    enum class DoubleClick { revealInFinder, open, none, quickLook };
+    enum class DoubleClick { showInFileManager, open, none, preview };
     enum class NotchDragHighlightBehavior { always, hover, never };
     enum class ShelfTriggerModifierKey { shift, command, control };
     enum class ShelfLocation { topRight, topLeft, bottomRight, bottomLeft, center, cursor };

@@ -3,16 +3,12 @@
 #include "App/MenuItemController.h"
 #include "App/RootCoordinator.h"
 #include "App/WindowCoordinator.h"
-#include "Domains/DragSession/MessageWindowCenter.h"
-#include "Domains/DragSession/PersistentDragSessionStore.h"
-#include "Domains/SessionController/SessionController.h"
 #include "Libraries/Core/ManualClock.h"
 #include "Platform/Qt/QtDragSessionUserInterface.h"
 #include "Platform/Qt/QtScreenEnvironment.h"
-#include "Preferences/MemoryPreferenceStorage.h"
-#include "Preferences/Preferences.h"
 #include "support/FakeFileWatcher.h"
 #include "support/FakeShelfInterface.h"
+#include "support/ShelfFixture.h"
 #include "support/TestSupport.h"
 
 #include <QAction>
@@ -21,7 +17,6 @@
 #include <QFile>
 #include <QMenu>
 #include <QSignalSpy>
-#include <QTemporaryDir>
 #include <QTest>
 
 using namespace Vantrope;
@@ -37,22 +32,22 @@ private Q_SLOTS:
 
     void init()
     {
-        m_dir = std::make_unique<QTemporaryDir>();
         m_clock = std::make_unique<ManualClock>();
-        m_preferences = std::make_unique<Preferences>(std::make_unique<MemoryPreferenceStorage>());
-        m_store = std::make_unique<PersistentDragSessionStore>(
-            m_dir->filePath(QStringLiteral(".drag_sessions")), nullptr, *m_clock);
-        m_messages = std::make_unique<MessageWindowCenter>(*m_clock);
-        m_shelves = std::make_unique<QtDragSessionUserInterface>(
-            QtDragSessionUserInterface::Dependencies{*m_messages, *m_preferences, *m_clock});
-        m_launcher = std::make_unique<Launcher>(m_dir->filePath(QStringLiteral("autostart")),
+        m_shelves = std::make_unique<Test::ShelfFixture>(Test::ShelfFixture::Platform{
+            *m_clock, m_fileWatcher, m_screens, m_clipboard,
+            [](MessageWindowCenter& messages, Preferences& preferences, Clock& clock) {
+                return std::make_unique<QtDragSessionUserInterface>(
+                    QtDragSessionUserInterface::Dependencies{messages, preferences, clock});
+            },
+            false});
+        m_launcher = std::make_unique<Launcher>(m_shelves->dir.filePath(QStringLiteral("autostart")),
                                                 QStringLiteral("/opt/vantrope/bin/vantrope"));
-        m_delegate = std::make_unique<AppDelegate>(AppDelegate::Dependencies{*m_preferences,
-                                                                             *m_store,
-                                                                             *m_shelves,
+        m_delegate = std::make_unique<AppDelegate>(AppDelegate::Dependencies{m_shelves->preferences,
+                                                                             m_shelves->store,
+                                                                             *m_shelves->ui,
                                                                              m_screens,
                                                                              m_clipboard,
-                                                                             *m_messages,
+                                                                             m_shelves->messages,
                                                                              *m_launcher,
                                                                              {},
                                                                              *m_clock,
@@ -62,7 +57,7 @@ private Q_SLOTS:
     void cleanup()
     {
         m_delegate.reset();
-        m_store.reset();
+        m_shelves.reset();
     }
 
     void reopen_data()
@@ -115,7 +110,7 @@ private Q_SLOTS:
 
     void filesBeforeLaunchWaitForIt()
     {
-        const QString path = m_dir->filePath(QStringLiteral("early.txt"));
+        const QString path = m_shelves->dir.filePath(QStringLiteral("early.txt"));
         QVERIFY(Test::writeFile(path, "early"));
 
         Test::LogCapture log;
@@ -154,14 +149,14 @@ private Q_SLOTS:
         QFETCH(bool, showsIntroduction);
         QFETCH(QString, lastSeenVersion);
         if (launchedBefore) {
-            m_preferences->setValue(PreferenceKeys::hasLaunchedApp, true);
-            m_preferences->setValue(PreferenceKeys::lastSeenWhatsNewVersion, QStringLiteral("0.0.9"));
+            preferences().setValue(PreferenceKeys::hasLaunchedApp, true);
+            preferences().setValue(PreferenceKeys::lastSeenWhatsNewVersion, QStringLiteral("0.0.9"));
         }
         m_delegate->applicationDidFinishLaunching();
         const QWidget* introduction = m_delegate->rootCoordinator()->windowCoordinator().introductionWindow();
         QCOMPARE(introduction && introduction->isVisible(), showsIntroduction);
-        QCOMPARE(m_preferences->value(PreferenceKeys::lastSeenWhatsNewVersion), lastSeenVersion);
-        QCOMPARE(m_preferences->storedValue(PreferenceKeys::hasLaunchedApp), std::optional<bool>(true));
+        QCOMPARE(preferences().value(PreferenceKeys::lastSeenWhatsNewVersion), lastSeenVersion);
+        QCOMPARE(preferences().storedValue(PreferenceKeys::hasLaunchedApp), std::optional<bool>(true));
 
         // A shelf never opens behind the introduction.
         if (showsIntroduction) {
@@ -172,7 +167,7 @@ private Q_SLOTS:
 
     void termination_data()
     {
-        QTest::addColumn<bool>("showInDock");
+        QTest::addColumn<bool>("showInTaskbar");
         QTest::addColumn<bool>("menuOpen");
         QTest::addColumn<bool>("quitItem");
         QTest::addColumn<bool>("pointerOverShelf");
@@ -188,13 +183,13 @@ private Q_SLOTS:
 
     void termination()
     {
-        QFETCH(bool, showInDock);
+        QFETCH(bool, showInTaskbar);
         QFETCH(bool, menuOpen);
         QFETCH(bool, quitItem);
         QFETCH(bool, pointerOverShelf);
         QFETCH(bool, quits);
 
-        m_preferences->setValue(PreferenceKeys::prefersShowInDock, showInDock);
+        preferences().setValue(PreferenceKeys::prefersShowInTaskbar, showInTaskbar);
         m_delegate->applicationDidFinishLaunching();
         MenuItemController& menu = m_delegate->rootCoordinator()->menuItemController();
         const auto shelf = sessions().startSession(DragSessionSource::MenuBar{});
@@ -228,7 +223,7 @@ private Q_SLOTS:
         QFETCH(bool, enabled);
         // A leftover entry of an older installation must not survive "off".
         QVERIFY(Test::writeFile(m_launcher->entryPath(), "[Desktop Entry]\nExec=/old/vantrope\n"));
-        m_preferences->setValue(PreferenceKeys::launchAtLogin, enabled);
+        preferences().setValue(PreferenceKeys::launchAtLogin, enabled);
         m_delegate->applicationDidFinishLaunching();
         QCOMPARE(QFile::exists(m_launcher->entryPath()), enabled);
         if (enabled) {
@@ -236,12 +231,13 @@ private Q_SLOTS:
         }
 
         // The settings change it while running.
-        m_preferences->setValue(PreferenceKeys::launchAtLogin, !enabled);
+        preferences().setValue(PreferenceKeys::launchAtLogin, !enabled);
         QCOMPARE(QFile::exists(m_launcher->entryPath()), !enabled);
     }
 
 private:
     SessionController& sessions() const { return m_delegate->rootCoordinator()->sessionController(); }
+    Preferences& preferences() const { return m_shelves->preferences; }
 
     static QAction* action(const QMenu& menu, const QString& text)
     {
@@ -253,16 +249,12 @@ private:
         return nullptr;
     }
 
-    std::unique_ptr<QTemporaryDir> m_dir;
     std::unique_ptr<ManualClock> m_clock;
     Test::FakeFileWatcher m_fileWatcher;
-    std::unique_ptr<Preferences> m_preferences;
-    std::unique_ptr<PersistentDragSessionStore> m_store;
-    std::unique_ptr<MessageWindowCenter> m_messages;
-    std::unique_ptr<Launcher> m_launcher;
-    std::unique_ptr<QtDragSessionUserInterface> m_shelves;
     QtScreenEnvironment m_screens;
     Test::FakeClipboard m_clipboard;
+    std::unique_ptr<Test::ShelfFixture> m_shelves;
+    std::unique_ptr<Launcher> m_launcher;
     std::unique_ptr<AppDelegate> m_delegate;
 };
 

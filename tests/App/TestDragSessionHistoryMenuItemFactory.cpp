@@ -1,19 +1,14 @@
 #include "App/DragSessionHistoryMenuItemFactory.h"
-#include "Domains/DragSession/MessageWindowCenter.h"
 #include "Domains/DragSession/PersistentDragSessionFetchController.h"
-#include "Domains/DragSession/PersistentDragSessionStore.h"
-#include "Domains/SessionController/SessionController.h"
 #include "Libraries/Core/ManualClock.h"
 #include "Models/Draggable/DraggableFile.h"
-#include "Preferences/MemoryPreferenceStorage.h"
-#include "Preferences/Preferences.h"
 #include "support/FakeFileWatcher.h"
 #include "support/FakeShelfInterface.h"
+#include "support/ShelfFixture.h"
 #include "support/TestSupport.h"
 
 #include <QAction>
 #include <QMenu>
-#include <QTemporaryDir>
 #include <QTest>
 
 using namespace Vantrope;
@@ -28,29 +23,23 @@ private Q_SLOTS:
 
     void init()
     {
-        m_dir = std::make_unique<QTemporaryDir>();
         m_clock = std::make_unique<ManualClock>();
-        m_preferences = std::make_unique<Preferences>(std::make_unique<MemoryPreferenceStorage>());
-        m_store = std::make_unique<PersistentDragSessionStore>(
-            m_dir->filePath(QStringLiteral(".drag_sessions")), nullptr, *m_clock);
-        m_messages = std::make_unique<MessageWindowCenter>(*m_clock);
-        m_sessions = std::make_unique<SessionController>(SessionController::Dependencies{
-            *m_store, *m_preferences, m_ui, m_screens, *m_messages, m_clipboard, *m_clock, m_fileWatcher});
-        m_fetch = std::make_unique<PersistentDragSessionFetchController>(*m_store, [this] {
+        m_shelves = std::make_unique<Test::ShelfFixture>(
+            Test::ShelfFixture::Platform{*m_clock, m_fileWatcher, m_screens, m_clipboard});
+        m_fetch = std::make_unique<PersistentDragSessionFetchController>(m_shelves->store, [this] {
             QSet<QString> open;
-            for (const auto& coordinator : m_sessions->coordinators()) {
+            for (const auto& coordinator : sessions().coordinators()) {
                 open.insert(coordinator->id());
             }
             return open;
         });
-        m_factory = std::make_unique<DragSessionHistoryMenuItemFactory>(*m_fetch, *m_sessions);
+        m_factory = std::make_unique<DragSessionHistoryMenuItemFactory>(*m_fetch, sessions());
     }
 
     void cleanup()
     {
         m_factory.reset();
-        m_sessions.reset();
-        m_store.reset();
+        m_shelves.reset();
     }
 
     void structure_data()
@@ -77,7 +66,7 @@ private Q_SLOTS:
             save(QStringLiteral("R%1").arg(i), {QStringLiteral("r%1.txt").arg(i)});
         }
         for (int i = 0; i < openUnpinned; ++i) {
-            QVERIFY(m_sessions->openDragSession(QStringLiteral("R%1").arg(i)));
+            QVERIFY(sessions().openDragSession(QStringLiteral("R%1").arg(i)));
         }
 
         QMenu menu;
@@ -129,16 +118,16 @@ private Q_SLOTS:
         QAction* chosen = action(item == QStringLiteral("Clear List") ? *recent : *newest, item);
         QVERIFY(chosen);
         chosen->trigger();
-        m_store->flush();
+        m_shelves->store.flush();
 
-        const auto shelves = m_sessions->coordinators();
+        const auto shelves = sessions().coordinators();
         QCOMPARE(shelves.size(), openShelves);
         if (openShelves) {
             QCOMPARE(shelves.first()->id(), QStringLiteral("A"));
             QCOMPARE(shelves.first()->itemsController().items().size(), 2);
         }
         QStringList stored;
-        for (const auto& session : m_store->sessions()) {
+        for (const auto& session : m_shelves->store.sessions()) {
             stored.append(session->identifier());
         }
         QCOMPARE(stored, remaining);
@@ -175,7 +164,7 @@ private:
         DraggableList items;
         QStringList order;
         for (const QString& fileName : names) {
-            const QString path = m_dir->filePath(identifier + QLatin1Char('/') + fileName);
+            const QString path = m_shelves->dir.filePath(identifier + QLatin1Char('/') + fileName);
             Test::writeFile(path, fileName.toUtf8());
             items.append(DraggableFile::make(QUrl::fromLocalFile(path)));
             order.append(items.last()->cacheKey());
@@ -188,7 +177,7 @@ private:
         auto session = std::make_shared<PersistentDragSession>(
             identifier, m_clock->currentDateTime(), label,
             PersistentDragSession::collectBookmarks(items, [](quint64) { return std::nullopt; }), order);
-        m_store->addSessionNow(session);
+        m_shelves->store.addSessionNow(session);
         return session;
     }
 
@@ -220,16 +209,13 @@ private:
         return nullptr;
     }
 
-    std::unique_ptr<QTemporaryDir> m_dir;
+    SessionController& sessions() const { return *m_shelves->controller; }
+
     std::unique_ptr<ManualClock> m_clock;
     Test::FakeFileWatcher m_fileWatcher;
-    std::unique_ptr<Preferences> m_preferences;
-    std::unique_ptr<PersistentDragSessionStore> m_store;
-    std::unique_ptr<MessageWindowCenter> m_messages;
-    Test::FakeShelfInterface m_ui;
     Test::FakeScreens m_screens;
     Test::FakeClipboard m_clipboard;
-    std::unique_ptr<SessionController> m_sessions;
+    std::unique_ptr<Test::ShelfFixture> m_shelves;
     std::unique_ptr<PersistentDragSessionFetchController> m_fetch;
     std::unique_ptr<DragSessionHistoryMenuItemFactory> m_factory;
 };

@@ -1,28 +1,18 @@
+#include "AgentUnderTest.h"
 #include "support/TestSupport.h"
 
 #include <csignal>
 #include <QDir>
-#include <QProcess>
-#include <QProcessEnvironment>
 #include <QRegularExpression>
-#include <QTemporaryDir>
 #include <QTest>
+
+using namespace Vantrope::Test;
 
 // Starts the real program on the test display and checks that its tray item docks in a real tray host.
 class TestTrayAgent final : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
-    void init()
-    {
-        QVERIFY(m_home.isValid());
-        m_environment = QProcessEnvironment::systemEnvironment();
-        m_environment.insert(QStringLiteral("HOME"), m_home.path());
-        m_environment.insert(QStringLiteral("XDG_CONFIG_HOME"), m_home.path() + QStringLiteral("/config"));
-        m_environment.insert(QStringLiteral("XDG_DATA_HOME"), m_home.path() + QStringLiteral("/data"));
-        m_environment.insert(QStringLiteral("XDG_CACHE_HOME"), m_home.path() + QStringLiteral("/cache"));
-    }
-
     void docksInTray_data()
     {
         QTest::addColumn<bool>("trayFirst");
@@ -37,66 +27,53 @@ private Q_SLOTS:
         QFETCH(bool, trayFirst);
         QFETCH(bool, fileLogging);
 
-        const QString logs = m_home.path() + QStringLiteral("/cache/vantrope/Logs");
-        QDir(logs).removeRecursively();
-        QVERIFY(Vantrope::Test::writeFile(m_home.path() + QStringLiteral("/config/vantrope/preferences.json"),
-                                          fileLogging ? "{\"FileLoggingEnabled\": true}" : "{}"));
-
+        m_trayOutput.clear();
+        AgentUnderTest agent;
+        const QString logs = agent.path(QStringLiteral("cache/vantrope/Logs"));
+        QVERIFY(writeFile(agent.path(QStringLiteral("config/vantrope/preferences.json")),
+                          fileLogging ? "{\"FileLoggingEnabled\": true}" : "{}"));
         QProcess tray;
-        QProcess agent;
-        agent.setProcessEnvironment(m_environment);
+        const auto startTray = [&tray, this] {
+            tray.start(QStringLiteral(TRAY_HOST_BINARY), {});
+            return tray.waitForStarted() &&
+                   QTest::qWaitFor([&] { return trayOutput(tray).startsWith("ready\n"); }, 5000);
+        };
         if (trayFirst) {
-            startTray(tray);
+            QVERIFY(startTray());
         }
-        agent.start(QStringLiteral(VANTROPE_BINARY), {});
-        QVERIFY(agent.waitForStarted());
-        QTRY_VERIFY_WITH_TIMEOUT(m_agentLog.append(agent.readAllStandardError()).contains("started on xcb"),
-                                 10000);
+        QVERIFY(agent.start());
         if (!trayFirst) {
-            QVERIFY2(m_agentLog.contains("No system tray is running yet"), m_agentLog.constData());
-            startTray(tray);
+            QVERIFY2(agent.log().contains("No system tray is running yet"), agent.log().constData());
+            QVERIFY(startTray());
         }
 
-        QTRY_VERIFY_WITH_TIMEOUT(m_trayOutput.append(tray.readAllStandardOutput()).contains("docked"), 10000);
-        const QRegularExpression docked(QStringLiteral("docked 0x[0-9a-f]+ (\\d+)"));
-        const auto match = docked.match(QString::fromLatin1(m_trayOutput));
+        QTRY_VERIFY_WITH_TIMEOUT(trayOutput(tray).contains("docked"), 10000);
+        const auto match = QRegularExpression(QStringLiteral("docked 0x[0-9a-f]+ (\\d+)"))
+                               .match(QString::fromLatin1(m_trayOutput));
         QVERIFY(match.hasMatch());
-        QCOMPARE(match.captured(1).toLongLong(), agent.processId());
+        QCOMPARE(match.captured(1).toLongLong(), agent.process().processId());
 
         // A session manager's SIGTERM ends the program cleanly.
-        ::kill(static_cast<pid_t>(agent.processId()), SIGTERM);
-        QVERIFY(agent.waitForFinished(10000));
-        QCOMPARE(agent.exitStatus(), QProcess::NormalExit);
-        QCOMPARE(agent.exitCode(), 0);
-        m_agentLog.append(agent.readAllStandardError());
-        QVERIFY2(m_agentLog.contains("Vantrope stopped"), m_agentLog.constData());
+        ::kill(static_cast<pid_t>(agent.process().processId()), SIGTERM);
+        QVERIFY(agent.process().waitForFinished(10000));
+        QCOMPARE(agent.process().exitStatus(), QProcess::NormalExit);
+        QCOMPARE(agent.process().exitCode(), 0);
+        QVERIFY2(agent.log().contains("Vantrope stopped"), agent.log().constData());
 
         const QStringList logFiles = QDir(logs).entryList({QStringLiteral("vantrope-*.log")}, QDir::Files);
         QCOMPARE(logFiles.size(), fileLogging ? 1 : 0);
         if (fileLogging) {
-            const QByteArray written = Vantrope::Test::readFile(QDir(logs).filePath(logFiles.first()));
+            const QByteArray written = readFile(QDir(logs).filePath(logFiles.first()));
             QVERIFY2(written.contains("info vantrope.app: Vantrope 0.1.0 started on xcb (main.cpp:"),
                      written.constData());
         }
-
         tray.kill();
         tray.waitForFinished();
-        m_agentLog.clear();
-        m_trayOutput.clear();
     }
 
 private:
-    void startTray(QProcess& tray)
-    {
-        tray.start(QStringLiteral(TRAY_HOST_BINARY), {});
-        QVERIFY(tray.waitForStarted());
-        QTRY_VERIFY_WITH_TIMEOUT(m_trayOutput.append(tray.readAllStandardOutput()).startsWith("ready\n"),
-                                 5000);
-    }
+    QByteArray trayOutput(QProcess& tray) { return m_trayOutput.append(tray.readAllStandardOutput()); }
 
-    QTemporaryDir m_home;
-    QProcessEnvironment m_environment;
-    QByteArray m_agentLog;
     QByteArray m_trayOutput;
 };
 

@@ -75,7 +75,7 @@ StoredValues firstStartWrites(bool upgrade)
             expected[definition.key] = definition.defaultValue;
         }
     }
-    expected[K::prefersShowInDock] = false; // as prefersHiddenStatusItem, unset here
+    expected[K::prefersShowInTaskbar] = false; // as prefersHiddenStatusItem, unset here
     expected[K::notchDragEnabled] = !upgrade;
     if (upgrade) {
         expected[K::hasLaunchedApp] = true;
@@ -370,9 +370,9 @@ private Q_SLOTS:
         QTest::addColumn<QVariant>("expected");
 
         QTest::newRow("hidden tray icon shows in taskbar")
-            << K::prefersHiddenStatusItem << QVariant(true) << K::prefersShowInDock << QVariant(true);
+            << K::prefersHiddenStatusItem << QVariant(true) << K::prefersShowInTaskbar << QVariant(true);
         QTest::newRow("hidden tray icon of wrong type")
-            << K::prefersHiddenStatusItem << QVariant(1) << K::prefersShowInDock << QVariant(false);
+            << K::prefersHiddenStatusItem << QVariant(1) << K::prefersShowInTaskbar << QVariant(false);
         // A wrongly typed value is overwritten; each type's strictness is checked above.
         QTest::newRow("int as text") << K::doubleClickAction << QVariant(u"0"_s) << K::doubleClickAction
                                      << QVariant(0);

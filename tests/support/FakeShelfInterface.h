@@ -17,7 +17,7 @@ public:
     void setAlphaValue(double alpha, bool) override { m_alpha = alpha; }
     QRectF frame() const override { return m_frame; }
     void setFrameOrigin(const QPointF& origin) override { m_frame.moveTopLeft(origin); }
-    void makeKeyAndOrderFront() override { m_visible = true; }
+    void showAndActivate() override { m_visible = true; }
     void showWithoutActivating() override { m_visible = true; }
     quint64 windowNumber() const override { return m_number; }
     void close() override { m_closed = true; }
@@ -105,6 +105,11 @@ class FakeClipboard final : public PasteboardSource {
 public:
     int changeCount() const override { return m_pasteboard.changeCount(); }
     Pasteboard pasteboard() const override { return m_pasteboard; }
+    // New content, as another program's copy would leave it.
+    void set(QList<PasteboardItem> items)
+    {
+        m_pasteboard = Pasteboard(std::move(items), m_pasteboard.changeCount() + 1);
+    }
 
     Pasteboard m_pasteboard;
 };

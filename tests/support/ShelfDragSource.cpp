@@ -4,6 +4,8 @@
 //   --kind files|text|link|image|xds|ark   what the drag carries
 //   --file PATH (repeatable)               the files of a "files" drag
 //   --xds-name NAME --xds-mode S|F|E       the name a direct save proposes and how the source answers
+//   --delay MS                             start the drag MS milliseconds after the press instead of
+//                                          on the first motion
 //
 // A direct save source names its file in the XdndDirectSave0 property of its XDND window (Qt's
 // selection owner window) and, asked for the XdndDirectSave0 target, saves to the URI the drop target
@@ -152,11 +154,12 @@ QByteArray pictureBytes()
 
 class DragSourceWidget final : public QWidget {
 public:
-    DragSourceWidget(QString kind, QStringList files, QByteArray xdsName, char xdsMode)
+    DragSourceWidget(QString kind, QStringList files, QByteArray xdsName, char xdsMode, int delay)
         : m_kind(std::move(kind))
         , m_files(std::move(files))
         , m_xdsName(std::move(xdsName))
         , m_xdsMode(xdsMode)
+        , m_delay(delay)
     {
         if (m_kind == QLatin1String("ark")) {
             QDBusConnection::sessionBus().registerObject(QStringLiteral("/DndExtract/1"), &m_extractor,
@@ -169,12 +172,15 @@ protected:
     {
         if (event->button() == Qt::LeftButton) {
             m_pressPosition = event->position().toPoint();
+            if (m_delay >= 0) {
+                QTimer::singleShot(m_delay, this, [this] { startDrag(); });
+            }
         }
     }
 
     void mouseMoveEvent(QMouseEvent* event) override
     {
-        if ((event->buttons() & Qt::LeftButton) &&
+        if (m_delay < 0 && (event->buttons() & Qt::LeftButton) &&
             (event->position().toPoint() - m_pressPosition).manhattanLength() >=
                 QApplication::startDragDistance()) {
             startDrag();
@@ -244,6 +250,7 @@ private:
     QStringList m_files;
     QByteArray m_xdsName;
     char m_xdsMode;
+    int m_delay;
     ArkExtractor m_extractor;
     QPoint m_pressPosition;
     bool m_dragging = false;
@@ -267,7 +274,8 @@ int main(int argc, char* argv[])
     }
     DragSourceWidget window(option(QStringLiteral("--kind"), QStringLiteral("files")), files,
                             option(QStringLiteral("--xds-name"), QStringLiteral("promised.txt")).toUtf8(),
-                            option(QStringLiteral("--xds-mode"), QStringLiteral("S")).at(0).toLatin1());
+                            option(QStringLiteral("--xds-mode"), QStringLiteral("S")).at(0).toLatin1(),
+                            option(QStringLiteral("--delay"), QStringLiteral("-1")).toInt());
     window.setWindowTitle(QStringLiteral("Shelf drag source"));
     window.setGeometry(40, 60, 300, 220);
     window.show();

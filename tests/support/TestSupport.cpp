@@ -122,6 +122,69 @@ bool runXdotool(const QStringList& arguments, int timeoutMilliseconds)
     return xdotool.exitStatus() == QProcess::NormalExit && xdotool.exitCode() == 0;
 }
 
+HelperProgram::HelperProgram()
+{
+    m_process.setProcessChannelMode(QProcess::ForwardedErrorChannel);
+}
+
+HelperProgram::~HelperProgram()
+{
+    stop();
+}
+
+QPoint HelperProgram::start(const QString& program, const QStringList& arguments)
+{
+    stop();
+    m_process.start(program, arguments);
+    if (!m_process.waitForStarted() || !waitFor("ready ")) {
+        return {};
+    }
+    const QList<QByteArray> ready = m_output.mid(m_output.indexOf("ready ")).split('\n').first().split(' ');
+    return ready.size() == 3 ? QPoint(ready[1].toInt(), ready[2].toInt()) : QPoint();
+}
+
+void HelperProgram::stop()
+{
+    if (m_process.state() != QProcess::NotRunning) {
+        m_process.kill();
+        m_process.waitForFinished();
+    }
+    m_output.clear();
+}
+
+bool HelperProgram::waitFor(const QByteArray& text, int timeoutMilliseconds)
+{
+    return QTest::qWaitFor([&] { return output().contains(text); }, timeoutMilliseconds);
+}
+
+QByteArray HelperProgram::output()
+{
+    return m_output.append(m_process.readAllStandardOutput());
+}
+
+QByteArray HelperProgram::typeValue(const QByteArray& type)
+{
+    const QByteArray prefix = "type " + type + ' ';
+    for (const QByteArray& line : output().split('\n')) {
+        if (line.startsWith(prefix)) {
+            return line.mid(prefix.size());
+        }
+    }
+    return {};
+}
+
+bool takeDragSelection()
+{
+    return QProcess::execute(
+               QStringLiteral("/usr/bin/python3"),
+               {QStringLiteral("-c"),
+                QStringLiteral("from Xlib import X, display\n"
+                               "d = display.Display()\n"
+                               "w = d.screen().root.create_window(0, 0, 1, 1, 0, 0)\n"
+                               "w.set_selection_owner(d.intern_atom('XdndSelection'), X.CurrentTime)\n"
+                               "d.sync()\n")}) == 0;
+}
+
 UnreadableFolder::UnreadableFolder(const QString& folder)
     : m_folder(folder)
 {

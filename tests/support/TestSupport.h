@@ -1,6 +1,8 @@
 #pragma once
 
 #include <QByteArray>
+#include <QPoint>
+#include <QProcess>
 #include <QString>
 #include <QStringList>
 #include <QtMessageHandler>
@@ -34,6 +36,34 @@ QByteArray readFile(const QString& path);
 // Runs xdotool with `arguments` (a PointerScript's, say) while this thread's event loop goes on, so the
 // program under test answers the input as it comes. True when xdotool finished in time and succeeded.
 bool runXdotool(const QStringList& arguments, int timeoutMilliseconds = 30000);
+
+// One of the small programs that play the other side of a drag on the test display. Each prints
+// "ready X Y" (its centre in root coordinates) once it is placed, then a line for each thing it saw.
+class HelperProgram final {
+public:
+    HelperProgram();
+    ~HelperProgram();
+    HelperProgram(const HelperProgram&) = delete;
+    HelperProgram& operator=(const HelperProgram&) = delete;
+
+    // Starts it and waits until it is placed: its centre, or a null point.
+    QPoint start(const QString& program, const QStringList& arguments = {});
+    // Kills it and forgets what it printed.
+    void stop();
+    // True once it has printed `text`.
+    bool waitFor(const QByteArray& text, int timeoutMilliseconds = 15000);
+    // Everything it has printed so far.
+    QByteArray output();
+    // What a drop target printed on its "type TYPE VALUE" line.
+    QByteArray typeValue(const QByteArray& type);
+
+private:
+    QProcess m_process;
+    QByteArray m_output;
+};
+
+// Makes another program own the drag selection, as its own drag would.
+bool takeDragSelection();
 
 // While it lives, a folder without permissions that this thread cannot list even as root: it drops the
 // capabilities that override permissions. The destructor gives them back and the owner every permission.

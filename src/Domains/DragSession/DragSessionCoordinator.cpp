@@ -102,7 +102,7 @@ void DragSessionCoordinator::start(const QPointF& origin)
         m_source.is<DragSessionSource::Custom>()) {
         m_window->showWithoutActivating();
     } else {
-        m_window->makeKeyAndOrderFront();
+        m_window->showAndActivate();
     }
     if (!m_source.is<DragSessionSource::Gesture>() && !m_source.is<DragSessionSource::HotKey>()) {
         m_view->playAttentionAnimation();

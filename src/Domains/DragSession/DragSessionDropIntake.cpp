@@ -95,10 +95,13 @@ Pasteboard DragSessionDropIntake::pasteboard(const QMimeData& data,
     for (const QString& format : formats) {
         if (format == PasteboardTypes::directSave) {
             copy.setData(format, directSaveName.value_or(QByteArray()));
-        } else if (format == PasteboardTypes::mozillaNativeImage ||
-                   format == PasteboardTypes::mozillaFilePromiseURL) {
-            // Only their presence marks the drag.
+        } else if (format == PasteboardTypes::mozillaNativeImage) {
+            // Only its presence marks the drag.
             copy.setData(format, QByteArray());
+        } else if (format == PasteboardTypes::mozillaFilePromiseURL ||
+                   format == PasteboardTypes::mozillaFilePromiseDestinationName) {
+            // Where the picture came from and its name: a few bytes that name the file on the shelf.
+            copy.setData(format, browserImage ? data.data(format) : QByteArray());
         } else if (format == octetStream) {
             // The body of a direct save; fetched only when the source asks for it.
         } else if (format.startsWith(QLatin1String("image/"))) {

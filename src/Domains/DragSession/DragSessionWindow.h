@@ -21,7 +21,7 @@ public:
     virtual QRectF frame() const = 0;
     virtual void setFrameOrigin(const QPointF& origin) = 0;
     // Shows the window above the others and gives it focus.
-    virtual void makeKeyAndOrderFront() = 0;
+    virtual void showAndActivate() = 0;
     // Shows the window above the others and leaves the focus where it is, so that a drag in progress
     // keeps its source window active.
     virtual void showWithoutActivating() = 0;

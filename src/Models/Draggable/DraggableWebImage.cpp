@@ -13,6 +13,7 @@
 #include <QDir>
 #include <QFileInfo>
 #include <QImageReader>
+#include <QMimeDatabase>
 #include <QPainter>
 #include <QUrl>
 #include <QUuid>
@@ -39,11 +40,11 @@ QImage flattened(const QImage& image)
 // Formats kept as the page had them; anything else becomes a JPEG.
 const QList<QByteArray> keptFormats{"png", "jpeg", "gif", "webp"};
 
-// The picture's own name as the browser offers it, without its extension; empty when there is none.
-QString offeredName(const PasteboardItem& item)
+// The picture's own file name as the browser offers it; empty when there is none.
+QString offeredFileName(const PasteboardItem& item)
 {
     QString name;
-    if (const auto data = item.data(QStringLiteral("application/x-moz-file-promise-dest-filename"))) {
+    if (const auto data = item.data(PasteboardTypes::mozillaFilePromiseDestinationName)) {
         name = DraggableValues::decodeText(*data).value_or(QString()).section(QLatin1Char('\n'), 0, 0);
     }
     for (const QString& type : {PasteboardTypes::mozillaFilePromiseURL, PasteboardTypes::mozillaURL}) {
@@ -53,7 +54,12 @@ QString offeredName(const PasteboardItem& item)
         if (const auto data = item.data(type)) {
             const QUrl url(
                 DraggableValues::decodeText(*data).value_or(QString()).section(QLatin1Char('\n'), 0, 0));
-            name = url.fileName();
+            // A data: or blob: address names no file; its path would make a name of garbage.
+            static const QStringList named{QStringLiteral("http"), QStringLiteral("https"),
+                                           QStringLiteral("ftp"), QStringLiteral("file")};
+            if (named.contains(url.scheme())) {
+                name = url.fileName();
+            }
         }
     }
     name = QFileInfo(name.trimmed()).fileName();
@@ -64,8 +70,20 @@ QString offeredName(const PasteboardItem& item)
     while (name.startsWith(QLatin1Char('.'))) {
         name.remove(0, 1);
     }
-    // The extension comes from the bytes, not from the name.
-    return QFileInfo(name).completeBaseName().left(100).trimmed();
+    return name;
+}
+
+// A browser offers one picture in several encodings; the one its file name names is the page's own, the
+// others are made from it.
+QString ownType(const PasteboardItem& item, const QString& offered)
+{
+    const QString suffix = QFileInfo(offeredFileName(item)).suffix();
+    if (suffix.isEmpty()) {
+        return offered;
+    }
+    const QString named =
+        QMimeDatabase().mimeTypeForFile(QStringLiteral("x.") + suffix, QMimeDatabase::MatchExtension).name();
+    return item.hasType(named) ? named : offered;
 }
 
 } // namespace
@@ -82,10 +100,11 @@ QStringList DraggableWebImage::readableTypes()
     return types;
 }
 
-std::shared_ptr<DraggableWebImage>
-DraggableWebImage::fromPasteboard(const PasteboardItem& item, const QString& type, const DraggableContext&)
+std::shared_ptr<DraggableWebImage> DraggableWebImage::fromPasteboard(const PasteboardItem& item,
+                                                                     const QString& offeredType,
+                                                                     const DraggableContext&)
 {
-    const std::optional<QByteArray> data = item.data(type);
+    const std::optional<QByteArray> data = item.data(ownType(item, offeredType));
     if (!data) {
         qCWarning(lcDraggable) << "Initialized object is not data";
         return nullptr;
@@ -100,7 +119,8 @@ DraggableWebImage::fromPasteboard(const PasteboardItem& item, const QString& typ
     const QByteArray format = QImageReader(&original).format();
     if (keptFormats.contains(format)) {
         // The page's own bytes under the page's own name, in a folder of their own so names never meet.
-        const QString name = offeredName(item);
+        // The extension comes from the bytes, not from the name.
+        const QString name = QFileInfo(offeredFileName(item)).completeBaseName().left(100).trimmed();
         const std::optional<QString> folder = DraggableStorage::filePath(
             ReservedTemporaryDirectory::promises, QUuid::createUuid().toString(QUuid::WithoutBraces));
         if (!folder || !QDir().mkpath(*folder)) {

@@ -121,8 +121,6 @@ QByteArray DraggableWeblocation::propertyList(const QUrl& address)
     writer.setAutoFormatting(true);
     writer.setAutoFormattingIndent(-1);
     writer.writeStartDocument();
-    writer.writeDTD(QStringLiteral("<!DOCTYPE plist PUBLIC \"-//Apple//DTD PLIST 1.0//EN\" "
-                                   "\"http://www.apple.com/DTDs/PropertyList-1.0.dtd\">"));
     writer.writeStartElement(QStringLiteral("plist"));
     writer.writeAttribute(QStringLiteral("version"), QStringLiteral("1.0"));
     writer.writeStartElement(QStringLiteral("dict"));

@@ -24,6 +24,8 @@ inline const QString jpeg = QStringLiteral("image/jpeg");
 // A browser's image drag: Firefox marks it with one of these beside an image type.
 inline const QString mozillaNativeImage = QStringLiteral("application/x-moz-nativeimage");
 inline const QString mozillaFilePromiseURL = QStringLiteral("application/x-moz-file-promise-url");
+inline const QString mozillaFilePromiseDestinationName =
+    QStringLiteral("application/x-moz-file-promise-dest-filename");
 
 // File promises: the X Direct Save protocol and KDE Ark's extraction service.
 inline const QString directSave = QStringLiteral("XdndDirectSave0");

@@ -19,8 +19,8 @@ struct ShelfSummary {
     QStringList items;
 };
 
-// What a running Vantrope does for other programs and for its own command line: the Linux stand-in
-// for the Services menu, open-file requests, reopen and the automation intents.
+// What a running Vantrope does for other programs over its D-Bus interface and for its own command
+// line: adding files to a shelf, open-file requests, reopen and the automation intents.
 class ApplicationRequestHandler {
 public:
     struct Error {

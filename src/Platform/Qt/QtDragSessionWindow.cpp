@@ -160,7 +160,7 @@ void QtDragSessionWindow::setFrameOrigin(const QPointF& origin)
     m_widget->move(placed.topLeft().toPoint());
 }
 
-void QtDragSessionWindow::makeKeyAndOrderFront()
+void QtDragSessionWindow::showAndActivate()
 {
     m_widget->setAttribute(Qt::WA_ShowWithoutActivating, false);
     unpark();

@@ -37,7 +37,7 @@ public:
     void setAlphaValue(double alpha, bool animated) override;
     QRectF frame() const override;
     void setFrameOrigin(const QPointF& origin) override;
-    void makeKeyAndOrderFront() override;
+    void showAndActivate() override;
     void showWithoutActivating() override;
     quint64 windowNumber() const override { return m_windowNumber; }
     void close() override;

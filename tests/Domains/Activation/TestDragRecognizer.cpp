@@ -1,10 +1,10 @@
 #include "Domains/Activation/DragRecognizer.h"
 #include "Domains/Activation/DragRecognizerConfiguration.h"
-#include "Domains/Activation/DragRecognizerDelegate.h"
 #include "Domains/Activation/TransientProperties.h"
 #include "Libraries/Core/ManualClock.h"
 #include "Preferences/MemoryPreferenceStorage.h"
 #include "Preferences/Preferences.h"
+#include "support/RecordingRecognizerDelegate.h"
 #include "support/TestSupport.h"
 
 #include <QTest>
@@ -52,15 +52,6 @@ public:
                                      {0x400, QString(), false}};
 };
 
-class RecordingDelegate final : public DragRecognizerDelegate {
-public:
-    void dragRecognizerDidBegin(std::optional<QPointF> location) override { began.append(location); }
-    void dragRecognizerDidEnd(SessionCloseFilter filter) override { ended.append(filter); }
-
-    QList<std::optional<QPointF>> began;
-    QList<SessionCloseFilter> ended;
-};
-
 // x positions of a normal shake that completes on its last point: three set-up points, then six runs.
 QList<double> completingShake()
 {
@@ -91,7 +82,7 @@ private Q_SLOTS:
         m_properties = std::make_unique<TransientProperties>();
         m_recognizer =
             std::make_unique<DragRecognizer>(*m_monitor, *m_clock, DispatchQueue::main(), m_properties.get());
-        m_delegate = std::make_unique<RecordingDelegate>();
+        m_delegate = std::make_unique<Test::RecordingRecognizerDelegate>();
         m_recognizer->setDelegate(m_delegate.get());
         m_recognizer->setIgnoredApplications({u"Terminal"_s});
     }
@@ -425,7 +416,7 @@ private:
     std::unique_ptr<FakeDragMonitor> m_monitor;
     std::unique_ptr<TransientProperties> m_properties;
     std::unique_ptr<DragRecognizer> m_recognizer;
-    std::unique_ptr<RecordingDelegate> m_delegate;
+    std::unique_ptr<Test::RecordingRecognizerDelegate> m_delegate;
 };
 
 QTEST_GUILESS_MAIN(TestDragRecognizer)

@@ -3,13 +3,36 @@
 #include "Domains/DirectoryObserver/DirectoryObserver.h"
 #include "Libraries/Core/ManualClock.h"
 #include "support/FakeDirectoryWatcher.h"
+#include "support/TestSupport.h"
 
 #include <functional>
 #include <QCoreApplication>
+#include <QDir>
 #include <QFile>
+#include <QTemporaryDir>
 #include <sys/xattr.h>
 
 namespace Vantrope::Test {
+
+// A folder to watch inside a fresh temporary one, a ManualClock and a fake watcher.
+struct FolderFixture {
+    explicit FolderFixture(const QString& name = QStringLiteral("watched"))
+        : folder(root.path() + QLatin1Char('/') + name)
+    {
+        QDir().mkpath(folder);
+    }
+
+    QString path(const QString& relative) const { return folder + QLatin1Char('/') + relative; }
+    bool write(const QString& relative, const QByteArray& data = "content") const
+    {
+        return writeFile(path(relative), data);
+    }
+
+    QTemporaryDir root;
+    QString folder;
+    ManualClock clock;
+    FakeDirectoryWatcher watcher;
+};
 
 // Runs the listings the throttle holds and what they post to the main queue, until nothing is left.
 inline void settle(ManualClock& clock)

@@ -14,18 +14,13 @@ Q_DECLARE_METATYPE(Vantrope::DirectoryObserverStatus)
 
 namespace {
 
-struct Fixture {
-    QTemporaryDir root;
-    QString folder = root.path() + u"/watched"_s;
-    ManualClock clock;
-    Test::FakeDirectoryWatcher watcher;
+struct Fixture : Test::FolderFixture {
     std::unique_ptr<DirectoryObserver> observer;
     QList<QUrl> reported;
     int reports = 0;
 
     explicit Fixture(bool nested = false)
     {
-        QDir().mkpath(folder);
         observer =
             std::make_unique<DirectoryObserver>(QUrl::fromLocalFile(folder), QList<DirectoryObserverFilter>{},
                                                 nested, std::nullopt, clock, watcher);
@@ -35,7 +30,6 @@ struct Fixture {
         });
     }
 
-    QString path(const QString& relative) const { return folder + QLatin1Char('/') + relative; }
     QStringList watchedRelativePaths() const
     {
         QStringList paths;
@@ -43,10 +37,6 @@ struct Fixture {
             paths.append(QDir(folder).relativeFilePath(watched));
         }
         return paths;
-    }
-    bool write(const QString& relative, const QByteArray& data = "content") const
-    {
-        return Test::writeFile(path(relative), data);
     }
     bool mkdir(const QString& relative) const { return QDir().mkpath(path(relative)); }
     bool pass()

@@ -39,25 +39,17 @@ struct TestShelves final : DirectoryObserverCoordinatorDataSource {
     }
 };
 
-struct Fixture {
-    QTemporaryDir root;
-    QString folder = root.path() + u"/Inbox"_s;
-    ManualClock clock;
-    Test::FakeDirectoryWatcher watcher;
+struct Fixture : Test::FolderFixture {
     TestShelves shelves;
     DirectoryObserverCoordinator coordinator{clock, watcher};
 
     Fixture()
+        : FolderFixture(u"Inbox"_s)
     {
-        QDir().mkpath(folder);
         coordinator.setDataSource(&shelves);
     }
 
     QUrl url() const { return QUrl::fromLocalFile(folder); }
-    bool write(const QString& name) const
-    {
-        return Test::writeFile(folder + QLatin1Char('/') + name, "content");
-    }
     bool pass()
     {
         return Test::runPass(clock, watcher,

@@ -16,18 +16,13 @@ using namespace Qt::StringLiterals;
 namespace {
 
 // One observer on a fresh temporary folder, with what it reported.
-struct Fixture {
-    QTemporaryDir root;
-    QString folder = root.path() + u"/watched"_s;
-    ManualClock clock;
-    Test::FakeDirectoryWatcher watcher;
+struct Fixture : Test::FolderFixture {
     FileSystemChangeObserver observer{QUrl::fromLocalFile(folder), 50, 400ms, clock, watcher};
     QList<QStringList> added;
     QList<FileSystemChangeObserver::Items> removed;
 
     Fixture()
     {
-        QDir().mkpath(folder);
         observer.setOnAdded([this](const FileSystemChangeObserver::Items& items) {
             added.append(QStringList());
             for (const DirectoryObserverItem& item : items) {
@@ -38,11 +33,6 @@ struct Fixture {
             [this](const FileSystemChangeObserver::Items& items) { removed.append(items); });
     }
 
-    QString path(const QString& name) const { return folder + u'/' + name; }
-    bool write(const QString& name, const QByteArray& data = "content") const
-    {
-        return Test::writeFile(path(name), data);
-    }
     bool pass()
     {
         return Test::runPass(clock, watcher, [this] { return observer.passCount(); });

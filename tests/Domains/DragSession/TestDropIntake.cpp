@@ -6,6 +6,7 @@
 #include "Models/Draggable/DraggableText.h"
 #include "Models/Draggable/DraggableWeblocation.h"
 #include "Models/Pasteboard/PasteboardTypes.h"
+#include "support/FakeShelfInterface.h"
 #include "support/TestSupport.h"
 
 #include <QDir>
@@ -31,19 +32,6 @@ PasteboardItem itemWith(std::initializer_list<std::pair<QString, QByteArray>> en
     }
     return item;
 }
-
-class FakeClipboard final : public PasteboardSource {
-public:
-    int changeCount() const override { return m_pasteboard.changeCount(); }
-    Pasteboard pasteboard() const override { return m_pasteboard; }
-    void set(QList<PasteboardItem> items)
-    {
-        m_pasteboard = Pasteboard(std::move(items), m_pasteboard.changeCount() + 1);
-    }
-
-private:
-    Pasteboard m_pasteboard;
-};
 
 } // namespace
 
@@ -199,7 +187,7 @@ private Q_SLOTS:
 
     void clipboardIsCachedPerChange()
     {
-        FakeClipboard clipboard;
+        Test::FakeClipboard clipboard;
         DragSessionPasteboardController::clearSharedCache();
         DragSessionPasteboardController controller(clipboard);
         clipboard.set({itemWith({{PasteboardTypes::uriList, QUrl::fromLocalFile(m_full).toEncoded()}})});
@@ -217,7 +205,7 @@ private Q_SLOTS:
 
     void clipboardWithAMissingFileGivesNothing()
     {
-        FakeClipboard clipboard;
+        Test::FakeClipboard clipboard;
         DragSessionPasteboardController::clearSharedCache();
         DragSessionPasteboardController controller(clipboard);
         const QString doomed = writeFile(QStringLiteral("doomed.txt"), "soon gone");
@@ -240,7 +228,7 @@ private Q_SLOTS:
     {
         QFETCH(int, count);
         QFETCH(int, expected);
-        FakeClipboard clipboard;
+        Test::FakeClipboard clipboard;
         DragSessionPasteboardController::clearSharedCache();
         DragSessionPasteboardController controller(clipboard);
         QList<PasteboardItem> items;

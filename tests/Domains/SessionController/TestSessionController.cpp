@@ -1,21 +1,15 @@
-#include "Domains/DragSession/MessageWindowCenter.h"
-#include "Domains/DragSession/PersistentDragSessionStore.h"
-#include "Domains/SessionController/SessionController.h"
 #include "Libraries/Core/ManualClock.h"
-#include "Models/Draggable/DraggableFile.h"
 #include "Models/Draggable/DraggablePromise.h"
-#include "Models/Draggable/FilePromiseTransport.h"
 #include "Models/Pasteboard/PasteboardTypes.h"
-#include "Preferences/MemoryPreferenceStorage.h"
-#include "Preferences/Preferences.h"
 #include "support/FakeFileWatcher.h"
 #include "support/FakeShelfInterface.h"
+#include "support/OneFilePromiseTransport.h"
+#include "support/ShelfFixture.h"
 #include "support/TestSupport.h"
 
 #include <QFile>
 #include <QMimeData>
 #include <QSignalSpy>
-#include <QTemporaryDir>
 #include <QTest>
 
 using namespace Vantrope;
@@ -30,22 +24,12 @@ private Q_SLOTS:
 
     void init()
     {
-        m_dir = std::make_unique<QTemporaryDir>();
         m_clock = std::make_unique<ManualClock>();
-        m_preferences = std::make_unique<Preferences>(std::make_unique<MemoryPreferenceStorage>());
-        m_store = std::make_unique<PersistentDragSessionStore>(
-            m_dir->filePath(QStringLiteral(".drag_sessions")), nullptr, *m_clock);
-        m_ui = std::make_unique<Test::FakeShelfInterface>();
-        m_messages = std::make_unique<MessageWindowCenter>(*m_clock);
-        m_controller = std::make_unique<SessionController>(SessionController::Dependencies{
-            *m_store, *m_preferences, *m_ui, m_screens, *m_messages, m_clipboard, *m_clock, m_fileWatcher});
+        m_shelves = std::make_unique<Test::ShelfFixture>(
+            Test::ShelfFixture::Platform{*m_clock, m_fileWatcher, m_screens, m_clipboard});
     }
 
-    void cleanup()
-    {
-        m_controller.reset();
-        m_store.reset();
-    }
+    void cleanup() { m_shelves.reset(); }
 
     void gestureOpensAShelfUnlessAnEmptyOneIsVisible_data()
     {
@@ -62,18 +46,18 @@ private Q_SLOTS:
         QFETCH(QString, existing);
         QFETCH(bool, opens);
         if (!existing.isEmpty()) {
-            auto shelf = m_controller->startSession(DragSessionSource::MenuBar{});
+            auto shelf = controller().startSession(DragSessionSource::MenuBar{});
             if (existing == QStringLiteral("hidden")) {
-                m_ui->m_windows.last()->m_visible = false;
+                ui().m_windows.last()->m_visible = false;
             } else if (existing == QStringLiteral("full")) {
                 shelf->appendItems({file(QStringLiteral("held.txt"))});
             }
         }
-        const auto before = m_controller->coordinators().size();
-        m_controller->gestureBegan(QPointF(300, 300));
-        QCOMPARE(m_controller->coordinators().size(), before + (opens ? 1 : 0));
+        const auto before = controller().coordinators().size();
+        controller().gestureBegan(QPointF(300, 300));
+        QCOMPARE(controller().coordinators().size(), before + (opens ? 1 : 0));
         if (opens) {
-            const auto shelf = m_controller->coordinators().last();
+            const auto shelf = controller().coordinators().last();
             QVERIFY(shelf->source().is<DragSessionSource::Gesture>());
             // Centred on the point of the gesture.
             QCOMPARE(shelf->window().frame().center(), QPointF(300, 300));
@@ -95,11 +79,11 @@ private Q_SLOTS:
     {
         QFETCH(QString, state);
         QFETCH(bool, closes);
-        m_controller->gestureBegan(QPointF(500, 500));
-        auto shelf = m_controller->coordinators().first();
+        controller().gestureBegan(QPointF(500, 500));
+        auto shelf = controller().coordinators().first();
         if (state == QStringLiteral("message")) {
-            m_messages->show(shelf->window().windowNumber(),
-                             Message::plain(Message::Icon::info, QStringLiteral("hi")), 0s);
+            m_shelves->messages.show(shelf->window().windowNumber(),
+                                     Message::plain(Message::Icon::info, QStringLiteral("hi")), 0s);
         } else if (state == QStringLiteral("instant")) {
             shelf->setPendingInstantAction(QStringLiteral("mail"));
         } else if (state == QStringLiteral("reading")) {
@@ -110,24 +94,24 @@ private Q_SLOTS:
         } else if (state == QStringLiteral("items")) {
             shelf->appendItems({file(QStringLiteral("kept.txt"))});
         }
-        m_controller->gestureEnded();
-        QTRY_COMPARE(m_controller->coordinators().isEmpty(), closes);
-        QCOMPARE(m_ui->m_windows.first()->m_closed, closes);
+        controller().gestureEnded();
+        QTRY_COMPARE(controller().coordinators().isEmpty(), closes);
+        QCOMPARE(ui().m_windows.first()->m_closed, closes);
     }
 
     void changesWithinASecondSaveOnce()
     {
-        auto shelf = m_controller->startSession(DragSessionSource::MenuBar{});
+        auto shelf = controller().startSession(DragSessionSource::MenuBar{});
         shelf->appendItems({file(QStringLiteral("a.txt"))});
         QTRY_VERIFY(shelf->itemsController().processingItems().isEmpty());
-        QSignalSpy saved(m_store.get(), &PersistentDragSessionStore::sessionsChanged);
+        QSignalSpy saved(&m_shelves->store, &PersistentDragSessionStore::sessionsChanged);
 
         shelf->throttleSave();
         m_clock->advance(600ms);
         shelf->throttleSave();
         m_clock->advance(500ms);
         QTRY_COMPARE(saved.size(), 1);
-        QVERIFY(m_store->session(shelf->id()));
+        QVERIFY(m_shelves->store.session(shelf->id()));
 
         shelf->throttleSave();
         m_clock->advance(1100ms);
@@ -159,8 +143,8 @@ private Q_SLOTS:
         QFETCH(bool, arriving);
         QFETCH(bool, closes);
         QFETCH(int, drops);
-        m_preferences->setValue(PreferenceKeys::alwaysCloseShelf, alwaysClose);
-        auto shelf = m_controller->startSession(DragSessionSource::MenuBar{});
+        m_shelves->preferences.setValue(PreferenceKeys::alwaysCloseShelf, alwaysClose);
+        auto shelf = controller().startSession(DragSessionSource::MenuBar{});
         shelf->appendItems({file(QStringLiteral("out.txt"))});
         if (arriving) {
             shelf->appendItems(
@@ -173,8 +157,8 @@ private Q_SLOTS:
 
         shelf->didDragItems({endedInDrop, DragSessionViewDelegate::DragEvent::Kind::ended}, hasMoved);
         QTRY_COMPARE(shelf->hasStopped(), closes);
-        QCOMPARE(m_preferences->value(PreferenceKeys::numberOfDrops), drops);
-        QCOMPARE(m_controller->coordinators().size(), closes ? 0 : 1);
+        QCOMPARE(m_shelves->preferences.value(PreferenceKeys::numberOfDrops), drops);
+        QCOMPARE(controller().coordinators().size(), closes ? 0 : 1);
     }
 
     void promisedFilesArriveOrLeaveWithAMessage_data()
@@ -189,16 +173,17 @@ private Q_SLOTS:
     void promisedFilesArriveOrLeaveWithAMessage()
     {
         QFETCH(bool, delivered);
-        auto shelf = m_controller->startSession(DragSessionSource::MenuBar{});
-        auto* view = m_ui->m_views.first();
+        auto shelf = controller().startSession(DragSessionSource::MenuBar{});
+        auto* view = ui().m_views.first();
         QMimeData data;
         data.setData(PasteboardTypes::directSave, QByteArray());
         QVERIFY(shelf->shouldAcceptDrag(data));
         std::optional<quint64> fetchedFor;
         const auto factory = [&](quint64 sequenceNumber) -> DragSessionDropIntake::PromiseTransportFactory {
             fetchedFor = sequenceNumber;
-            return
-                [delivered](const PasteboardItem&) { return std::make_unique<OneFileTransport>(delivered); };
+            return [delivered](const PasteboardItem&) {
+                return std::make_unique<Test::OneFilePromiseTransport>(delivered);
+            };
         };
         QVERIFY(shelf->didDrop({data, QByteArray("promised.txt"), factory}));
         QVERIFY(fetchedFor);
@@ -210,32 +195,32 @@ private Q_SLOTS:
             QTRY_COMPARE(view->m_refreshed, DraggableList{promise});
             QVERIFY(promise->isReady());
             QCOMPARE(shelf->itemsController().items(), DraggableList{promise});
-            QVERIFY(!m_messages->hasMessage(shelf->window().windowNumber()));
+            QVERIFY(!m_shelves->messages.hasMessage(shelf->window().windowNumber()));
         } else {
             // The item goes from the shelf and its window, and the shelf says why.
             QTRY_VERIFY(shelf->itemsController().items().isEmpty());
             QVERIFY(!view->m_shown.contains(promise));
-            QVERIFY(m_messages->hasMessage(shelf->window().windowNumber()));
+            QVERIFY(m_shelves->messages.hasMessage(shelf->window().windowNumber()));
             QVERIFY(view->m_refreshed.isEmpty());
         }
     }
 
     void failedDropKeepsTheShelfAndOffersClose()
     {
-        auto shelf = m_controller->startSession(DragSessionSource::Gesture{});
-        QVERIFY(!m_ui->m_views.first()->m_permanentClose);
+        auto shelf = controller().startSession(DragSessionSource::Gesture{});
+        QVERIFY(!ui().m_views.first()->m_permanentClose);
         QMimeData data;
-        QVERIFY(Test::writeFile(m_dir->filePath(QStringLiteral("empty.txt")), QByteArray()));
-        data.setUrls({QUrl::fromLocalFile(m_dir->filePath(QStringLiteral("empty.txt")))});
+        QVERIFY(Test::writeFile(m_shelves->dir.filePath(QStringLiteral("empty.txt")), QByteArray()));
+        data.setUrls({QUrl::fromLocalFile(m_shelves->dir.filePath(QStringLiteral("empty.txt")))});
         QVERIFY(shelf->shouldAcceptDrag(data));
         QVERIFY(!shelf->didDrop({data, std::nullopt, {}}));
-        QVERIFY(m_ui->m_views.first()->m_permanentClose);
-        QVERIFY(m_messages->hasMessage(shelf->window().windowNumber()));
+        QVERIFY(ui().m_views.first()->m_permanentClose);
+        QVERIFY(m_shelves->messages.hasMessage(shelf->window().windowNumber()));
         // The message keeps the empty shelf through the end of the drag, and goes after five seconds.
-        m_controller->gestureEnded();
-        QCOMPARE(m_controller->coordinators().size(), 1);
+        controller().gestureEnded();
+        QCOMPARE(controller().coordinators().size(), 1);
         m_clock->advance(5100ms);
-        QVERIFY(!m_messages->hasMessage(shelf->window().windowNumber()));
+        QVERIFY(!m_shelves->messages.hasMessage(shelf->window().windowNumber()));
     }
 
     void alternateCloseEmptiesUnlessSharing_data()
@@ -248,7 +233,7 @@ private Q_SLOTS:
     void alternateCloseEmptiesUnlessSharing()
     {
         QFETCH(bool, sharing);
-        auto shelf = m_controller->startSession(DragSessionSource::Gesture{});
+        auto shelf = controller().startSession(DragSessionSource::Gesture{});
         shelf->appendItems({file(QStringLiteral("x.txt"))});
         if (sharing) {
             shelf->setShareState({DragSessionActionState::Loading{0.5, QStringLiteral("Uploading")}});
@@ -257,39 +242,39 @@ private Q_SLOTS:
         QTRY_COMPARE(shelf->hasStopped(), sharing);
         QCOMPARE(shelf->itemsController().items().isEmpty(), true);
         if (!sharing) {
-            QVERIFY(m_ui->m_views.first()->m_permanentClose);
-            QCOMPARE(m_controller->coordinators().size(), 1);
+            QVERIFY(ui().m_views.first()->m_permanentClose);
+            QCOMPARE(controller().coordinators().size(), 1);
         }
     }
 
     void recentShelvesReopen()
     {
-        auto shelf = m_controller->startSession(DragSessionSource::MenuBar{});
+        auto shelf = controller().startSession(DragSessionSource::MenuBar{});
         const QString id = shelf->id();
         shelf->appendItems({file(QStringLiteral("one.txt")), file(QStringLiteral("two.txt"))});
         QTRY_VERIFY(shelf->itemsController().processingItems().isEmpty());
         shelf->didSelectCloseButton(false);
-        QTRY_VERIFY(m_controller->coordinators().isEmpty());
-        m_store->flush();
-        QVERIFY(m_store->session(id));
+        QTRY_VERIFY(controller().coordinators().isEmpty());
+        m_shelves->store.flush();
+        QVERIFY(m_shelves->store.session(id));
 
-        QVERIFY(m_controller->openMostRecentClosedDragSession());
-        const auto reopened = m_controller->coordinators().first();
+        QVERIFY(controller().openMostRecentClosedDragSession());
+        const auto reopened = controller().coordinators().first();
         QCOMPARE(reopened->id(), id);
         QCOMPARE(reopened->itemsController().items().size(), 2);
 
         // Everything recent is open now; opening it by identifier only draws attention to it.
-        QVERIFY(!m_controller->openMostRecentClosedDragSession());
-        const int attention = m_ui->m_views.last()->m_attentionCount;
-        QVERIFY(m_controller->openDragSession(id));
-        QCOMPARE(m_controller->coordinators().size(), 1);
-        QCOMPARE(m_ui->m_views.last()->m_attentionCount, attention + 1);
-        QVERIFY(!m_controller->openDragSession(QStringLiteral("no-such-shelf")));
+        QVERIFY(!controller().openMostRecentClosedDragSession());
+        const int attention = ui().m_views.last()->m_attentionCount;
+        QVERIFY(controller().openDragSession(id));
+        QCOMPARE(controller().coordinators().size(), 1);
+        QCOMPARE(ui().m_views.last()->m_attentionCount, attention + 1);
+        QVERIFY(!controller().openDragSession(QStringLiteral("no-such-shelf")));
     }
 
     void vanishedFilesLeaveWithOneMessage()
     {
-        auto shelf = m_controller->startSession(DragSessionSource::MenuBar{});
+        auto shelf = controller().startSession(DragSessionSource::MenuBar{});
         const auto a = file(QStringLiteral("gone-a.txt"));
         const auto b = file(QStringLiteral("gone-b.txt"));
         const auto c = file(QStringLiteral("stays.txt"));
@@ -303,65 +288,33 @@ private Q_SLOTS:
         // Deletions are gathered on the shelf's clock: move it on while the file events come in.
         QTRY_VERIFY_WITH_TIMEOUT((m_clock->advance(250ms), shelf->itemsController().items().size() == 1),
                                  5000);
-        QCOMPARE(m_ui->m_views.first()->m_shown, DraggableList{c});
-        const auto message = m_messages->message(shelf->window().windowNumber());
+        QCOMPARE(ui().m_views.first()->m_shown, DraggableList{c});
+        const auto message = m_shelves->messages.message(shelf->window().windowNumber());
         QVERIFY(message);
         QVERIFY2(message->text.contains(QStringLiteral("2 items")), qPrintable(message->text));
     }
 
     void labelsFollowThePreference()
     {
-        auto plain = m_controller->startSession(DragSessionSource::MenuBar{});
+        auto plain = controller().startSession(DragSessionSource::MenuBar{});
         QCOMPARE(plain->label().color.id(), DragSessionLabelColor::Identifier::monochrome);
-        m_preferences->setValue(PreferenceKeys::shelfLabelsEnabled, true);
+        m_shelves->preferences.setValue(PreferenceKeys::shelfLabelsEnabled, true);
         QVERIFY(plain->label().color.id() != DragSessionLabelColor::Identifier::monochrome);
-        auto coloured = m_controller->startSession(DragSessionSource::MenuBar{});
+        auto coloured = controller().startSession(DragSessionSource::MenuBar{});
         QVERIFY(coloured->label().color.id() != DragSessionLabelColor::Identifier::monochrome);
         QVERIFY(coloured->label().color.id() != plain->label().color.id());
     }
 
 private:
-    // A source that writes its one promised file, or reports that it could not.
-    class OneFileTransport final : public FilePromiseTransport {
-    public:
-        explicit OneFileTransport(bool delivers)
-            : m_delivers(delivers)
-        {}
-        QStringList fileNames() const override { return {QStringLiteral("promised.txt")}; }
-        QStringList fileTypes() const override { return {}; }
-        void receive(const QString& destination, FileHandler onFile, FinishedHandler onFinished) override
-        {
-            const QString path = destination + QStringLiteral("/promised.txt");
-            if (m_delivers && Test::writeFile(path, "promised bytes")) {
-                onFile(QUrl::fromLocalFile(path));
-            } else {
-                onFile(std::unexpected(
-                    DraggableError{DraggableError::Kind::underlying, QStringLiteral("gone")}));
-            }
-            onFinished();
-        }
+    DraggablePtr file(const QString& name) const { return m_shelves->fileItem(name); }
+    SessionController& controller() const { return *m_shelves->controller; }
+    Test::FakeShelfInterface& ui() const { return m_shelves->fakeInterface(); }
 
-    private:
-        bool m_delivers;
-    };
-
-    DraggablePtr file(const QString& name)
-    {
-        const QString path = m_dir->filePath(name);
-        Test::writeFile(path, "bytes of " + name.toUtf8());
-        return DraggableFile::make(QUrl::fromLocalFile(path));
-    }
-
-    std::unique_ptr<QTemporaryDir> m_dir;
     std::unique_ptr<ManualClock> m_clock;
     Test::FakeFileWatcher m_fileWatcher;
-    std::unique_ptr<Preferences> m_preferences;
-    std::unique_ptr<PersistentDragSessionStore> m_store;
-    std::unique_ptr<Test::FakeShelfInterface> m_ui;
-    std::unique_ptr<MessageWindowCenter> m_messages;
     Test::FakeScreens m_screens;
     Test::FakeClipboard m_clipboard;
-    std::unique_ptr<SessionController> m_controller;
+    std::unique_ptr<Test::ShelfFixture> m_shelves;
 };
 
 QTEST_GUILESS_MAIN(TestSessionController)

@@ -1,5 +1,4 @@
 #include "Libraries/Core/AtomicFileWriter.h"
-#include "Libraries/Core/NonEmptyCollection.h"
 #include "Libraries/Core/PrivateFolders.h"
 #include "Libraries/Core/ReservedTemporaryDirectory.h"
 #include "Libraries/Core/SemanticVersion.h"
@@ -95,16 +94,6 @@ private Q_SLOTS:
         QCOMPARE(unique(input),
                  (QList<QString>{QStringLiteral("b"), QStringLiteral("a"), QStringLiteral("c")}));
         QCOMPARE(unique(QList<int>{}), QList<int>{});
-    }
-
-    void nonEmptyCollection()
-    {
-        QVERIFY(!NonEmptyCollection<int>::from({}));
-        const auto list = NonEmptyCollection<int>::from({3, 4, 5});
-        QVERIFY(list);
-        QCOMPARE(list->first(), 3);
-        QCOMPARE(list->last(), 5);
-        QCOMPARE(list->size(), 3);
     }
 
     void threadSafeCountsEveryWrite()

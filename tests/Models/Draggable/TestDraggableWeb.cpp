@@ -168,6 +168,12 @@ private Q_SLOTS:
             << PasteboardTypes::png << png << destination << "../../.profile"_ba << u"profile.png"_s;
         QTest::newRow("unnamed") << PasteboardTypes::png << png << QString() << QByteArray()
                                  << u"Image.png"_s;
+        QTest::newRow("a data address names nothing")
+            << PasteboardTypes::png << png << PasteboardTypes::mozillaFilePromiseURL
+            << "data:image/png;base64,iVBORw0KGgo/AAAA"_ba << u"Image.png"_s;
+        QTest::newRow("name in UTF-16, as Firefox sends it")
+            << PasteboardTypes::png << png << destination
+            << QByteArray(reinterpret_cast<const char*>(u"Grün.png"), 16) << u"Grün.png"_s;
         QTest::newRow("other formats become JPEG")
             << u"image/bmp"_s << encoded(photo, "BMP") << QString() << QByteArray() << u"*.jpg"_s;
         QTest::newRow("garbage") << PasteboardTypes::png << "\x89PNG\r\n\x1a\ngarbage"_ba << QString()
@@ -209,6 +215,22 @@ private Q_SLOTS:
             QCOMPARE(QFileInfo(path).fileName(), expected);
             QCOMPARE(Test::readFile(path), data);
         }
+    }
+
+    // A browser offers the picture re-encoded in several formats; the one its name names is the original.
+    void webImageTakesTheEncodingItsNameNames()
+    {
+        QImage photo(30, 60, QImage::Format_RGB32);
+        photo.fill(Qt::darkGreen);
+        const QByteArray jpeg = encoded(photo, "JPEG");
+        PasteboardItem item;
+        item.setData(PasteboardTypes::png, encoded(photo, "PNG"));
+        item.setData(PasteboardTypes::jpeg, jpeg);
+        item.setData(PasteboardTypes::mozillaFilePromiseDestinationName, "harbour.jpg");
+        const auto image = DraggableWebImage::fromPasteboard(item, PasteboardTypes::png, DraggableContext{});
+        QVERIFY(image);
+        QCOMPARE(QFileInfo(image->url()->toLocalFile()).fileName(), u"harbour.jpg"_s);
+        QCOMPARE(Test::readFile(image->url()->toLocalFile()), jpeg);
     }
 
 private:

@@ -1,6 +1,3 @@
-#include "Domains/DragSession/MessageWindowCenter.h"
-#include "Domains/DragSession/PersistentDragSessionStore.h"
-#include "Domains/SessionController/SessionController.h"
 #include "Libraries/Core/ReservedTemporaryDirectory.h"
 #include "Models/Draggable/DraggableFile.h"
 #include "Models/Draggable/DraggablePromise.h"
@@ -9,15 +6,10 @@
 #include "Models/Draggable/DraggableWeblocation.h"
 #include "Platform/DBus/FileTransferPortal.h"
 #include "Platform/Linux/InotifyFileWatcher.h"
-#include "Platform/Qt/DragSessionStackView.h"
 #include "Platform/Qt/QtClipboardSource.h"
-#include "Platform/Qt/QtDragSessionUserInterface.h"
-#include "Platform/Qt/QtDragSessionView.h"
-#include "Platform/Qt/QtDragSessionWindow.h"
 #include "Platform/Qt/QtScreenEnvironment.h"
 #include "Platform/X11/X11Properties.h"
-#include "Preferences/MemoryPreferenceStorage.h"
-#include "Preferences/Preferences.h"
+#include "ShelfWindowTestSupport.h"
 #include "support/PointerScript.h"
 #include "support/TestSupport.h"
 
@@ -29,8 +21,6 @@
 #include <QDir>
 #include <QIcon>
 #include <QPainter>
-#include <QProcess>
-#include <QScreen>
 #include <QTemporaryDir>
 #include <QTest>
 #include <QThread>
@@ -38,6 +28,7 @@
 
 using namespace Vantrope;
 using namespace std::chrono_literals;
+using namespace Vantrope::Test;
 
 namespace {
 
@@ -145,47 +136,23 @@ class TestShelfWindow final : public QObject {
 private Q_SLOTS:
     void initTestCase()
     {
-        Test::isolateStandardPaths();
+        isolateStandardPaths();
         QCOMPARE(QGuiApplication::platformName(), QStringLiteral("xcb"));
         QIcon::setThemeName(QStringLiteral("Adwaita"));
-        m_files = std::make_unique<QTemporaryDir>();
     }
 
     void init()
     {
-        m_dir = std::make_unique<QTemporaryDir>();
-        m_preferences = std::make_unique<Preferences>(std::make_unique<MemoryPreferenceStorage>());
-        m_store = std::make_unique<PersistentDragSessionStore>(
-            m_dir->filePath(QStringLiteral(".drag_sessions")), nullptr, Clock::system());
-        m_messages = std::make_unique<MessageWindowCenter>(Clock::system());
-        m_ui = std::make_unique<QtDragSessionUserInterface>(
-            QtDragSessionUserInterface::Dependencies{*m_messages, *m_preferences, Clock::system()});
-        m_controller = std::make_unique<SessionController>(
-            SessionController::Dependencies{*m_store, *m_preferences, *m_ui, m_screens, *m_messages,
-                                            m_clipboard, Clock::system(), InotifyFileWatcher::shared()});
-        m_output.clear();
-        m_targetOutput.clear();
+        m_shelves = std::make_unique<ShelfFixture>(ShelfFixture::Platform{
+            Clock::system(), InotifyFileWatcher::shared(), m_screens, m_clipboard, makeQtShelves});
     }
 
     void cleanup()
     {
-        // Also the shelves a message would keep open; each is gone, windows and all, before the next test.
-        QList<std::weak_ptr<DragSessionCoordinator>> closing;
-        for (const auto& shelf : m_controller->coordinators()) {
-            closing.append(shelf);
-            shelf->stop(false);
-        }
-        QTRY_VERIFY(
-            std::all_of(closing.cbegin(), closing.cend(), [](const auto& shelf) { return shelf.expired(); }));
-        for (QProcess* process : {&m_source, &m_target}) {
-            if (process->state() != QProcess::NotRunning) {
-                process->kill();
-                process->waitForFinished();
-            }
-        }
-        m_controller.reset();
-        m_ui.reset();
-        m_store.reset();
+        m_source.stop();
+        m_target.stop();
+        QVERIFY(m_shelves->closeAllShelves());
+        m_shelves.reset();
     }
 
     void windowKeepsToItsDesktopsAndStaysOnTop_data()
@@ -296,12 +263,12 @@ private Q_SLOTS:
                 argument = file(argument.mid(1));
             }
         }
-        Test::LogCapture log;
+        LogCapture log;
         auto shelf = openShelf(QPoint(800, 420));
         const QPoint from = startSource(arguments);
         QVERIFY(!from.isNull());
-        QVERIFY(Test::runXdotool(Test::PointerScript().drag(from, shelfCentre(*shelf)).arguments()));
-        QVERIFY(waitForOutput(m_source, "drag finished"));
+        QVERIFY(runXdotool(PointerScript().drag(from, shelfCentre(*shelf)).arguments()));
+        QVERIFY(m_source.waitFor("drag finished"));
 
         const DragSessionItemsController& items = shelf->itemsController();
         QTRY_COMPARE_WITH_TIMEOUT(describe(items.items()), expected, 10000);
@@ -312,13 +279,14 @@ private Q_SLOTS:
             // Refused promises leave nothing behind, neither on the shelf nor beside its folder.
             QTRY_VERIFY(stackView(*shelf).draggables().isEmpty());
             // The shelf says why the item it showed for a moment went away.
-            QTRY_VERIFY(m_messages->hasMessage(shelf->window().windowNumber()));
-            const std::optional<Message> message = m_messages->message(shelf->window().windowNumber());
+            QTRY_VERIFY(m_shelves->messages.hasMessage(shelf->window().windowNumber()));
+            const std::optional<Message> message =
+                m_shelves->messages.message(shelf->window().windowNumber());
             QCOMPARE(message->title, std::optional(QStringLiteral("A file could not be received")));
             const QString promises = *TemporaryDirectories::path(ReservedTemporaryDirectory::promises);
             QVERIFY(!QFileInfo::exists(promises + QStringLiteral("/x")));
             if (arguments.contains(QStringLiteral("../x"))) {
-                QVERIFY(!m_output.append(m_source.readAllStandardOutput()).contains("asked to save"));
+                QVERIFY(!m_source.output().contains("asked to save"));
             }
             QVERIFY(!shelf->hasStopped());
             return;
@@ -326,13 +294,13 @@ private Q_SLOTS:
         QCOMPARE(stackView(*shelf).draggables().size(), expected.size());
         const QString path = items.items().first()->url()->toLocalFile();
         if (!firstContent.isEmpty()) {
-            QCOMPARE(Test::readFile(path), firstContent);
+            QCOMPARE(readFile(path), firstContent);
         }
         if (arguments.contains(QStringLiteral("image"))) {
             QCOMPARE(QImage(path).size(), QSize(64, 48));
         }
         if (arguments.contains(QStringLiteral("link"))) {
-            QVERIFY(Test::readFile(path).contains("https://www.example.org/articles/shelf"));
+            QVERIFY(readFile(path).contains("https://www.example.org/articles/shelf"));
         }
         if (arguments.contains(QStringLiteral("xds"))) {
             QCOMPARE(QFileInfo(path).canonicalPath().startsWith(
@@ -340,7 +308,7 @@ private Q_SLOTS:
                              .canonicalFilePath()),
                      true);
             if (arguments.contains(QStringLiteral("F"))) {
-                QVERIFY(waitForOutput(m_source, "fetched"));
+                QVERIFY(m_source.waitFor("fetched"));
             }
         }
     }
@@ -360,12 +328,12 @@ private Q_SLOTS:
         QFETCH(bool, secondShelf);
         if (secondShelf) {
             auto first = openShelf(QPoint(400, 700));
-            first->appendItems({DraggableFile::make(QUrl::fromLocalFile(file(QStringLiteral("held.txt"))))});
+            first->appendItems({fileItem(QStringLiteral("held.txt"))});
         }
         // The window that waits for the next shelf takes no clicks, even where the window manager keeps
         // a corner of it on screen.
         QTest::qWait(200);
-        QVERIFY(Test::runXdotool(Test::PointerScript().moveTo(QPoint(3, 3)).arguments()));
+        QVERIFY(runXdotool(PointerScript().moveTo(QPoint(3, 3)).arguments()));
         xcb_connection_t* connection = X11Properties::connection();
         xcb_query_pointer_reply_t* pointer = xcb_query_pointer_reply(
             connection, xcb_query_pointer(connection, X11Properties::rootWindow()), nullptr);
@@ -374,18 +342,18 @@ private Q_SLOTS:
         std::free(pointer);
         QCOMPARE(underPointer, xcb_window_t(XCB_NONE));
         const QString path = file(QStringLiteral("from a snapshot source.txt"));
-        const QPoint from = startProgram(m_source, QStringLiteral(SNAPSHOT_SOURCE_SCRIPT), {path});
+        const QPoint from = m_source.start(QStringLiteral(SNAPSHOT_SOURCE_SCRIPT), {path});
         QVERIFY(!from.isNull());
-        QVERIFY(Test::runXdotool(Test::PointerScript().startDrag(from).arguments()));
-        QVERIFY(waitForOutput(m_source, "dragging"));
+        QVERIFY(runXdotool(PointerScript().startDrag(from).arguments()));
+        QVERIFY(m_source.waitFor("dragging"));
 
         auto shelf = openShelf(QPoint(800, 420));
-        QVERIFY(Test::runXdotool(Test::PointerScript()
-                                     .glide(from + QPoint(40, 0), shelfCentre(*shelf))
-                                     .pause(300ms)
-                                     .release()
-                                     .arguments()));
-        QVERIFY(waitForOutput(m_source, "dropped"));
+        QVERIFY(runXdotool(PointerScript()
+                               .glide(from + QPoint(40, 0), shelfCentre(*shelf))
+                               .pause(300ms)
+                               .release()
+                               .arguments()));
+        QVERIFY(m_source.waitFor("dropped"));
         QTRY_COMPARE(describe(shelf->itemsController().items()),
                      QStringList{QStringLiteral("file: from a snapshot source.txt")});
         QVERIFY(QGuiApplication::focusWindow() != shelfWindow(*shelf).widget().windowHandle());
@@ -398,12 +366,12 @@ private Q_SLOTS:
         shelf->appendItems({DraggableFile::make(QUrl::fromLocalFile(path))});
         const QPoint from =
             startSource({QStringLiteral("--kind"), QStringLiteral("files"), QStringLiteral("--file"), path});
-        QVERIFY(Test::runXdotool(Test::PointerScript().drag(from, shelfCentre(*shelf)).arguments()));
-        QVERIFY(waitForOutput(m_source, "drag finished"));
+        QVERIFY(runXdotool(PointerScript().drag(from, shelfCentre(*shelf)).arguments()));
+        QVERIFY(m_source.waitFor("drag finished"));
 
         const quint64 number = shelf->window().windowNumber();
-        QTRY_VERIFY(m_messages->hasMessage(number));
-        QCOMPARE(m_messages->message(number)->text, QStringLiteral("This is already on the shelf."));
+        QTRY_VERIFY(m_shelves->messages.hasMessage(number));
+        QCOMPARE(m_shelves->messages.message(number)->text, QStringLiteral("This is already on the shelf."));
         QCOMPARE(shelf->itemsController().items().size(), 1);
         QCOMPARE(stackView(*shelf).draggables().size(), 1);
         QVERIFY(shelf->window().isVisible());
@@ -431,12 +399,12 @@ private Q_SLOTS:
         connect(&shelf->itemsController(), &DragSessionItemsController::itemsChanged, shelf.get(),
                 [&] { readLater = readLater.value_or(shelf->isReadingDropInBackground()); });
         const QPoint from = startSource(arguments);
-        QVERIFY(Test::runXdotool(Test::PointerScript().drag(from, shelfCentre(*shelf)).arguments()));
+        QVERIFY(runXdotool(PointerScript().drag(from, shelfCentre(*shelf)).arguments()));
         if (efficient) {
             // Read after a pause, off the main thread; the empty shelf is not closed in the meantime.
             QTRY_VERIFY(shelf->isReadingDropInBackground());
             QVERIFY(shelf->itemsController().items().isEmpty());
-            m_controller->closeSessions(SessionCloseFilter::empty);
+            m_shelves->controller->closeSessions(SessionCloseFilter::empty);
             QVERIFY(!shelf->isStopping());
         }
         QTRY_COMPARE(shelf->itemsController().items().size(), count);
@@ -474,22 +442,22 @@ private Q_SLOTS:
         const QPoint to = startTarget(action, gtk);
         QVERIFY(!to.isNull());
 
-        Test::LogCapture log;
-        QVERIFY(Test::runXdotool(Test::PointerScript().drag(pileCentre(*shelf), to).arguments()));
+        LogCapture log;
+        QVERIFY(runXdotool(PointerScript().drag(pileCentre(*shelf), to).arguments()));
         QTRY_VERIFY(log.contains(logLine));
         QVERIFY(log.contains(QStringLiteral("About start drag session...")));
         QTRY_COMPARE(shelf->hasStopped(), closes);
         if (action == QLatin1String("refuse")) {
             QVERIFY(stackView(*shelf).isCancelAnimationRunning());
             QCOMPARE(shelf->itemsController().items().size(), 2);
-            QCOMPARE(m_preferences->value(PreferenceKeys::numberOfDrops), 0);
+            QCOMPARE(m_shelves->preferences.value(PreferenceKeys::numberOfDrops), 0);
             return;
         }
-        QVERIFY(waitForOutput(m_target, "end"));
-        const QByteArray uris = QByteArray::fromPercentEncoding(typeValue("text/uri-list"));
+        QVERIFY(m_target.waitFor("end"));
+        const QByteArray uris = QByteArray::fromPercentEncoding(m_target.typeValue("text/uri-list"));
         QCOMPARE(uris,
                  QUrl::fromLocalFile(a).toEncoded() + "\r\n" + QUrl::fromLocalFile(b).toEncoded() + "\r\n");
-        QCOMPARE(m_preferences->value(PreferenceKeys::numberOfDrops), 1);
+        QCOMPARE(m_shelves->preferences.value(PreferenceKeys::numberOfDrops), 1);
         QVERIFY(!shelf->view().hasDraggedOutItems());
     }
 
@@ -506,29 +474,18 @@ private Q_SLOTS:
 
         QPoint to = startTarget(QStringLiteral("copy"), true, {QStringLiteral("--unix-time")});
         QVERIFY(!to.isNull());
-        QVERIFY(Test::runXdotool(Test::PointerScript().drag(pileCentre(*shelf), to).arguments()));
-        QVERIFY(waitForOutput(m_target, "end"));
-        QCOMPARE(QByteArray::fromPercentEncoding(typeValue("text/uri-list")), uri);
-        m_target.kill();
-        m_target.waitForFinished();
-        m_targetOutput.clear();
-
+        QVERIFY(runXdotool(PointerScript().drag(pileCentre(*shelf), to).arguments()));
+        QVERIFY(m_target.waitFor("end"));
+        QCOMPARE(QByteArray::fromPercentEncoding(m_target.typeValue("text/uri-list")), uri);
+        m_target.stop();
         // Another program's drag takes the drag selection away.
-        QCOMPARE(QProcess::execute(QStringLiteral("/usr/bin/python3"),
-                                   {QStringLiteral("-c"),
-                                    QStringLiteral("from Xlib import X, display\n"
-                                                   "d = display.Display()\n"
-                                                   "w = d.screen().root.create_window(0, 0, 1, 1, 0, 0)\n"
-                                                   "w.set_selection_owner(d.intern_atom('XdndSelection'), "
-                                                   "X.CurrentTime)\n"
-                                                   "d.sync()\n")}),
-                 0);
+        QVERIFY(takeDragSelection());
 
         to = startTarget(QStringLiteral("copy"));
         QVERIFY(!to.isNull());
-        QVERIFY(Test::runXdotool(Test::PointerScript().drag(pileCentre(*shelf), to).arguments()));
-        QVERIFY(waitForOutput(m_target, "end"));
-        QCOMPARE(QByteArray::fromPercentEncoding(typeValue("text/uri-list")), uri);
+        QVERIFY(runXdotool(PointerScript().drag(pileCentre(*shelf), to).arguments()));
+        QVERIFY(m_target.waitFor("end"));
+        QCOMPARE(QByteArray::fromPercentEncoding(m_target.typeValue("text/uri-list")), uri);
     }
 
     void dragOutOffersFilesToThePortal()
@@ -554,9 +511,9 @@ private Q_SLOTS:
         auto shelf = openShelf(QPoint(800, 420));
         shelf->appendItems({DraggableFile::make(QUrl::fromLocalFile(path))});
         const QPoint to = startTarget(QStringLiteral("copy"));
-        QVERIFY(Test::runXdotool(Test::PointerScript().drag(pileCentre(*shelf), to).arguments()));
-        QVERIFY(waitForOutput(m_target, "end"));
-        QCOMPARE(typeValue(FileTransferPortal::mimeType.toUtf8()), QByteArray("transfer-key-1"));
+        QVERIFY(runXdotool(PointerScript().drag(pileCentre(*shelf), to).arguments()));
+        QVERIFY(m_target.waitFor("end"));
+        QCOMPARE(m_target.typeValue(FileTransferPortal::mimeType.toUtf8()), QByteArray("transfer-key-1"));
         QCOMPARE(portal.paths(), QStringList{QStringLiteral("transfer-key-1 ") + path});
     }
 
@@ -587,9 +544,9 @@ private Q_SLOTS:
             shelf->appendItems(
                 {DraggablePromise::make([] { return DraggablePromise::VantropePromiseResult(); })});
         } else {
-            shelf->appendItems({DraggableFile::make(QUrl::fromLocalFile(file(QStringLiteral("held.txt"))))});
+            shelf->appendItems({fileItem(QStringLiteral("held.txt"))});
         }
-        auto& view = dynamic_cast<QtDragSessionView&>(shelf->view());
+        auto& view = shelfView(*shelf);
         QPoint press = stackView(*shelf).visibleItemFrames().first().center().toPoint();
         if (state == QLatin1String("disabled")) {
             view.setInteractionEnabled(false);
@@ -601,7 +558,7 @@ private Q_SLOTS:
         } else if (state == QLatin1String("beside")) {
             press = QPoint(0, 0);
         }
-        Test::LogCapture log;
+        LogCapture log;
         QVERIFY(!view.mouseDragged(press));
         QVERIFY(!log.messages().isEmpty());
         QCOMPARE(log.messages().first(), logLine);
@@ -610,14 +567,14 @@ private Q_SLOTS:
 
     void replacingAnItemSwapsItsView()
     {
-        const auto before = DraggableFile::make(QUrl::fromLocalFile(file(QStringLiteral("draft.txt"))));
-        const auto after = DraggableFile::make(QUrl::fromLocalFile(file(QStringLiteral("final.txt"))));
-        const auto other = DraggableFile::make(QUrl::fromLocalFile(file(QStringLiteral("other.txt"))));
+        const auto before = fileItem(QStringLiteral("draft.txt"));
+        const auto after = fileItem(QStringLiteral("final.txt"));
+        const auto other = fileItem(QStringLiteral("other.txt"));
         auto shelf = openShelf(QPoint(800, 420));
         shelf->appendItems({before, other});
-        auto& view = dynamic_cast<QtDragSessionView&>(shelf->view());
+        auto& view = shelfView(*shelf);
 
-        Test::LogCapture log;
+        LogCapture log;
         view.replaceDraggable(before, after);
         QCOMPARE(stackView(*shelf).draggables(), (DraggableList{after, other}));
         QVERIFY(!log.contains(QStringLiteral("Attempted to replace")));
@@ -643,9 +600,9 @@ private Q_SLOTS:
         desktop.show();
         QVERIFY(QTest::qWaitForWindowExposed(&desktop));
 
-        const QString photo = m_files->filePath(QStringLiteral("Lake at dusk.png"));
-        QVERIFY(Test::writeFile(photo, gradientPng(QSize(400, 300))));
-        const auto pdf = DraggableFile::make(QUrl::fromLocalFile(file(QStringLiteral("Itinerary.pdf"))));
+        const QString photo = m_shelves->dir.filePath(QStringLiteral("Lake at dusk.png"));
+        QVERIFY(writeFile(photo, gradientPng(QSize(400, 300))));
+        const auto pdf = fileItem(QStringLiteral("Itinerary.pdf"));
         const auto link = DraggableWeblocation::make(QUrl(QStringLiteral("https://www.example.org/stay")));
         const auto text =
             DraggableText::make("Packing list\nBoots, map, a warm coat and the tickets for the ferry",
@@ -662,18 +619,17 @@ private Q_SLOTS:
         // A gesture opens a new shelf only where no empty one is showing.
         auto notes = openShelf(QPoint(850, 330));
         notes->appendItems({link, text});
-        dynamic_cast<QtDragSessionView&>(notes->view())
-            .setShareState(
-                {DragSessionActionState::Confirmation{QUrl(QStringLiteral("https://example.org/s/k3Yw9"))}});
+        shelfView(*notes).setShareState(
+            {DragSessionActionState::Confirmation{QUrl(QStringLiteral("https://example.org/s/k3Yw9"))}});
         auto upload = openShelf(QPoint(1080, 330));
         upload->appendItems({DraggableFile::make(QUrl::fromLocalFile(photo))});
-        dynamic_cast<QtDragSessionView&>(upload->view())
-            .setShareState({DragSessionActionState::Loading{0.62, QStringLiteral("Uploading 1 item")}});
+        shelfView(*upload).setShareState(
+            {DragSessionActionState::Loading{0.62, QStringLiteral("Uploading 1 item")}});
         auto empty = openShelf(QPoint(1310, 330));
-        m_messages->show(
+        m_shelves->messages.show(
             empty->window().windowNumber(),
             Message::plain(Message::Icon::warning, QStringLiteral("This is already on the shelf.")), 0s);
-        dynamic_cast<QtDragSessionView&>(empty->view()).updateHoverState(true);
+        shelfView(*empty).updateHoverState(true);
         QTest::qWait(600);
 
         const QRect area = shelfWindow(*trip)
@@ -697,59 +653,11 @@ private Q_SLOTS:
     }
 
 private:
-    QString file(const QString& name)
+    QString file(const QString& name) const { return m_shelves->file(name); }
+    DraggablePtr fileItem(const QString& name) const { return m_shelves->fileItem(name); }
+    std::shared_ptr<DragSessionCoordinator> openShelf(const QPoint& centre) const
     {
-        const QString path = m_files->filePath(name);
-        if (!QFileInfo::exists(path)) {
-            Test::writeFile(path, "bytes of " + name.toUtf8());
-        }
-        return path;
-    }
-
-    // A shelf opened by a gesture, centred on a point given in screen pixels from the top left.
-    std::shared_ptr<DragSessionCoordinator> openShelf(const QPoint& centre)
-    {
-        const QRectF primary = QGuiApplication::primaryScreen()->geometry();
-        m_controller->gestureBegan(QPointF(centre.x(), primary.height() - centre.y()));
-        auto shelf = m_controller->coordinators().last();
-        QWidget& widget = shelfWindow(*shelf).widget();
-        [&] { QVERIFY(QTest::qWaitForWindowExposed(&widget)); }();
-        // The window manager places the window when it maps it; give it that moment.
-        QTest::qWait(150);
-        return shelf;
-    }
-
-    static QtDragSessionWindow& shelfWindow(const DragSessionCoordinator& shelf)
-    {
-        return dynamic_cast<QtDragSessionWindow&>(shelf.window());
-    }
-
-    static DragSessionStackView& stackView(const DragSessionCoordinator& shelf)
-    {
-        return dynamic_cast<QtDragSessionView&>(shelf.view()).stackView();
-    }
-
-    static QPoint shelfCentre(const DragSessionCoordinator& shelf)
-    {
-        return shelfWindow(shelf).widget().geometry().center();
-    }
-
-    static QPoint pileCentre(const DragSessionCoordinator& shelf)
-    {
-        DragSessionStackView& stack = stackView(shelf);
-        return stack.mapToGlobal(stack.visibleItemFrames().first().center().toPoint());
-    }
-
-    QPoint startProgram(QProcess& process, const QString& program, const QStringList& arguments)
-    {
-        process.setProcessChannelMode(QProcess::ForwardedErrorChannel);
-        process.start(program, arguments);
-        if (!process.waitForStarted() || !waitForOutput(process, "ready ")) {
-            return {};
-        }
-        const QByteArray& output = &process == &m_source ? m_output : m_targetOutput;
-        const QList<QByteArray> ready = output.mid(output.indexOf("ready ")).split('\n').first().split(' ');
-        return ready.size() == 3 ? QPoint(ready[1].toInt(), ready[2].toInt()) : QPoint();
+        return Test::openShelf(*m_shelves->controller, centre);
     }
 
     // A first argument "gtk" runs the GTK source instead of the Qt one.
@@ -757,49 +665,23 @@ private:
     {
         if (arguments.value(0) == QLatin1String("gtk")) {
             arguments.removeFirst();
-            return startProgram(m_source, QStringLiteral(GTK_DRAG_SOURCE_SCRIPT), arguments);
+            return m_source.start(QStringLiteral(GTK_DRAG_SOURCE_SCRIPT), arguments);
         }
-        return startProgram(m_source, QStringLiteral(SHELF_DRAG_SOURCE_BINARY), arguments);
+        return m_source.start(QStringLiteral(SHELF_DRAG_SOURCE_BINARY), arguments);
     }
 
     QPoint startTarget(const QString& action, bool gtk = false, const QStringList& more = {})
     {
-        return startProgram(
-            m_target, gtk ? QStringLiteral(GTK_DROP_TARGET_SCRIPT) : QStringLiteral(SHELF_DROP_TARGET_BINARY),
-            QStringList{QStringLiteral("--action"), action} + more);
+        return m_target.start(gtk ? QStringLiteral(GTK_DROP_TARGET_SCRIPT)
+                                  : QStringLiteral(SHELF_DROP_TARGET_BINARY),
+                              QStringList{QStringLiteral("--action"), action} + more);
     }
 
-    bool waitForOutput(QProcess& process, const QByteArray& line)
-    {
-        QByteArray& output = &process == &m_source ? m_output : m_targetOutput;
-        return QTest::qWaitFor([&] { return output.append(process.readAllStandardOutput()).contains(line); },
-                               15000);
-    }
-
-    // The value the drop target printed for a type.
-    QByteArray typeValue(const QByteArray& type) const
-    {
-        for (const QByteArray& line : m_targetOutput.split('\n')) {
-            if (line.startsWith(QByteArray("type " + type + ' '))) {
-                return line.mid(type.size() + 6);
-            }
-        }
-        return {};
-    }
-
-    std::unique_ptr<QTemporaryDir> m_files;
-    std::unique_ptr<QTemporaryDir> m_dir;
-    std::unique_ptr<Preferences> m_preferences;
-    std::unique_ptr<PersistentDragSessionStore> m_store;
-    std::unique_ptr<MessageWindowCenter> m_messages;
-    std::unique_ptr<QtDragSessionUserInterface> m_ui;
-    std::unique_ptr<SessionController> m_controller;
     QtScreenEnvironment m_screens;
     QtClipboardSource m_clipboard;
-    QProcess m_source;
-    QProcess m_target;
-    QByteArray m_output;
-    QByteArray m_targetOutput;
+    std::unique_ptr<ShelfFixture> m_shelves;
+    HelperProgram m_source;
+    HelperProgram m_target;
 };
 
 QTEST_MAIN(TestShelfWindow)

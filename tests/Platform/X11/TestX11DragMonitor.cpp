@@ -1,17 +1,17 @@
 #include "Domains/Activation/DragRecognizer.h"
 #include "Domains/Activation/DragRecognizerConfiguration.h"
-#include "Domains/Activation/DragRecognizerDelegate.h"
 #include "Domains/Activation/TransientProperties.h"
 #include "Platform/X11/X11DragMonitor.h"
 #include "Preferences/MemoryPreferenceStorage.h"
 #include "Preferences/Preferences.h"
 #include "support/PointerScript.h"
+#include "support/RecordingRecognizerDelegate.h"
 #include "support/TestSupport.h"
 
 #include <array>
+#include <QDir>
 #include <QFile>
 #include <QGuiApplication>
-#include <QProcess>
 #include <QScreen>
 #include <QTest>
 #include <unistd.h>
@@ -23,15 +23,6 @@ using namespace Vantrope;
 using namespace std::chrono_literals;
 
 namespace {
-
-class RecordingDelegate final : public DragRecognizerDelegate {
-public:
-    void dragRecognizerDidBegin(std::optional<QPointF> location) override { began.append(location); }
-    void dragRecognizerDidEnd(SessionCloseFilter filter) override { ended.append(filter); }
-
-    QList<std::optional<QPointF>> began;
-    QList<SessionCloseFilter> ended;
-};
 
 enum class Gesture { shake, slowShake, modifier, lateContent };
 
@@ -64,7 +55,6 @@ private Q_SLOTS:
     void init()
     {
         m_events.clear();
-        m_sourceOutput.clear();
         m_token = m_monitor->addGlobalMonitor(
             GlobalMouseEvent::Type::leftMouseDragged | GlobalMouseEvent::Type::leftMouseUp,
             [this](const GlobalMouseEvent& event) { m_events.append(event); });
@@ -140,11 +130,13 @@ private Q_SLOTS:
                       .move(30, 10)
                       .pause(50ms)
                       .arguments();
+        // The monitor reads the modifiers when it handles an event, so the keys stay down until a loaded
+        // machine has surely handled the last motion and the release, as a person's hand does.
         if (!button.isEmpty()) {
-            script << QStringLiteral("mouseup") << button;
+            script << Test::PointerScript().pause(300ms).arguments() << QStringLiteral("mouseup") << button;
         }
         if (!key.isEmpty()) {
-            script << QStringLiteral("keyup") << key;
+            script << Test::PointerScript().pause(300ms).arguments() << QStringLiteral("keyup") << key;
         }
         QVERIFY(Test::runXdotool(script));
         if (!reported) {
@@ -234,12 +226,12 @@ private Q_SLOTS:
         preferences.setValue(PreferenceKeys::shelfTriggerModifierKeyEnabled, gesture == Gesture::modifier);
         preferences.setValue(PreferenceKeys::shelfTriggerModifierKey, QStringLiteral("shift"));
         if (ignored) {
-            preferences.setValue(PreferenceKeys::ignoredApplication, {QStringLiteral("FileDragSource.app")});
+            preferences.setValue(PreferenceKeys::ignoredApplication, {QStringLiteral("ShelfDragSource.app")});
         }
         TransientProperties properties;
         DragRecognizer recognizer(*m_monitor, Clock::system(), DispatchQueue::main(), &properties);
         DragRecognizerConfiguration configuration(preferences, recognizer);
-        RecordingDelegate delegate;
+        Test::RecordingRecognizerDelegate delegate;
         recognizer.setDelegate(&delegate);
         // Runs after the recognizer's own handler, so it sees what the release found.
         qsizetype endedAtRelease = -1;
@@ -251,23 +243,18 @@ private Q_SLOTS:
             });
         const auto removeReleaseMonitor = qScopeGuard([&] { m_monitor->removeMonitor(releaseToken); });
 
-        QProcess source;
-        source.start(QStringLiteral(FILE_DRAG_SOURCE_BINARY),
-                     gesture == Gesture::lateContent
-                         ? QStringList{QStringLiteral("--delay"), QStringLiteral("900")}
-                         : QStringList{});
-        QVERIFY(source.waitForStarted());
-        const auto stopSource = qScopeGuard([&source] {
-            source.kill();
-            source.waitForFinished();
-        });
-        QTRY_VERIFY_WITH_TIMEOUT(m_sourceOutput.append(source.readAllStandardOutput()).contains("ready "),
-                                 10000);
-        const QList<QByteArray> ready =
-            m_sourceOutput.mid(m_sourceOutput.indexOf("ready ")).trimmed().split(' ');
-        QCOMPARE(ready.size(), 3);
-        const int x = ready[1].toInt();
-        const int y = ready[2].toInt();
+        Test::HelperProgram source;
+        const QString dragged = QDir::home().filePath(QStringLiteral("dragged.txt"));
+        QVERIFY(Test::writeFile(dragged, "dragged\n"));
+        QStringList arguments{QStringLiteral("--kind"), QStringLiteral("files"), QStringLiteral("--file"),
+                              dragged};
+        if (gesture == Gesture::lateContent) {
+            arguments << QStringLiteral("--delay") << QStringLiteral("900");
+        }
+        const QPoint from = source.start(QStringLiteral(SHELF_DRAG_SOURCE_BINARY), arguments);
+        QVERIFY(!from.isNull());
+        const int x = from.x();
+        const int y = from.y();
         const qint64 changeCount = m_monitor->dragPasteboardChangeCount();
 
         Test::PointerScript script;
@@ -302,9 +289,8 @@ private Q_SLOTS:
         }
         QVERIFY(Test::runXdotool(script.arguments()));
 
-        QTRY_VERIFY_WITH_TIMEOUT(
-            m_sourceOutput.append(source.readAllStandardOutput()).contains("drag finished"), 10000);
-        QVERIFY(m_sourceOutput.contains("drag started"));
+        QVERIFY(source.waitFor("drag finished", 10000));
+        QVERIFY(source.output().contains("drag started"));
         QTRY_VERIFY(endedAtRelease >= 0);
         QVERIFY(m_monitor->dragPasteboardChangeCount() > changeCount);
         QCOMPARE(beganAtRelease, began ? 1 : 0);
@@ -387,7 +373,6 @@ private:
     DragMonitor::MonitorToken m_token = 0;
     QList<GlobalMouseEvent> m_events;
     QList<Window> m_windows;
-    QByteArray m_sourceOutput;
     int m_screenHeight = 0;
 };
 

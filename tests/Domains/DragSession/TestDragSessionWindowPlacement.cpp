@@ -32,6 +32,10 @@ private Q_SLOTS:
             << Location::bottomLeft << v << QList<QRectF>{QRectF(20, 20, 180, 188)} << QPointF(20, 218);
         QTest::newRow("cursor near a corner stays on screen")
             << Location::cursor << v << QList<QRectF>{} << QPointF(1260, 0);
+        // Two shelves fill the right column of a short screen.
+        QTest::newRow("full column moves inwards")
+            << Location::topRight << QRectF(0, 0, 800, 420)
+            << QList<QRectF>{QRectF(600, 212, 180, 188), QRectF(600, 14, 180, 188)} << QPointF(410, 212);
     }
 
     void origin()
@@ -43,16 +47,6 @@ private Q_SLOTS:
         const Screen screen{QStringLiteral("test"), visibleFrame, visibleFrame};
         const QPointF mouse(1430, 5);
         QCOMPARE(DragSessionWindowPlacement::origin(location, {180, 188}, screen, mouse, others), expected);
-    }
-
-    void fullColumnMovesInwards()
-    {
-        const Screen screen{QStringLiteral("small"), QRectF(0, 0, 800, 420), QRectF(0, 0, 800, 420)};
-        // Two shelves fill the right column of a short screen.
-        const QList<QRectF> others{QRectF(600, 212, 180, 188), QRectF(600, 14, 180, 188)};
-        const QPointF origin =
-            DragSessionWindowPlacement::origin(Location::topRight, {180, 188}, screen, {}, others);
-        QCOMPARE(origin, QPointF(410, 212));
     }
 };
 

@@ -1,0 +1,7 @@
+#pragma once
+
+namespace Vantrope {
+
+enum class ActionItemType { image, other };
+
+} // namespace Vantrope

@@ -1,0 +1,3 @@
+#include "ActionsLogging.h"
+
+Q_LOGGING_CATEGORY(lcActions, "vantrope.actions")

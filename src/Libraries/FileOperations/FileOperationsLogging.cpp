@@ -1,0 +1,3 @@
+#include "FileOperationsLogging.h"
+
+Q_LOGGING_CATEGORY(lcFileOperations, "vantrope.fileoperations")
