@@ -1,6 +1,7 @@
 #include "Job.h"
 
 #include <algorithm>
+#include <cmath>
 
 namespace Vantrope {
 
@@ -34,7 +35,8 @@ void Job::cancel()
 
 void Job::reportProgress(double fraction, const QString& title)
 {
-    if (m_state != State::running) {
+    // A fraction that is no number (a total of zero bytes, say) tells nothing, and clamps to nothing.
+    if (m_state != State::running || std::isnan(fraction)) {
         return;
     }
     Q_EMIT progressed(std::clamp(fraction, 0.0, 1.0), title);

@@ -41,7 +41,8 @@ public:
     void cancel();
 
 Q_SIGNALS:
-    // `fraction` lies in 0..1; `title` is empty when the work gave none.
+    // `fraction` lies in 0..1 (reports outside are clamped, NaN is dropped); `title` is empty when the
+    // work gave none.
     void progressed(double fraction, const QString& title);
     // The result's type is the concrete job's; a job without a value finishes with an invalid variant.
     void finished(const QVariant& result);

@@ -3,6 +3,7 @@
 
 #include <atomic>
 #include <chrono>
+#include <cmath>
 #include <memory>
 #include <QDeadlineTimer>
 #include <QMutex>
@@ -108,6 +109,7 @@ private Q_SLOTS:
                     [state](JobContext& context) -> ThreadPoolJob<int>::Outcome {
                         ++state->runs;
                         context.reportProgress(-0.5);
+                        context.reportProgress(std::nan(""), QStringLiteral("dropped"));
                         context.reportProgress(0.25, QStringLiteral("reading"));
                         context.reportProgress(0.5);
                         context.reportProgress(1.5, QStringLiteral("writing"));
