@@ -40,6 +40,13 @@ private Q_SLOTS:
     void runsWorkInOrderOneAtATime()
     {
         DispatchQueue queue(QStringLiteral("com.vantropeapp.test.serial"));
+        // Idle queues of their own, so the pool has threads to spare: with a single thread it would keep
+        // any queue serial by itself.
+        std::vector<std::unique_ptr<DispatchQueue>> idle;
+        for (int i = 0; i < 7; ++i) {
+            idle.push_back(
+                std::make_unique<DispatchQueue>(QStringLiteral("com.vantropeapp.test.idle-%1").arg(i)));
+        }
         std::vector<int> seen;
         std::atomic<int> running{0};
         std::atomic<bool> overlapped{false};
@@ -52,6 +59,8 @@ private Q_SLOTS:
                             overlapped = true;
                         }
                         seen.push_back(value);
+                        // Long enough for a second thread on the same queue to show.
+                        std::this_thread::yield();
                         running.fetch_sub(1);
                     });
                 }
