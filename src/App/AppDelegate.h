@@ -44,7 +44,7 @@ public:
     };
 
     // A second launch this soon after the first is taken as part of the first.
-    static constexpr double reopenGracePeriod = 3.0;
+    static constexpr std::chrono::milliseconds reopenGracePeriod{3000};
 
     explicit AppDelegate(const Dependencies& dependencies, QObject* parent = nullptr);
     ~AppDelegate() override;
@@ -64,7 +64,7 @@ public:
 
     RootCoordinator* rootCoordinator() const { return m_rootCoordinator.get(); }
     const QList<PendingAction>& pendingActions() const { return m_pendingActions; }
-    std::optional<double> launchDate() const { return m_launchDate; }
+    std::optional<Clock::TimePoint> launchDate() const { return m_launchDate; }
 
 Q_SIGNALS:
     void quitRequested();
@@ -78,7 +78,7 @@ private:
     std::unique_ptr<RootCoordinator> m_rootCoordinator;
     std::unique_ptr<VantropeServiceProvider> m_serviceProvider;
     QList<PendingAction> m_pendingActions;
-    std::optional<double> m_launchDate;
+    std::optional<Clock::TimePoint> m_launchDate;
 };
 
 } // namespace Vantrope

@@ -8,6 +8,7 @@
 #include <QScopeGuard>
 #include <QTest>
 
+using namespace std::chrono_literals;
 using namespace Vantrope::Test;
 
 // The real program on the test display and its private session bus, driven only through its own
@@ -249,9 +250,9 @@ private Q_SLOTS:
         gesture.startDrag(from);
         if (withModifier) {
             // The moves so far carried no content yet; the next one begins the gesture.
-            gesture.pause(0.6).move(10, 0);
+            gesture.pause(600ms).move(10, 0);
         } else {
-            gesture.pause(1.2).shake();
+            gesture.pause(1200ms).shake();
         }
         // Whatever happens, the button and the key do not stay down for the next test.
         PointerScript letGo;
@@ -275,9 +276,9 @@ private Q_SLOTS:
         PointerScript end;
         if (dropOnShelf) {
             // The drag source learns of the new window under the pointer from the next motion.
-            end.move(4, 4).pause(0.2).move(-4, -4).pause(0.3);
+            end.move(4, 4).pause(200ms).move(-4, -4).pause(300ms);
         } else {
-            end.move(0, 150).pause(0.05).move(0, 150).pause(0.05).move(0, 150).pause(0.3);
+            end.move(0, 150).pause(50ms).move(0, 150).pause(50ms).move(0, 150).pause(300ms);
         }
         QVERIFY(runXdotool(end.arguments() + letGo.arguments()));
         releaseAll.dismiss();

@@ -20,6 +20,7 @@
 #include <QTest>
 
 using namespace Vantrope;
+using namespace std::chrono_literals;
 
 // Launching, reopening and quitting with the real coordinators and shelf windows on the offscreen
 // platform, a hand-moved clock and preferences in memory.
@@ -62,26 +63,26 @@ private Q_SLOTS:
     void reopen_data()
     {
         QTest::addColumn<bool>("launched");
-        QTest::addColumn<double>("secondsAfterLaunch");
+        QTest::addColumn<std::chrono::milliseconds>("afterLaunch");
         QTest::addColumn<bool>("hiddenShelf");
         QTest::addColumn<QString>("expectedLine");
 
         QTest::newRow("before launching is done")
-            << false << 0.0 << false << QStringLiteral("We haven't launched yet. Ignoring.");
+            << false << 0ms << false << QStringLiteral("We haven't launched yet. Ignoring.");
         QTest::newRow("just inside the grace period")
-            << true << 2.9 << false << QStringLiteral("Probably triggered during launch. Ignoring");
+            << true << 2900ms << false << QStringLiteral("Probably triggered during launch. Ignoring");
         QTest::newRow("inside the grace period with a shelf")
-            << true << 0.5 << true << QStringLiteral("Probably triggered during launch. Ignoring");
+            << true << 500ms << true << QStringLiteral("Probably triggered during launch. Ignoring");
         QTest::newRow("after the grace period, no shelf")
-            << true << 3.0 << false << QStringLiteral("No coordinator found, opening settings instead.");
+            << true << 3000ms << false << QStringLiteral("No coordinator found, opening settings instead.");
         QTest::newRow("after the grace period, a shelf")
-            << true << 3.0 << true << QStringLiteral("We have a coordinator, showing it's window now");
+            << true << 3000ms << true << QStringLiteral("We have a coordinator, showing it's window now");
     }
 
     void reopen()
     {
         QFETCH(bool, launched);
-        QFETCH(double, secondsAfterLaunch);
+        QFETCH(std::chrono::milliseconds, afterLaunch);
         QFETCH(bool, hiddenShelf);
         QFETCH(QString, expectedLine);
 
@@ -93,7 +94,7 @@ private Q_SLOTS:
                 shelf->window().close();
             }
         }
-        m_clock->advance(secondsAfterLaunch);
+        m_clock->advance(afterLaunch);
 
         Test::LogCapture log;
         m_delegate->handleReopen();

@@ -12,6 +12,7 @@
 #include <QTest>
 
 using namespace Vantrope;
+using namespace std::chrono_literals;
 
 // The recent-shelves part of the tray menu over a real store with real files.
 class TestDragSessionHistoryMenuItemFactory final : public QObject {
@@ -103,7 +104,7 @@ private Q_SLOTS:
         QFETCH(int, openShelves);
         QFETCH(QStringList, remaining);
         save(QStringLiteral("B"), {QStringLiteral("b.txt")});
-        m_clock->advance(60);
+        m_clock->advance(60s);
         save(QStringLiteral("A"), {QStringLiteral("a.txt"), QStringLiteral("a2.txt")});
 
         QMenu menu;

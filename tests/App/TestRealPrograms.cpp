@@ -11,6 +11,7 @@
 #include <QStandardPaths>
 #include <QTest>
 
+using namespace std::chrono_literals;
 using namespace Vantrope::Test;
 
 // The real program with programs nobody on the team wrote: a web browser as a drag source and as a drop
@@ -67,7 +68,7 @@ if ('mozInnerScreenY' in window) {
         QVERIFY(!m_page.isEmpty());
 
         PointerScript gesture;
-        gesture.startDrag(m_page.topLeft() + QPoint(120, 60)).pause(1.0).shake();
+        gesture.startDrag(m_page.topLeft() + QPoint(120, 60)).pause(1s).shake();
         PointerScript letGo;
         letGo.release();
         auto releaseAll = qScopeGuard([&letGo] { runXdotool(letGo.arguments()); });
@@ -76,7 +77,7 @@ if ('mozInnerScreenY' in window) {
 
         // The browser learns of the window under the pointer from the next motion.
         PointerScript drop;
-        drop.move(4, 4).pause(0.3).move(-4, -4).pause(0.5);
+        drop.move(4, 4).pause(300ms).move(-4, -4).pause(500ms);
         QVERIFY(runXdotool(drop.arguments() + letGo.arguments()));
         releaseAll.dismiss();
         QTRY_COMPARE_WITH_TIMEOUT(m_agent->items().size(), 1, 5000);
@@ -133,9 +134,10 @@ if ('mozInnerScreenY' in window) {
         const QString profile = m_agent->path(QStringLiteral("firefox"));
         QVERIFY(QDir().mkpath(profile));
         m_firefox.setProcessEnvironment(m_agent->environment());
-        m_firefox.start(firefox, {QStringLiteral("--no-remote"), QStringLiteral("--new-instance"),
-                                  QStringLiteral("--profile"), profile,
-                                  QUrl::fromLocalFile(m_agent->path(QStringLiteral("page.html"))).toString()});
+        m_firefox.start(firefox,
+                        {QStringLiteral("--no-remote"), QStringLiteral("--new-instance"),
+                         QStringLiteral("--profile"), profile,
+                         QUrl::fromLocalFile(m_agent->path(QStringLiteral("page.html"))).toString()});
         QVERIFY(m_firefox.waitForStarted());
         // The page's origin on the screen, as the page itself tells it in its title.
         QPoint page;
@@ -158,8 +160,9 @@ if ('mozInnerScreenY' in window) {
         // Firefox starts its drag only after a few moves of the pressed pointer, and learns of the window
         // under the pointer from the motion after a jump.
         PointerScript drag;
-        drag.moveTo(picture).pause(0.3).press().pause(0.2).move(10, 0).pause(0.1).move(10, 0).pause(0.3);
-        drag.moveTo(shelf.center()).pause(0.3).move(3, 3).pause(0.3).move(-3, -3).pause(0.5).release();
+        drag.moveTo(picture).pause(300ms).press().pause(200ms);
+        drag.move(10, 0).pause(100ms).move(10, 0).pause(300ms);
+        drag.moveTo(shelf.center()).pause(300ms).move(3, 3).pause(300ms).move(-3, -3).pause(500ms).release();
         QVERIFY(runXdotool(drag.arguments()));
         QTRY_COMPARE_WITH_TIMEOUT(m_agent->items().size(), 1, 10000);
         const QString item = m_agent->items().at(0).toString();
@@ -240,7 +243,8 @@ private:
                                               .output.split('\n');
         for (const QByteArray& window : windows) {
             if (!window.isEmpty() &&
-                QString::fromUtf8(xdotool({QStringLiteral("getwindowname"), QString::fromLatin1(window)}).output)
+                QString::fromUtf8(
+                    xdotool({QStringLiteral("getwindowname"), QString::fromLatin1(window)}).output)
                     .startsWith(title)) {
                 return QString::fromLatin1(window);
             }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <chrono>
 #include <QPoint>
 #include <QString>
 #include <QStringList>
@@ -27,9 +28,10 @@ public:
         return *this;
     }
 
-    PointerScript& pause(double seconds)
+    PointerScript& pause(std::chrono::milliseconds duration)
     {
-        m_arguments << QStringLiteral("sleep") << QString::number(seconds, 'f', 3);
+        // xdotool takes seconds.
+        m_arguments << QStringLiteral("sleep") << QString::number(double(duration.count()) / 1000.0, 'f', 3);
         return *this;
     }
 
@@ -59,7 +61,8 @@ public:
 
     // Warps from one point to another in even steps with a pause after each, so a drag's target sees
     // the pointer arrive.
-    PointerScript& glide(const QPoint& from, const QPoint& to, int steps = 8, double stepPause = 0.06)
+    PointerScript& glide(const QPoint& from, const QPoint& to, int steps = 8,
+                         std::chrono::milliseconds stepPause = std::chrono::milliseconds(60))
     {
         for (int step = 1; step <= steps; ++step) {
             moveTo(from + (to - from) * step / steps).pause(stepPause);
@@ -69,7 +72,7 @@ public:
 
     // One horizontal shake of normal strength: runs of four 15-point steps, ending on the step that
     // makes the fifth counted turn, 45 points right of where it starts.
-    PointerScript& shake(double stepPause = 0.02)
+    PointerScript& shake(std::chrono::milliseconds stepPause = std::chrono::milliseconds(20))
     {
         for (int run = 0; run < 6; ++run) {
             for (int i = 0; i < (run == 5 ? 1 : 4); ++i) {
@@ -82,13 +85,15 @@ public:
     // Press on a drag source and move far enough that it starts its drag.
     PointerScript& startDrag(const QPoint& source)
     {
-        return moveTo(source).pause(0.1).press().pause(0.1).move(20, 0).pause(0.05).move(20, 0);
+        using namespace std::chrono_literals;
+        return moveTo(source).pause(100ms).press().pause(100ms).move(20, 0).pause(50ms).move(20, 0);
     }
 
     // A whole drag from one point to another, released there.
     PointerScript& drag(const QPoint& from, const QPoint& to)
     {
-        return moveTo(from).pause(0.2).press().pause(0.15).glide(from, to).pause(0.3).release();
+        using namespace std::chrono_literals;
+        return moveTo(from).pause(200ms).press().pause(150ms).glide(from, to).pause(300ms).release();
     }
 
     QStringList arguments() const { return m_arguments; }

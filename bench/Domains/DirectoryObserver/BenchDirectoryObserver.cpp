@@ -25,6 +25,7 @@
 #include <vector>
 
 using namespace Vantrope;
+using namespace std::chrono_literals;
 
 namespace {
 
@@ -52,7 +53,7 @@ std::optional<double> diffMilliseconds(const QString& folder, int entries, int r
     }
     ManualClock clock;
     InotifyDirectoryWatcher watcher;
-    FileSystemChangeObserver observer(QUrl::fromLocalFile(folder), 50, 0.4, clock, watcher);
+    FileSystemChangeObserver observer(QUrl::fromLocalFile(folder), 50, 400ms, clock, watcher);
     qsizetype reported = 0;
     observer.setOnAdded([&](const FileSystemChangeObserver::Items& items) { reported += items.size(); });
     if (!observer.start()) {
@@ -71,7 +72,7 @@ std::optional<double> diffMilliseconds(const QString& folder, int entries, int r
         }
         const quint64 before = observer.passCount();
         const auto start = std::chrono::steady_clock::now();
-        clock.advance(0.4);
+        clock.advance(400ms);
         const auto elapsed = std::chrono::steady_clock::now() - start;
         if (observer.passCount() != before + 1) {
             return std::nullopt;
@@ -79,7 +80,7 @@ std::optional<double> diffMilliseconds(const QString& folder, int entries, int r
         samples.push_back(std::chrono::duration<double, std::milli>(elapsed).count());
         // Late signals of this step must not start the next step's pass early.
         QCoreApplication::processEvents(QEventLoop::AllEvents, 20);
-        clock.advance(1.0);
+        clock.advance(1s);
     }
     if (reported != repetitions) {
         std::fprintf(stderr, "expected %d new files, %lld were reported\n", repetitions, qlonglong(reported));
@@ -106,7 +107,7 @@ std::optional<Burst> burst(const QString& folder, int files, double seconds)
     }
 
     InotifyDirectoryWatcher watcher;
-    FileSystemChangeObserver observer(QUrl::fromLocalFile(folder), 50, 0.4, Clock::system(), watcher);
+    FileSystemChangeObserver observer(QUrl::fromLocalFile(folder), 50, 400ms, Clock::system(), watcher);
     qsizetype reported = 0;
     observer.setOnAdded([&](const FileSystemChangeObserver::Items& items) { reported += items.size(); });
     if (!observer.start()) {

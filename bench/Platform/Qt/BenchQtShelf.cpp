@@ -45,6 +45,7 @@
 #include <vector>
 
 using namespace Vantrope;
+using namespace std::chrono_literals;
 
 namespace {
 
@@ -209,7 +210,7 @@ double measureShake(Shelves& shelves, const QString& file)
         // Press on the source, start its drag, wait for its content to show, then one shake.
         xdotool.start(
             QStringLiteral("xdotool"),
-            Test::PointerScript().startDrag(at).pause(1.2).shake().pause(0.4).release().arguments());
+            Test::PointerScript().startDrag(at).pause(1200ms).shake().pause(400ms).release().arguments());
         waitFor([&] { return xdotool.state() == QProcess::NotRunning; });
         // The release closes the empty shelf; wait for it before the next shake.
         waitFor([&] { return shelves.controller.coordinators().isEmpty(); });
@@ -295,7 +296,7 @@ int main(int argc, char* argv[])
 
     std::printf("drop_1000_to_view_ms %.1f ms\n", dropTime);
     std::printf("drop_1000_work_ms %.1f ms\n",
-                dropTime - DragSessionDropIntake::efficiencyModeReadDelay * 1000.0);
+                dropTime - double(DragSessionDropIntake::efficiencyModeReadDelay.count()));
     std::printf("shelf_1000_rss_mb %.1f MB\n", held);
     std::printf("shake_to_shelf_ms %.1f ms\n", shake);
     return 0;

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <chrono>
+
 namespace Vantrope {
 
 // When a shake counts as done. `requiredNumberOfTurns` must be exceeded, not met.
@@ -7,8 +9,8 @@ struct CompletionTreshold {
     int requiredNumberOfTurns = 4;
     // Points of horizontal travel a run needs before its turn counts.
     double requiredTurnDistance = 20.0;
-    // Seconds between two drag events after which the count starts afresh.
-    double resetSessionTimeInterval = 0.2;
+    // The gap between two drag events after which the count starts afresh.
+    std::chrono::milliseconds resetSessionTimeInterval{200};
 
     friend bool operator==(const CompletionTreshold&, const CompletionTreshold&) = default;
 };

@@ -31,15 +31,16 @@ DragRecognizer::~DragRecognizer()
 
 CompletionTreshold DragRecognizer::treshold(Sensitivity sensitivity)
 {
+    using namespace std::chrono_literals;
     switch (sensitivity) {
     case Sensitivity::normal:
         break;
     case Sensitivity::high:
-        return {3, 12.0, 0.2};
+        return {3, 12.0, 200ms};
     case Sensitivity::ludicrous:
-        return {1, 5.0, 0.2};
+        return {1, 5.0, 200ms};
     }
-    return {4, 20.0, 0.2};
+    return {4, 20.0, 200ms};
 }
 
 void DragRecognizer::setSensitivity(Sensitivity sensitivity)

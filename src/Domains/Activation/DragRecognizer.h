@@ -45,7 +45,7 @@ public:
         static State rejected() { return {Kind::rejected, std::nullopt}; }
     };
 
-    static constexpr double finishDelay = 0.1;
+    static constexpr std::chrono::milliseconds finishDelay{100};
 
     // Subscribes to `monitor` for good; the monitor must outlive the recognizer.
     DragRecognizer(DragMonitor& monitor, Clock& clock, DispatchQueue& mainQueue = DispatchQueue::main(),

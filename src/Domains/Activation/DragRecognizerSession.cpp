@@ -4,18 +4,7 @@
 
 namespace Vantrope {
 
-namespace {
-
-// Clock readings are doubles: a nanosecond of slack keeps a pause of exactly the limit from reading as
-// longer through rounding.
-bool exceeds(double elapsed, double limit)
-{
-    return elapsed - limit > 1e-9;
-}
-
-} // namespace
-
-void DragRecognizerSession::update(QPointF point, double now)
+void DragRecognizerSession::update(QPointF point, Clock::TimePoint now)
 {
     if (!initialPosition) {
         initialPosition = point;
@@ -32,13 +21,13 @@ void DragRecognizerSession::update(QPointF point, double now)
         const Direction previousDirection = *lastDirection;
         lastDirection = lastPosition->x() > point.x() ? Direction::right : Direction::left;
 
-        if (initialPositionTimestamp && exceeds(now - *initialPositionTimestamp, shakeWindow)) {
+        if (initialPositionTimestamp && now - *initialPositionTimestamp > shakeWindow) {
             currentNumberOfTurns = 0;
             turnDistance = 0;
             initialPositionTimestamp = now;
         }
         if (lastPositionUpdateTimestamp && !complete &&
-            exceeds(now - *lastPositionUpdateTimestamp, treshold.resetSessionTimeInterval)) {
+            now - *lastPositionUpdateTimestamp > treshold.resetSessionTimeInterval) {
             currentNumberOfTurns = 0;
             turnDistance = 0;
         }

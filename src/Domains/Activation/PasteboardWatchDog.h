@@ -14,7 +14,7 @@ class PasteboardWatchDog final {
 public:
     using ChangeCountReader = std::function<qint64()>;
 
-    static constexpr double pollInterval = 0.2;
+    static constexpr std::chrono::milliseconds pollInterval{200};
 
     PasteboardWatchDog(ChangeCountReader pasteboard, Clock& clock, DispatchQueue& queue);
     ~PasteboardWatchDog();

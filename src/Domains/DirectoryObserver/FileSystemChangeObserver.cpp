@@ -101,7 +101,7 @@ listDirectory(const QString& path, const QHash<QString, FileSystemChangeObserver
 } // namespace
 
 FileSystemChangeObserver::FileSystemChangeObserver(const QUrl& url, qsizetype onChangeFileLimit,
-                                                   double minimumDelay, Clock& clock,
+                                                   Clock::Duration minimumDelay, Clock& clock,
                                                    DirectoryWatcher& watcher)
     : m_url(url)
     , m_path(QDir::cleanPath(url.toLocalFile()))

@@ -24,8 +24,8 @@ public:
     using Items = QList<DirectoryObserverItem>;
     using Callback = std::function<void(const Items&)>;
 
-    FileSystemChangeObserver(const QUrl& url, qsizetype onChangeFileLimit, double minimumDelay, Clock& clock,
-                             DirectoryWatcher& watcher);
+    FileSystemChangeObserver(const QUrl& url, qsizetype onChangeFileLimit, Clock::Duration minimumDelay,
+                             Clock& clock, DirectoryWatcher& watcher);
     ~FileSystemChangeObserver();
     FileSystemChangeObserver(const FileSystemChangeObserver&) = delete;
     FileSystemChangeObserver& operator=(const FileSystemChangeObserver&) = delete;

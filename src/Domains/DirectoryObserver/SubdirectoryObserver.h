@@ -13,7 +13,7 @@ namespace Vantrope {
 class SubdirectoryObserver final : public DirectoryChangeResponder {
 public:
     static constexpr qsizetype changeFileLimit = 50;
-    static constexpr double changeDelay = 0.4;
+    static constexpr std::chrono::milliseconds changeDelay{400};
 
     // `parentResponder` owns this observer, or outlives it.
     SubdirectoryObserver(const QUrl& url, DirectoryChangeResponder* parentResponder, Clock& clock,

@@ -540,7 +540,7 @@ void DragSessionCoordinator::setShareState(const DragSessionActionState& state)
     m_view->setShareState(state);
 }
 
-void DragSessionCoordinator::showMessage(const QString& text, Message::Icon icon, double duration)
+void DragSessionCoordinator::showMessage(const QString& text, Message::Icon icon, Clock::Duration duration)
 {
     m_messages.show(m_window->windowNumber(), Message::plain(icon, text), duration);
 }

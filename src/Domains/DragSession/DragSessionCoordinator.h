@@ -46,9 +46,9 @@ public:
         Clock& clock;
     };
 
-    static constexpr double saveDelay = 1.0;
-    static constexpr double itemsUpdateDelay = 0.5;
-    static constexpr double failureMessageDuration = 5.0;
+    static constexpr std::chrono::milliseconds saveDelay{1000};
+    static constexpr std::chrono::milliseconds itemsUpdateDelay{500};
+    static constexpr std::chrono::milliseconds failureMessageDuration{5000};
 
     DragSessionCoordinator(DragSessionSource source, const DragSessionLabel& label,
                            std::unique_ptr<DragSessionItemsController> itemsController,
@@ -127,7 +127,7 @@ private:
     void prepareActionsIfNeeded(const DraggableList& items);
     void handleDeletedItems(const QList<DragSessionItemsController::DeleteContext>& contexts);
     void handleChangedItem(const DragSessionItemsController::ItemChangeContext& context);
-    void showMessage(const QString& text, Message::Icon icon, double duration);
+    void showMessage(const QString& text, Message::Icon icon, Clock::Duration duration);
     void teardown(const std::function<void()>& completion);
 
     const QString m_id;

@@ -5,6 +5,7 @@
 #include "Models/Draggable/DraggableContext.h"
 #include "Models/Pasteboard/Pasteboard.h"
 
+#include <chrono>
 #include <functional>
 #include <memory>
 #include <optional>
@@ -30,7 +31,7 @@ public:
     // hovers.
     static constexpr qsizetype efficiencyModeThreshold = 30;
     // The pause before a large drop is read.
-    static constexpr double efficiencyModeReadDelay = 0.5;
+    static constexpr std::chrono::milliseconds efficiencyModeReadDelay{500};
 
     // A drop the shelf turned away, with the number of items its rule refused.
     struct Rejection {

@@ -31,7 +31,7 @@ public:
     };
 
     // Deletions are gathered for this long into one batch.
-    static constexpr double pendingDeletesDelay = 1.0;
+    static constexpr std::chrono::milliseconds pendingDeletesDelay{1000};
 
     DragSessionItemsController(Clock& clock, FileWatcher& fileWatcher, QObject* parent = nullptr);
     ~DragSessionItemsController() override;

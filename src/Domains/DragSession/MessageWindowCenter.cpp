@@ -9,12 +9,12 @@ MessageWindowCenter::MessageWindowCenter(Clock& clock, QObject* parent)
     , m_clock(clock)
 {}
 
-void MessageWindowCenter::show(quint64 windowNumber, const Message& message, double duration)
+void MessageWindowCenter::show(quint64 windowNumber, const Message& message, Clock::Duration duration)
 {
     const quint64 generation = ++m_generation;
     m_messages.insert(windowNumber, {message, generation});
     Q_EMIT messageShown(windowNumber, message);
-    if (duration <= 0) {
+    if (duration <= Clock::Duration::zero()) {
         return;
     }
     // Only the message shown now may be taken down by its own timer.

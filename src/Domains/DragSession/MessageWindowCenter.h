@@ -15,8 +15,8 @@ class MessageWindowCenter final : public QObject {
 public:
     explicit MessageWindowCenter(Clock& clock, QObject* parent = nullptr);
 
-    // Replaces what the window shows; after `duration` seconds it goes by itself (0 keeps it up).
-    void show(quint64 windowNumber, const Message& message, double duration);
+    // Replaces what the window shows; after `duration` it goes by itself (zero keeps it up).
+    void show(quint64 windowNumber, const Message& message, Clock::Duration duration);
     void hide(quint64 windowNumber);
     bool hasMessage(quint64 windowNumber) const { return m_messages.contains(windowNumber); }
     std::optional<Message> message(quint64 windowNumber) const;

@@ -25,7 +25,7 @@ public:
     using Completion = std::function<void()>;
 
     static constexpr int maxNumberOfItems = 10;
-    static constexpr double saveDelay = 0.5;
+    static constexpr std::chrono::milliseconds saveDelay{500};
 
     // `filePath` empty for defaultFilePath(); `snapshotController` null for the default namespace with
     // three files at 180 by 180.

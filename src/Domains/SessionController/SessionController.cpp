@@ -313,7 +313,7 @@ void SessionController::handleScreenshot(const QUrl& url)
             target->window().windowNumber(),
             Message::plain(Message::Icon::screenshot,
                            Localized("shelf.screenshot-added.body", "Your screenshot is on the shelf.")),
-            3.0);
+            screenshotMessageDuration);
     }
 }
 

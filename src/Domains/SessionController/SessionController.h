@@ -6,6 +6,7 @@
 #include "Domains/DragSession/Screen.h"
 #include "Libraries/Core/DispatchQueue.h"
 
+#include <chrono>
 #include <functional>
 #include <memory>
 #include <optional>
@@ -33,6 +34,7 @@ public:
 
     // Marks the shelf that collects screenshots.
     static constexpr int screenshotShelfTag = 99;
+    static constexpr std::chrono::milliseconds screenshotMessageDuration{3000};
 
     struct Dependencies {
         PersistentDragSessionStore& sessionStore;

@@ -1,24 +1,17 @@
 #include "Clock.h"
 
-#include <QElapsedTimer>
-
 namespace Vantrope {
 
 namespace {
 
 class SystemClock final : public Clock {
 public:
-    SystemClock() { m_timer.start(); }
-
-    double now() const override { return static_cast<double>(m_timer.nsecsElapsed()) / 1e9; }
+    TimePoint now() const override { return std::chrono::steady_clock::now(); }
     QDateTime currentDateTime() const override { return QDateTime::currentDateTimeUtc(); }
-    void schedule(double seconds, DispatchQueue& queue, DispatchQueue::Work work) override
+    void schedule(Duration delay, DispatchQueue& queue, DispatchQueue::Work work) override
     {
-        queue.asyncAfter(seconds, std::move(work));
+        queue.asyncAfter(delay, std::move(work));
     }
-
-private:
-    QElapsedTimer m_timer;
 };
 
 } // namespace

@@ -2,6 +2,7 @@
 
 #include "DispatchQueue.h"
 
+#include <chrono>
 #include <QDateTime>
 
 namespace Vantrope {
@@ -9,14 +10,17 @@ namespace Vantrope {
 // The time that time-driven code reads and waits on. Tests hand in a ManualClock and move time by hand.
 class Clock {
 public:
+    using Duration = std::chrono::nanoseconds;
+    // Monotonic: only differences between two readings mean anything.
+    using TimePoint = std::chrono::steady_clock::time_point;
+
     virtual ~Clock() = default;
 
-    // Seconds on a monotonic scale; only differences mean anything.
-    virtual double now() const = 0;
+    virtual TimePoint now() const = 0;
     // Wall-clock time, for what is stored or shown.
     virtual QDateTime currentDateTime() const = 0;
-    // Runs `work` on `queue` once `seconds` have passed on this clock.
-    virtual void schedule(double seconds, DispatchQueue& queue, DispatchQueue::Work work) = 0;
+    // Runs `work` on `queue` once `delay` has passed on this clock.
+    virtual void schedule(Duration delay, DispatchQueue& queue, DispatchQueue::Work work) = 0;
 
     static Clock& system();
 };

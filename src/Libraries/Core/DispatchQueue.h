@@ -1,18 +1,26 @@
 #pragma once
 
+#include <chrono>
 #include <functional>
 #include <memory>
 #include <optional>
-#include <QObject>
 #include <QString>
 #include <type_traits>
 
-class QThread;
+class QObject;
 
 namespace Vantrope {
 
-// A serial queue: work runs one item at a time, in order, on one thread. `main()` is the GUI thread's
-// event loop; every other queue owns a thread of its own named after the label.
+// A serial queue: work runs one item at a time, in order. `main()` is the GUI thread's event loop. Every
+// other queue borrows a thread from a shared pool while it has work, and holds none while idle.
+//
+// The pool grows with the number of live queues, so a queue that has work always finds a thread even when
+// every other queue is blocked in a `sync`: only a cycle of syncs between queues can deadlock, as it would
+// with a thread per queue.
+//
+// Destroying a queue waits for the work queued before it to finish; delayed work not yet due is dropped,
+// and anything queued from then on is dropped. A queue destroyed by its own work cannot wait for itself:
+// it drops what is still queued.
 class DispatchQueue final {
 public:
     using Work = std::function<void()>;
@@ -29,7 +37,8 @@ public:
     bool isCurrent() const;
 
     void async(Work work);
-    void asyncAfter(double seconds, Work work);
+    // Timers have millisecond resolution; `delay` is rounded to the nearest millisecond.
+    void asyncAfter(std::chrono::nanoseconds delay, Work work);
 
     // Runs `work` on the queue and waits for it. Called on the queue itself it runs inline, so that a
     // nested sync cannot deadlock.
@@ -57,9 +66,11 @@ private:
     struct MainTag {};
     explicit DispatchQueue(MainTag);
 
+    class Serial;
+
     QString m_label;
-    std::unique_ptr<QThread> m_thread;
-    QObject* m_context = nullptr;
+    std::shared_ptr<Serial> m_serial; // every queue but main
+    QObject* m_mainContext = nullptr; // main only
 };
 
 } // namespace Vantrope

@@ -8,7 +8,7 @@ ManualClock::ManualClock(const QDateTime& start)
     : m_start(start)
 {}
 
-double ManualClock::now() const
+Clock::TimePoint ManualClock::now() const
 {
     QMutexLocker lock(&m_mutex);
     return m_now;
@@ -17,21 +17,22 @@ double ManualClock::now() const
 QDateTime ManualClock::currentDateTime() const
 {
     QMutexLocker lock(&m_mutex);
-    return m_start.addMSecs(static_cast<qint64>(m_now * 1000.0));
+    return m_start.addMSecs(
+        std::chrono::duration_cast<std::chrono::milliseconds>(m_now.time_since_epoch()).count());
 }
 
-void ManualClock::schedule(double seconds, DispatchQueue& queue, DispatchQueue::Work work)
+void ManualClock::schedule(Duration delay, DispatchQueue& queue, DispatchQueue::Work work)
 {
     QMutexLocker lock(&m_mutex);
-    m_timers.push_back({m_now + std::max(0.0, seconds), m_nextOrder++, &queue, std::move(work)});
+    m_timers.push_back({m_now + std::max(Duration::zero(), delay), m_nextOrder++, &queue, std::move(work)});
 }
 
-void ManualClock::advance(double seconds)
+void ManualClock::advance(Duration duration)
 {
-    double target;
+    TimePoint target;
     {
         QMutexLocker lock(&m_mutex);
-        target = m_now + seconds;
+        target = m_now + duration;
     }
     for (;;) {
         Timer next;

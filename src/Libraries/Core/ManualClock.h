@@ -13,23 +13,23 @@ class ManualClock final : public Clock {
 public:
     explicit ManualClock(const QDateTime& start = QDateTime(QDate(2026, 1, 1), QTime(12, 0), Qt::UTC));
 
-    double now() const override;
+    TimePoint now() const override;
     QDateTime currentDateTime() const override;
-    void schedule(double seconds, DispatchQueue& queue, DispatchQueue::Work work) override;
+    void schedule(Duration delay, DispatchQueue& queue, DispatchQueue::Work work) override;
 
-    void advance(double seconds);
+    void advance(Duration duration);
     int pendingCount() const;
 
 private:
     struct Timer {
-        double due;
+        TimePoint due;
         quint64 order;
         DispatchQueue* queue;
         DispatchQueue::Work work;
     };
 
     mutable QMutex m_mutex;
-    double m_now = 0;
+    TimePoint m_now; // starts at the clock's zero
     QDateTime m_start;
     quint64 m_nextOrder = 0;
     std::vector<Timer> m_timers;

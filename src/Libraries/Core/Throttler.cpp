@@ -2,7 +2,7 @@
 
 namespace Vantrope {
 
-Throttler::Throttler(double minimumDelay, DispatchQueue& queue, Clock& clock)
+Throttler::Throttler(Clock::Duration minimumDelay, DispatchQueue& queue, Clock& clock)
     : m_minimumDelay(minimumDelay)
     , m_queue(queue)
     , m_clock(clock)

@@ -8,12 +8,12 @@
 
 namespace Vantrope {
 
-// Coalesces bursts of work. The first call after a run schedules a run `minimumDelay` seconds later;
+// Coalesces bursts of work. The first call after a run schedules a run `minimumDelay` later;
 // calls until then only replace the closure, so the last one given runs, and two runs are never closer
 // than `minimumDelay`. Safe to call from any thread; the closure runs on `queue`.
 class Throttler final {
 public:
-    Throttler(double minimumDelay, DispatchQueue& queue, Clock& clock);
+    Throttler(Clock::Duration minimumDelay, DispatchQueue& queue, Clock& clock);
     ~Throttler();
     Throttler(const Throttler&) = delete;
     Throttler& operator=(const Throttler&) = delete;
@@ -22,7 +22,7 @@ public:
     // Drops what is pending; a closure already running finishes.
     void cancel();
 
-    double minimumDelay() const { return m_minimumDelay; }
+    Clock::Duration minimumDelay() const { return m_minimumDelay; }
     bool hasPendingWork() const;
 
 private:
@@ -34,7 +34,7 @@ private:
         bool alive = true;
     };
 
-    double m_minimumDelay;
+    Clock::Duration m_minimumDelay;
     DispatchQueue& m_queue;
     Clock& m_clock;
     std::shared_ptr<State> m_state;

@@ -9,7 +9,7 @@
 #include <QDBusMessage>
 #include <QDBusMetaType>
 #include <QDeadlineTimer>
-#include <QThread>
+#include <thread>
 
 namespace Vantrope {
 
@@ -32,8 +32,8 @@ template<typename T> std::expected<void, Error> withoutValue(const std::expected
 
 } // namespace
 
-ApplicationDBusClient::ApplicationDBusClient(int timeoutMilliseconds)
-    : m_timeout(timeoutMilliseconds)
+ApplicationDBusClient::ApplicationDBusClient(std::chrono::milliseconds timeout)
+    : m_timeout(timeout)
 {
     qDBusRegisterMetaType<QList<QVariantMap>>();
     qDBusRegisterMetaType<QList<QByteArray>>();
@@ -61,7 +61,7 @@ std::expected<QVariantList, Error> ApplicationDBusClient::call(const QString& me
     message.setArguments(arguments);
     // Nothing may be started on the caller's behalf: "not running" is an answer.
     message.setAutoStartService(false);
-    const QDBusMessage reply = bus.call(message, QDBus::Block, m_timeout);
+    const QDBusMessage reply = bus.call(message, QDBus::Block, int(m_timeout.count()));
     if (reply.type() == QDBusMessage::ReplyMessage) {
         return reply.arguments();
     }
@@ -79,7 +79,7 @@ std::expected<QVariantList, Error> ApplicationDBusClient::call(const QString& me
         }
         return std::unexpected(Error{
             Error::Kind::noAnswer, QStringLiteral("Vantrope is running but did not answer within %1 seconds")
-                                       .arg(m_timeout / 1000.0)});
+                                       .arg(std::chrono::duration<double>(m_timeout).count())});
     }
     if (name.startsWith(ApplicationDBusInterface::errorName(QString()))) {
         return std::unexpected(Error{Error::Kind::refused, reply.errorMessage()});
@@ -134,9 +134,9 @@ std::expected<void, Error> ApplicationDBusClient::quit() const
             return std::unexpected(Error{Error::Kind::noAnswer,
                                          QStringLiteral("Vantrope agreed to quit but is still running after "
                                                         "%1 seconds")
-                                             .arg(m_timeout / 1000.0)});
+                                             .arg(std::chrono::duration<double>(m_timeout).count())});
         }
-        QThread::msleep(20);
+        std::this_thread::sleep_for(std::chrono::milliseconds(20));
     }
     return {};
 }

@@ -2,6 +2,7 @@
 
 #include "ApplicationRequestHandler.h"
 
+#include <chrono>
 #include <expected>
 #include <QVariantList>
 
@@ -23,9 +24,9 @@ public:
         QString message;
     };
 
-    static constexpr int defaultTimeoutMilliseconds = 5000;
+    static constexpr std::chrono::milliseconds defaultTimeout{5000};
 
-    explicit ApplicationDBusClient(int timeoutMilliseconds = defaultTimeoutMilliseconds);
+    explicit ApplicationDBusClient(std::chrono::milliseconds timeout = defaultTimeout);
 
     bool isAgentRunning() const;
 
@@ -43,7 +44,7 @@ private:
     std::expected<QVariantList, Error> call(const QString& method, const QVariantList& arguments = {}) const;
     std::expected<QString, Error> callForString(const QString& method, const QVariantList& arguments) const;
 
-    int m_timeout;
+    std::chrono::milliseconds m_timeout;
 };
 
 } // namespace Vantrope

@@ -20,7 +20,7 @@ namespace Vantrope {
 
 namespace {
 
-constexpr int pollInterval = 100;
+constexpr std::chrono::milliseconds pollInterval{100};
 
 DraggableError failure(const QString& detail)
 {
@@ -56,7 +56,7 @@ public:
                                            QStringLiteral("extractSelectedFilesTo"));
         call << m_destination;
         auto* watcher = new QDBusPendingCallWatcher(
-            QDBusConnection::sessionBus().asyncCall(call, int(timeout * 1000)), this);
+            QDBusConnection::sessionBus().asyncCall(call, int(timeout.count())), this);
         connect(watcher, &QDBusPendingCallWatcher::finished, this, [this](QDBusPendingCallWatcher* finished) {
             finished->deleteLater();
             const QDBusPendingReply<> reply = *finished;
@@ -99,8 +99,9 @@ private:
             m_lastSnapshot = now;
             m_stillSince.start();
         }
-        const bool settled = !now.isEmpty() && m_stillSince.elapsed() >= qint64(settleTime * 1000);
-        if (!settled && m_elapsed.elapsed() < qint64(timeout * 1000)) {
+        const bool settled =
+            !now.isEmpty() && std::chrono::milliseconds(m_stillSince.elapsed()) >= settleTime;
+        if (!settled && std::chrono::milliseconds(m_elapsed.elapsed()) < timeout) {
             return;
         }
         m_poll.stop();

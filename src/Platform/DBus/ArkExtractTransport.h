@@ -2,6 +2,7 @@
 
 #include "Models/Draggable/FilePromiseTransport.h"
 
+#include <chrono>
 #include <memory>
 
 namespace Vantrope {
@@ -12,10 +13,10 @@ namespace Vantrope {
 // still for a moment.
 class ArkExtractTransport final : public FilePromiseTransport {
 public:
-    // How long the folder must stay unchanged before the extraction counts as done, in seconds.
-    static constexpr double settleTime = 0.5;
+    // How long the folder must stay unchanged before the extraction counts as done.
+    static constexpr std::chrono::milliseconds settleTime{500};
     // The longest an extraction may take before whatever has arrived is taken.
-    static constexpr double timeout = 600.0;
+    static constexpr std::chrono::milliseconds timeout{600'000};
 
     ArkExtractTransport(QString service, QString objectPath);
     ~ArkExtractTransport() override;

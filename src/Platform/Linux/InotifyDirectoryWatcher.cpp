@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <chrono>
 #include <cstring>
 #include <QFile>
 #include <QPointer>
@@ -21,7 +22,7 @@ constexpr uint32_t watchMask = IN_CREATE | IN_DELETE | IN_MOVED_FROM | IN_MOVED_
                                IN_ATTRIB | IN_DELETE_SELF | IN_MOVE_SELF | IN_ONLYDIR;
 
 // Long enough to gather a burst, short beside the throttle of any user.
-constexpr int batchMilliseconds = 20;
+constexpr std::chrono::milliseconds batchDelay{20};
 
 QString errorText(int error)
 {
@@ -65,7 +66,7 @@ InotifyDirectoryWatcher::InotifyDirectoryWatcher(QObject* parent)
     m_notifier = new QSocketNotifier(m_fd, QSocketNotifier::Read, this);
     connect(m_notifier, &QSocketNotifier::activated, this, [this] {
         m_notifier->setEnabled(false);
-        QTimer::singleShot(batchMilliseconds, this, &InotifyDirectoryWatcher::readEvents);
+        QTimer::singleShot(batchDelay, this, &InotifyDirectoryWatcher::readEvents);
     });
 }
 

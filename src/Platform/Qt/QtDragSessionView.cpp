@@ -32,7 +32,7 @@ namespace Vantrope {
 
 namespace {
 
-constexpr double attentionDuration = 1.05;
+constexpr std::chrono::milliseconds attentionDuration{1050};
 constexpr double grabberWidth = 34.0;
 constexpr double titleHeight = 34.0;
 // How long a target that answered "move" may take to fetch what it moves.
@@ -117,7 +117,7 @@ QtDragSessionView::QtDragSessionView(const Dependencies& dependencies, QWidget* 
         showMessage(m_windowNumber, *shown);
     }
 
-    m_attentionAnimation.setDuration(int(attentionDuration * 1000));
+    m_attentionAnimation.setDuration(int(attentionDuration.count()));
     m_attentionAnimation.setKeyValueAt(0.0, 0.7);
     m_attentionAnimation.setKeyValueAt(0.7, 0.7);
     m_attentionAnimation.setKeyValueAt(1.0, 0.0);

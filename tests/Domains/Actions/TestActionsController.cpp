@@ -11,6 +11,7 @@
 #include "TestActions.h"
 
 #include <atomic>
+#include <chrono>
 #include <QDir>
 #include <QDirIterator>
 #include <QSemaphore>
@@ -19,6 +20,8 @@
 #include <thread>
 
 using namespace Vantrope;
+using namespace std::chrono_literals;
+using std::chrono::milliseconds;
 using Vantrope::Test::describeMenu;
 
 namespace {
@@ -27,9 +30,9 @@ namespace {
 // item is ready at all.
 class FakeDraggable final : public Draggable {
 public:
-    explicit FakeDraggable(const QUrl& url, double delaySeconds = 0, bool fails = false, bool ready = true)
+    explicit FakeDraggable(const QUrl& url, milliseconds delay = {}, bool fails = false, bool ready = true)
         : m_url(url)
-        , m_delay(delaySeconds)
+        , m_delay(delay)
         , m_fails(fails)
         , m_ready(ready)
     {}
@@ -61,7 +64,7 @@ public:
 
 private:
     QUrl m_url;
-    double m_delay;
+    milliseconds m_delay;
     bool m_fails;
     bool m_ready;
 };
@@ -233,15 +236,15 @@ private Q_SLOTS:
 
     void itemsKeepTheShelfsOrder_data()
     {
-        QTest::addColumn<QList<double>>("delays");
-        QTest::newRow("finishing in order") << QList<double>{0, 0.02, 0.04};
-        QTest::newRow("finishing in reverse") << QList<double>{0.08, 0.04, 0};
-        QTest::newRow("middle last") << QList<double>{0, 0.08, 0};
+        QTest::addColumn<QList<milliseconds>>("delays");
+        QTest::newRow("finishing in order") << QList<milliseconds>{0ms, 20ms, 40ms};
+        QTest::newRow("finishing in reverse") << QList<milliseconds>{80ms, 40ms, 0ms};
+        QTest::newRow("middle last") << QList<milliseconds>{0ms, 80ms, 0ms};
     }
 
     void itemsKeepTheShelfsOrder()
     {
-        QFETCH(QList<double>, delays);
+        QFETCH(QList<milliseconds>, delays);
         DraggableList draggables;
         QList<QUrl> urls;
         for (int index = 0; index < delays.size(); ++index) {
@@ -251,7 +254,7 @@ private Q_SLOTS:
         }
         // A promise still on its way is left out.
         draggables.insert(
-            1, std::make_shared<FakeDraggable>(fileUrl(QStringLiteral("pending.txt")), 0, false, false));
+            1, std::make_shared<FakeDraggable>(fileUrl(QStringLiteral("pending.txt")), 0ms, false, false));
         auto operations = std::make_unique<FakeOperationsController>();
         FakeOperationsController* operationsView = operations.get();
         makeController(draggables, {Test::makeAction(QStringLiteral("copy"), ActionCategory::shelf)}, {},
@@ -269,7 +272,7 @@ private Q_SLOTS:
 
     void twoQuickPreparesRunOnePass()
     {
-        auto first = std::make_shared<FakeDraggable>(fileUrl(QStringLiteral("a.txt")), 0.05);
+        auto first = std::make_shared<FakeDraggable>(fileUrl(QStringLiteral("a.txt")), 50ms);
         auto second = std::make_shared<FakeDraggable>(fileUrl(QStringLiteral("b.txt")));
         makeController({first, second},
                        {Test::makeAction(ActionIdentifiers::preview, ActionCategory::primary)},
@@ -309,7 +312,7 @@ private Q_SLOTS:
         QFETCH(int, errorKind);
         const QUrl missing = QUrl::fromLocalFile(m_dir->filePath(QStringLiteral("missing.txt")));
         auto broken = resolutionFails
-                          ? std::make_shared<FakeDraggable>(fileUrl(QStringLiteral("x.txt")), 0, true)
+                          ? std::make_shared<FakeDraggable>(fileUrl(QStringLiteral("x.txt")), 0ms, true)
                           : std::make_shared<FakeDraggable>(missing);
         makeController({file(QStringLiteral("fine.txt")), broken},
                        {Test::makeAction(QStringLiteral("copy"), ActionCategory::shelf)},
@@ -414,7 +417,7 @@ private Q_SLOTS:
 
     void forgettingTheMenuWhileItIsMadeStillAnswersTheMenuRequest()
     {
-        auto item = std::make_shared<FakeDraggable>(fileUrl(QStringLiteral("a.txt")), 0.05);
+        auto item = std::make_shared<FakeDraggable>(fileUrl(QStringLiteral("a.txt")), 50ms);
         makeController({item}, {Test::makeAction(QStringLiteral("copy"), ActionCategory::shelf)}, {});
         std::optional<ActionsController::MenuResult> menu;
         m_controller->requestMenu({},

@@ -10,6 +10,7 @@
 #include <QTest>
 
 using namespace Vantrope;
+using namespace std::chrono_literals;
 using namespace Qt::StringLiterals;
 
 namespace {
@@ -17,7 +18,7 @@ namespace {
 constexpr quint64 appWindow = 0x100;
 constexpr quint64 ignoredWindow = 0x200;
 constexpr quint64 dockWindow = 0x300;
-constexpr double step = 0.02;
+constexpr std::chrono::milliseconds step{20};
 
 class FakeDragMonitor final : public DragMonitor {
 public:
@@ -132,7 +133,7 @@ private Q_SLOTS:
         // A dock's window is known as one only after a listing: an earlier drag lists the windows.
         m_monitor->drag({0, 0}, 0x999);
         m_monitor->up();
-        m_clock->advance(2);
+        m_clock->advance(2s);
         if (cancelled) {
             m_recognizer->setState(DragRecognizer::State::cancelled());
         }
@@ -174,7 +175,7 @@ private Q_SLOTS:
         QCOMPARE(m_delegate->began.size(), 0);
         QVERIFY(m_recognizer->ownerNameCache().dockWindowNumbers().contains(dockWindow));
         m_monitor->up();
-        m_clock->advance(1);
+        m_clock->advance(1s);
 
         m_monitor->drag({400, 300}, dockWindow, EventModifierFlag::control);
         QVERIFY(m_recognizer->isDockSession());
@@ -231,14 +232,14 @@ private Q_SLOTS:
         QVERIFY(!m_properties->isDraggingPasteboardContent());
         QVERIFY(!m_recognizer->pasteboardWatchDog().polling());
         const int reads = m_monitor->changeCountReads;
-        m_clock->advance(DragRecognizer::finishDelay - 0.01);
+        m_clock->advance(DragRecognizer::finishDelay - 10ms);
         QVERIFY(m_delegate->ended.isEmpty());
-        m_clock->advance(0.02);
+        m_clock->advance(20ms);
         QCOMPARE(m_delegate->ended, QList<SessionCloseFilter>{SessionCloseFilter::empty});
         QVERIFY(m_recognizer->state().kind == DragRecognizer::State::Kind::none);
         QVERIFY(!m_recognizer->session().initialPosition);
         QVERIFY(!m_recognizer->session().lastDirection);
-        m_clock->advance(5);
+        m_clock->advance(5s);
         QCOMPARE(m_monitor->changeCountReads, reads);
 
         // The next drag starts from scratch and polls again.
@@ -263,7 +264,7 @@ private Q_SLOTS:
         QCOMPARE(m_recognizer->session().initialPosition, std::optional(QPointF(400, 300)));
 
         // Past the one-second window the next drag's events clear the old count.
-        m_clock->advance(1);
+        m_clock->advance(1s);
         m_monitor->drag({300, 300}, appWindow);
         QCOMPARE(m_recognizer->session().currentNumberOfTurns, 0);
     }
@@ -280,28 +281,28 @@ private Q_SLOTS:
             },
             *m_clock, DispatchQueue::main());
         watchDog.setUpdateHandler([&] { ++updates; });
-        m_clock->advance(1);
+        m_clock->advance(1s);
         QCOMPARE(reads, 0);
 
         watchDog.setPolling(true);
-        m_clock->advance(0.5);
+        m_clock->advance(500ms);
         QCOMPARE(reads, 3);
         count = 6;
-        m_clock->advance(0.2);
+        m_clock->advance(200ms);
         // The count is read again after the handler, so one change is reported once.
-        m_clock->advance(1);
+        m_clock->advance(1s);
         QCOMPARE(updates, 1);
         QCOMPARE(watchDog.changeCount(), 6);
 
         watchDog.setPolling(false);
         const int readsWhenStopped = reads;
-        m_clock->advance(2);
+        m_clock->advance(2s);
         QCOMPARE(reads, readsWhenStopped);
         // A stop and a start within one interval leave a single tick running.
         watchDog.setPolling(true);
         watchDog.setPolling(false);
         watchDog.setPolling(true);
-        m_clock->advance(0.3);
+        m_clock->advance(300ms);
         QCOMPARE(reads, readsWhenStopped + 3);
     }
 

@@ -4,6 +4,8 @@
 #include <QTest>
 
 using namespace Vantrope;
+using namespace std::chrono_literals;
+using std::chrono::milliseconds;
 
 namespace {
 
@@ -43,16 +45,16 @@ private Q_SLOTS:
     {
         QTest::addColumn<DragRecognizer::Sensitivity>("sensitivity");
         QTest::addColumn<QList<double>>("xs");
-        QTest::addColumn<double>("interval");
+        QTest::addColumn<milliseconds>("interval");
         // The gap before the event at this index instead of `interval` (-1: none).
         QTest::addColumn<int>("pauseBefore");
-        QTest::addColumn<double>("pause");
+        QTest::addColumn<milliseconds>("pause");
         QTest::addColumn<int>("turns");
         QTest::addColumn<bool>("complete");
 
         using S = DragRecognizer::Sensitivity;
         const auto row = [](const char* tag, S sensitivity, const QList<double>& xs, int turns, bool complete,
-                            double interval = 0.02, int pauseBefore = -1, double pause = 0) {
+                            milliseconds interval = 20ms, int pauseBefore = -1, milliseconds pause = 0ms) {
             QTest::newRow(tag) << sensitivity << xs << interval << pauseBefore << pause << turns << complete;
         };
         // Six runs make five turns; the turn into run four is the event at index 3 + 3 * 3.
@@ -67,27 +69,27 @@ private Q_SLOTS:
         row("high, runs of 11 points", S::high, shake(repeated(5.5, 5)), 1, false);
         row("ludicrous, one turn", S::ludicrous, shake(repeated(2.5, 2)), 1, false);
         row("ludicrous, two turns", S::ludicrous, shake(repeated(2.5, 3)), 2, true);
-        row("a pause of 0.21 s clears the count", S::normal, six, 2, false, 0.02, 12, 0.21);
-        row("a pause of exactly 0.2 s does not", S::normal, six, 5, true, 0.02, 12, 0.2);
+        row("a pause of 0.21 s clears the count", S::normal, six, 2, false, 20ms, 12, 210ms);
+        row("a pause of exactly 0.2 s does not", S::normal, six, 5, true, 20ms, 12, 200ms);
         // 21 events 0.05 s apart span exactly the one-second window.
-        row("a shake within one second", S::normal, six, 5, true, 0.05);
-        row("a shake over one second never completes", S::normal, six, 0, false, 0.06);
-        row("a complete shake ignores pauses", S::normal, shake(repeated(10, 7)), 6, true, 0.02, 20, 0.5);
+        row("a shake within one second", S::normal, six, 5, true, 50ms);
+        row("a shake over one second never completes", S::normal, six, 0, false, 60ms);
+        row("a complete shake ignores pauses", S::normal, shake(repeated(10, 7)), 6, true, 20ms, 20, 500ms);
     }
 
     void countsTurns()
     {
         QFETCH(DragRecognizer::Sensitivity, sensitivity);
         QFETCH(QList<double>, xs);
-        QFETCH(double, interval);
+        QFETCH(milliseconds, interval);
         QFETCH(int, pauseBefore);
-        QFETCH(double, pause);
+        QFETCH(milliseconds, pause);
         QFETCH(int, turns);
         QFETCH(bool, complete);
 
         DragRecognizerSession session;
         session.treshold = DragRecognizer::treshold(sensitivity);
-        double now = 0;
+        Clock::TimePoint now;
         for (int i = 0; i < xs.size(); ++i) {
             if (i > 0) {
                 now += i == pauseBefore ? pause : interval;
@@ -129,9 +131,9 @@ private Q_SLOTS:
         QFETCH(double, turnDistance);
 
         DragRecognizerSession session;
-        double now = 0;
+        Clock::TimePoint now;
         for (const QPointF& point : points) {
-            session.update(point, now += 0.01);
+            session.update(point, now += 10ms);
         }
         QCOMPARE(session.lastDirection, direction);
         QCOMPARE(session.currentNumberOfTurns, turns);

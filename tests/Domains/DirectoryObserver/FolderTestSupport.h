@@ -42,7 +42,7 @@ inline void settle(ManualClock& clock)
         if (clock.pendingCount() == 0) {
             return;
         }
-        clock.advance(0.4);
+        clock.advance(std::chrono::milliseconds(400));
     }
 }
 

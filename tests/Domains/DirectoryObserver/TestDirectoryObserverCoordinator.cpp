@@ -7,6 +7,7 @@
 #include <QTest>
 
 using namespace Vantrope;
+using namespace std::chrono_literals;
 using namespace Qt::StringLiterals;
 
 namespace {
@@ -178,7 +179,7 @@ private Q_SLOTS:
         f.coordinator.setDataSource(&f.shelves);
         QVERIFY(f.write(u"fleeting.txt"_s));
         f.watcher.fireAll();
-        f.clock.advance(0.4);
+        f.clock.advance(400ms);
         QVERIFY(QFile::remove(f.folder + u"/fleeting.txt"_s));
         QCoreApplication::sendPostedEvents();
         QVERIFY(f.shelves.shelves.isEmpty());

@@ -10,13 +10,14 @@
 #include <QTest>
 
 using namespace Vantrope;
+using namespace std::chrono_literals;
 using namespace Qt::StringLiterals;
 
 namespace {
 
 // One observer on a fresh temporary folder, with what it reported.
 struct Fixture : Test::FolderFixture {
-    FileSystemChangeObserver observer{QUrl::fromLocalFile(folder), 50, 0.4, clock, watcher};
+    FileSystemChangeObserver observer{QUrl::fromLocalFile(folder), 50, 400ms, clock, watcher};
     QList<QStringList> added;
     QList<FileSystemChangeObserver::Items> removed;
 
@@ -88,12 +89,12 @@ private Q_SLOTS:
         for (int i = 0; i < 5; ++i) {
             QVERIFY(f.watcher.fire(f.folder));
         }
-        f.clock.advance(0.2);
+        f.clock.advance(200ms);
         QCOMPARE(f.observer.passCount(), baseline);
-        f.clock.advance(0.2);
+        f.clock.advance(200ms);
         QCOMPARE(f.observer.passCount(), baseline + 1);
         QCOMPARE(f.takeAdded(), QStringList{u"a.txt"_s});
-        f.clock.advance(10);
+        f.clock.advance(10s);
         QCOMPARE(f.observer.passCount(), baseline + 1);
     }
 
@@ -257,7 +258,7 @@ private Q_SLOTS:
         ManualClock clock;
         Test::FakeDirectoryWatcher watcher;
         for (const QString& target : {u"missing"_s, u"file.txt"_s}) {
-            FileSystemChangeObserver observer(QUrl::fromLocalFile(root.filePath(target)), 50, 0.4, clock,
+            FileSystemChangeObserver observer(QUrl::fromLocalFile(root.filePath(target)), 50, 400ms, clock,
                                               watcher);
             Test::LogCapture log;
             QVERIFY(!observer.start());

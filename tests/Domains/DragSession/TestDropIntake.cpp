@@ -16,6 +16,7 @@
 #include <QTest>
 
 using namespace Vantrope;
+using namespace std::chrono_literals;
 using Kind = DraggablePasteboardReader::Kind;
 
 Q_DECLARE_METATYPE(Vantrope::DraggablePasteboardReader::Kind)
@@ -173,10 +174,10 @@ private Q_SLOTS:
         }
         // Nothing more comes in while the large drop waits to be read.
         QVERIFY(!intake.enter(data));
-        clock.advance(DragSessionDropIntake::efficiencyModeReadDelay - 0.01);
+        clock.advance(DragSessionDropIntake::efficiencyModeReadDelay - 10ms);
         QCoreApplication::processEvents();
         QCOMPARE(read.size(), 0);
-        clock.advance(0.02);
+        clock.advance(20ms);
         QTRY_COMPARE(read.size(), 1);
         QCOMPARE(read.first(), count);
         intake.finish();

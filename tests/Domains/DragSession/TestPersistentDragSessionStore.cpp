@@ -16,6 +16,7 @@
 #include <QThread>
 
 using namespace Vantrope;
+using namespace std::chrono_literals;
 
 namespace {
 
@@ -288,18 +289,18 @@ private Q_SLOTS:
         ManualClock clock;
         auto store = std::make_unique<PersistentDragSessionStore>(m_path, snapshots(), clock);
         store->addSessionNow(session(QStringLiteral("a:0:x")));
-        clock.advance(0.2);
+        clock.advance(200ms);
         store->addSessionNow(session(QStringLiteral("b:1:y")));
-        clock.advance(0.29);
+        clock.advance(290ms);
         QVERIFY(!QFile::exists(m_path));
-        clock.advance(0.02);
+        clock.advance(20ms);
         QCOMPARE(identifiers(PersistentDragSessionStore::decode(Test::readFile(m_path)).sessions),
                  (QStringList{QStringLiteral("b"), QStringLiteral("a")}));
 
         store->deleteSessionNow(QStringLiteral("a"));
-        clock.advance(0.49);
+        clock.advance(490ms);
         QCOMPARE(PersistentDragSessionStore::decode(Test::readFile(m_path)).sessions.size(), 2);
-        clock.advance(0.02);
+        clock.advance(20ms);
         QCOMPARE(identifiers(PersistentDragSessionStore::decode(Test::readFile(m_path)).sessions),
                  QStringList{QStringLiteral("b")});
 

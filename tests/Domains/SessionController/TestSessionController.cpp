@@ -13,6 +13,7 @@
 #include <QTest>
 
 using namespace Vantrope;
+using namespace std::chrono_literals;
 
 // Runs the shelf logic on fake windows, with real files, a real recent-shelves file and a hand-moved clock.
 class TestSessionController final : public QObject {
@@ -82,7 +83,7 @@ private Q_SLOTS:
         auto shelf = controller().coordinators().first();
         if (state == QStringLiteral("message")) {
             m_shelves->messages.show(shelf->window().windowNumber(),
-                                     Message::plain(Message::Icon::info, QStringLiteral("hi")), 0);
+                                     Message::plain(Message::Icon::info, QStringLiteral("hi")), 0s);
         } else if (state == QStringLiteral("instant")) {
             shelf->setPendingInstantAction(QStringLiteral("mail"));
         } else if (state == QStringLiteral("reading")) {
@@ -106,14 +107,14 @@ private Q_SLOTS:
         QSignalSpy saved(&m_shelves->store, &PersistentDragSessionStore::sessionsChanged);
 
         shelf->throttleSave();
-        m_clock->advance(0.6);
+        m_clock->advance(600ms);
         shelf->throttleSave();
-        m_clock->advance(0.5);
+        m_clock->advance(500ms);
         QTRY_COMPARE(saved.size(), 1);
         QVERIFY(m_shelves->store.session(shelf->id()));
 
         shelf->throttleSave();
-        m_clock->advance(1.1);
+        m_clock->advance(1100ms);
         QTRY_COMPARE(saved.size(), 2);
     }
 
@@ -218,7 +219,7 @@ private Q_SLOTS:
         // The message keeps the empty shelf through the end of the drag, and goes after five seconds.
         controller().gestureEnded();
         QCOMPARE(controller().coordinators().size(), 1);
-        m_clock->advance(5.1);
+        m_clock->advance(5100ms);
         QVERIFY(!m_shelves->messages.hasMessage(shelf->window().windowNumber()));
     }
 
@@ -285,7 +286,7 @@ private Q_SLOTS:
             QVERIFY(m_fileWatcher.report(path, FileWatcher::Change::deleted));
         }
         // Deletions are gathered on the shelf's clock: move it on while the file events come in.
-        QTRY_VERIFY_WITH_TIMEOUT((m_clock->advance(0.25), shelf->itemsController().items().size() == 1),
+        QTRY_VERIFY_WITH_TIMEOUT((m_clock->advance(250ms), shelf->itemsController().items().size() == 1),
                                  5000);
         QCOMPARE(ui().m_views.first()->m_shown, DraggableList{c});
         const auto message = m_shelves->messages.message(shelf->window().windowNumber());

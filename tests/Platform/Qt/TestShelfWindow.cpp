@@ -27,6 +27,7 @@
 #include <xcb/xcb.h>
 
 using namespace Vantrope;
+using namespace std::chrono_literals;
 using namespace Vantrope::Test;
 
 namespace {
@@ -349,7 +350,7 @@ private Q_SLOTS:
         auto shelf = openShelf(QPoint(800, 420));
         QVERIFY(runXdotool(PointerScript()
                                .glide(from + QPoint(40, 0), shelfCentre(*shelf))
-                               .pause(0.3)
+                               .pause(300ms)
                                .release()
                                .arguments()));
         QVERIFY(m_source.waitFor("dropped"));
@@ -627,7 +628,7 @@ private Q_SLOTS:
         auto empty = openShelf(QPoint(1310, 330));
         m_shelves->messages.show(
             empty->window().windowNumber(),
-            Message::plain(Message::Icon::warning, QStringLiteral("This is already on the shelf.")), 0);
+            Message::plain(Message::Icon::warning, QStringLiteral("This is already on the shelf.")), 0s);
         shelfView(*empty).updateHoverState(true);
         QTest::qWait(600);
 

@@ -20,6 +20,7 @@
 #include <X11/Xutil.h>
 
 using namespace Vantrope;
+using namespace std::chrono_literals;
 
 namespace {
 
@@ -123,19 +124,19 @@ private Q_SLOTS:
             script << QStringLiteral("mousedown") << button;
         }
         script << Test::PointerScript()
-                      .pause(0.05)
+                      .pause(50ms)
                       .move(30, 10)
-                      .pause(0.05)
+                      .pause(50ms)
                       .move(30, 10)
-                      .pause(0.05)
+                      .pause(50ms)
                       .arguments();
         // The monitor reads the modifiers when it handles an event, so the keys stay down until a loaded
         // machine has surely handled the last motion and the release, as a person's hand does.
         if (!button.isEmpty()) {
-            script << Test::PointerScript().pause(0.3).arguments() << QStringLiteral("mouseup") << button;
+            script << Test::PointerScript().pause(300ms).arguments() << QStringLiteral("mouseup") << button;
         }
         if (!key.isEmpty()) {
-            script << Test::PointerScript().pause(0.3).arguments() << QStringLiteral("keyup") << key;
+            script << Test::PointerScript().pause(300ms).arguments() << QStringLiteral("keyup") << key;
         }
         QVERIFY(Test::runXdotool(script));
         if (!reported) {
@@ -265,24 +266,24 @@ private Q_SLOTS:
         switch (gesture) {
         case Gesture::shake:
             // Long enough for the drag's content to be seen and the one-second window to start over.
-            script.pause(1.2).shake();
+            script.pause(1200ms).shake();
             break;
         case Gesture::slowShake:
-            script.pause(1.2).shake(0.25);
+            script.pause(1200ms).shake(250ms);
             break;
         case Gesture::modifier:
             // The moves so far carried no content yet; the next one begins the gesture.
-            script.pause(0.6).move(10, 0);
+            script.pause(600ms).move(10, 0);
             expected = QPointF(x + 50, m_screenHeight - y);
             break;
         case Gesture::lateContent:
             // The shake is over before the source starts its drag, 0.9 s after the press. The gesture
             // begins where the pointer is then; a warp moves it without a drag event.
-            script.pause(0.05).shake().moveTo(QPoint(x + 100, y + 30)).pause(0.8);
+            script.pause(50ms).shake().moveTo(QPoint(x + 100, y + 30)).pause(800ms);
             expected = QPointF(x + 100, m_screenHeight - y - 30);
             break;
         }
-        script.pause(0.3).release();
+        script.pause(300ms).release();
         if (gesture == Gesture::modifier) {
             script.keyUp(QStringLiteral("shift"));
         }
