@@ -3,6 +3,7 @@
 #include "DesktopLogging.h"
 #include "Libraries/Core/Localized.h"
 
+#include <chrono>
 #include <QDBusConnection>
 #include <QDBusConnectionInterface>
 #include <QDBusMessage>
@@ -15,7 +16,7 @@ namespace Vantrope {
 
 namespace {
 
-constexpr int busTimeout = 5000;
+constexpr std::chrono::milliseconds busTimeout{5000};
 
 QStringList localPaths(const QList<QUrl>& urls)
 {
@@ -42,7 +43,7 @@ QDBusMessage callDevice(const QString& path, const QString& interface, const QSt
     QDBusMessage call =
         QDBusMessage::createMethodCall(ShareTargets::kdeConnectService, path, interface, method);
     call.setArguments(arguments);
-    return QDBusConnection::sessionBus().call(call, QDBus::Block, busTimeout);
+    return QDBusConnection::sessionBus().call(call, QDBus::Block, int(busTimeout.count()));
 }
 
 QString devicePath(const QString& id)
@@ -124,7 +125,7 @@ QList<ShareTarget> ShareTargets::kdeConnectDevices()
                 call << uris;
                 // The daemon may be slow to answer: the shelf does not wait for it.
                 auto* watcher =
-                    new QDBusPendingCallWatcher(QDBusConnection::sessionBus().asyncCall(call, busTimeout));
+                    new QDBusPendingCallWatcher(QDBusConnection::sessionBus().asyncCall(call, int(busTimeout.count())));
                 QObject::connect(watcher, &QDBusPendingCallWatcher::finished, watcher, [watcher, name, done] {
                     watcher->deleteLater();
                     if (watcher->isError()) {
