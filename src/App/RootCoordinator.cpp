@@ -2,6 +2,7 @@
 
 #include "AppLogging.h"
 #include "DisplayEnvironment.h"
+#include "Domains/Actions/DesktopActions.h"
 #include "Domains/Activation/DragMonitor.h"
 #include "Domains/Activation/DragRecognizer.h"
 #include "Domains/Activation/DragRecognizerConfiguration.h"
@@ -13,6 +14,9 @@
 #include "Version.h"
 #include "WindowCoordinator.h"
 
+#include <QClipboard>
+#include <QGuiApplication>
+
 namespace Vantrope {
 
 RootCoordinator::RootCoordinator(const Dependencies& dependencies, QObject* parent)
@@ -21,10 +25,19 @@ RootCoordinator::RootCoordinator(const Dependencies& dependencies, QObject* pare
 {
     // The screenshot observer and its bookmark store come first once screenshots land.
     m_windowCoordinator = std::make_unique<WindowCoordinator>(dependencies.preferences);
+    DesktopActions* desktopActions = dependencies.desktopActions;
+    if (!desktopActions) {
+        // DESKTOP ACTIONS: plug the program's desktop actions in here once VantropeDesktop is linked:
+        // m_desktopActions = std::make_unique<LinuxDesktopActions>();
+        desktopActions = m_desktopActions.get();
+    }
+    WindowCoordinator* windows = m_windowCoordinator.get();
     m_sessionController = std::make_unique<SessionController>(SessionController::Dependencies{
         dependencies.sessionStore, dependencies.preferences, dependencies.shelfInterface,
         dependencies.screens, dependencies.messages, dependencies.clipboard, dependencies.clock,
-        dependencies.fileWatcher});
+        dependencies.fileWatcher, desktopActions,
+        [](const QString& text) { QGuiApplication::clipboard()->setText(text); },
+        [windows] { windows->showSettings(); }});
     m_menuItemController =
         std::make_unique<MenuItemController>(*m_sessionController, dependencies.sessionStore);
     // Watched folders and the temporary data sanitizer take their place here when they land.

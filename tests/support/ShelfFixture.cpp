@@ -21,7 +21,8 @@ ShelfFixture::ShelfFixture(const Platform& platform)
     if (platform.withController) {
         controller = std::make_unique<SessionController>(
             SessionController::Dependencies{store, preferences, *ui, platform.screens, messages,
-                                            platform.clipboard, platform.clock, platform.fileWatcher});
+                                            platform.clipboard, platform.clock, platform.fileWatcher,
+                                            platform.desktopActions, platform.copyText});
     }
 }
 

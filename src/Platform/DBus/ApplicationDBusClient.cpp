@@ -3,6 +3,7 @@
 #include "ApplicationDBusInterface.h"
 #include "SessionBusAddress.h"
 
+#include <limits>
 #include <QDBusArgument>
 #include <QDBusConnection>
 #include <QDBusConnectionInterface>
@@ -61,7 +62,8 @@ std::expected<QVariantList, Error> ApplicationDBusClient::call(const QString& me
     message.setArguments(arguments);
     // Nothing may be started on the caller's behalf: "not running" is an answer.
     message.setAutoStartService(false);
-    const QDBusMessage reply = bus.call(message, QDBus::Block, m_timeout);
+    const int timeout = timeoutMilliseconds < 0 ? m_timeout : timeoutMilliseconds;
+    const QDBusMessage reply = bus.call(message, QDBus::Block, timeout);
     if (reply.type() == QDBusMessage::ReplyMessage) {
         return reply.arguments();
     }
@@ -79,7 +81,7 @@ std::expected<QVariantList, Error> ApplicationDBusClient::call(const QString& me
         }
         return std::unexpected(Error{
             Error::Kind::noAnswer, QStringLiteral("Vantrope is running but did not answer within %1 seconds")
-                                       .arg(m_timeout / 1000.0)});
+                                       .arg(timeout / 1000.0)});
     }
     if (name.startsWith(ApplicationDBusInterface::errorName(QString()))) {
         return std::unexpected(Error{Error::Kind::refused, reply.errorMessage()});
@@ -89,9 +91,10 @@ std::expected<QVariantList, Error> ApplicationDBusClient::call(const QString& me
 }
 
 std::expected<QString, Error> ApplicationDBusClient::callForString(const QString& method,
-                                                                   const QVariantList& arguments) const
+                                                                   const QVariantList& arguments,
+                                                                   int timeoutMilliseconds) const
 {
-    const auto values = call(method, arguments);
+    const auto values = call(method, arguments, timeoutMilliseconds);
     if (!values) {
         return std::unexpected(values.error());
     }
@@ -164,6 +167,29 @@ std::expected<QList<ShelfSummary>, Error> ApplicationDBusClient::shelves() const
         result.append(shelf);
     }
     return result;
+}
+
+std::expected<QList<ShelfActionSummary>, Error> ApplicationDBusClient::shelfActions(const QString& shelf) const
+{
+    // Preparing the items of a large shelf reads every file once.
+    const auto values = call(QStringLiteral("ListActions"), {shelf}, qMax(m_timeout, 60000));
+    if (!values) {
+        return std::unexpected(values.error());
+    }
+    QList<ShelfActionSummary> result;
+    if (values->isEmpty()) {
+        return result;
+    }
+    for (const QVariantMap& entry : qdbus_cast<QList<QVariantMap>>(values->first())) {
+        result.append({entry.value(QStringLiteral("identifier")).toString(),
+                       entry.value(QStringLiteral("title")).toString()});
+    }
+    return result;
+}
+
+std::expected<QString, Error> ApplicationDBusClient::runAction(const QString& shelf, const QString& action) const
+{
+    return callForString(QStringLiteral("RunAction"), {shelf, action}, std::numeric_limits<int>::max());
 }
 
 } // namespace Vantrope

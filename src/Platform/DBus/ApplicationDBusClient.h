@@ -38,10 +38,17 @@ public:
     // Returns once the agent has left the bus.
     std::expected<void, Error> quit() const;
     std::expected<QList<ShelfSummary>, Error> shelves() const;
+    // An empty shelf identifier asks for the shelf used last.
+    std::expected<QList<ShelfActionSummary>, Error> shelfActions(const QString& shelf) const;
+    // Waits for the action to end, however long that takes (an upload may take minutes).
+    std::expected<QString, Error> runAction(const QString& shelf, const QString& action) const;
 
 private:
-    std::expected<QVariantList, Error> call(const QString& method, const QVariantList& arguments = {}) const;
-    std::expected<QString, Error> callForString(const QString& method, const QVariantList& arguments) const;
+    // A negative timeout is the client's own.
+    std::expected<QVariantList, Error> call(const QString& method, const QVariantList& arguments = {},
+                                            int timeoutMilliseconds = -1) const;
+    std::expected<QString, Error> callForString(const QString& method, const QVariantList& arguments,
+                                                int timeoutMilliseconds = -1) const;
 
     int m_timeout;
 };
