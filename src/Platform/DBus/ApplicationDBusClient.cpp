@@ -47,7 +47,8 @@ bool ApplicationDBusClient::isAgentRunning() const
 }
 
 std::expected<QVariantList, Error> ApplicationDBusClient::call(const QString& method,
-                                                               const QVariantList& arguments) const
+                                                               const QVariantList& arguments,
+                                                               int timeoutMilliseconds) const
 {
     QDBusConnection bus = QDBusConnection::sessionBus();
     if (!bus.isConnected()) {

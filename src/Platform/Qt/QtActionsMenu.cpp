@@ -33,9 +33,9 @@ void QtActionsMenu::addEntries(QMenu& menu, const std::vector<ActionMenuEntry>& 
             continue;
         }
         if (const auto* submenu = std::get_if<ActionMenuEntry::Submenu>(&entry.value)) {
-            auto* child = new QMenu(submenu->menuTitle.isEmpty() ? submenu->title : submenu->menuTitle, &menu);
+            // A QMenu's title is also the text of the row that opens it: the row's text wins.
+            auto* child = new QMenu(submenu->title, &menu);
             addEntries(*child, submenu->entries, choose);
-            child->menuAction()->setText(submenu->title);
             child->menuAction()->setIcon(themeIcon(submenu->iconName));
             menu.addMenu(child);
             continue;

@@ -458,6 +458,16 @@ void QtDragSessionView::changeEvent(QEvent* event)
     QWidget::changeEvent(event);
 }
 
+DragSessionInlineEditor* QtDragSessionView::inlineEditor() const
+{
+    return m_inlineEditor;
+}
+
+DragSessionSearchView* QtDragSessionView::searchView() const
+{
+    return m_searchView;
+}
+
 void QtDragSessionView::contextMenuEvent(QContextMenuEvent* event)
 {
     requestActionsMenu(event->pos());

@@ -4,11 +4,10 @@
 #include "Domains/DragSession/Message.h"
 #include "DragSessionInboundDropView.h"
 
+#include <QMenu>
 #include <QPointer>
 #include <QVariantAnimation>
 #include <QWidget>
-
-class QMenu;
 
 namespace Vantrope {
 
@@ -60,11 +59,11 @@ public:
     void showActionsMenu(const ActionsControllerMenu& menu) override;
     void presentSearch(const SearchRequest& request) override;
     void dismissSearch() override;
-    DragSessionSearchView* searchView() const { return m_searchView; }
+    DragSessionSearchView* searchView() const;
 
     // The open action menu or inline editor, if any.
     QMenu* actionsMenu() const { return m_actionsMenu; }
-    DragSessionInlineEditor* inlineEditor() const { return m_inlineEditor; }
+    DragSessionInlineEditor* inlineEditor() const;
     DragSessionButton& menuButton() const { return *m_menuButton; }
     // Asks for the action menu as a right click at `position` (in this view) does.
     void requestActionsMenu(const QPoint& position);
