@@ -125,7 +125,8 @@ CommandLine::Request CommandLine::parse(const QStringList& arguments, const QStr
     }
     if (command == QStringLiteral("run")) {
         if (operands.size() != 1 || operands.first().isEmpty()) {
-            return Invalid{QStringLiteral("\"run\" needs one action identifier; \"vantrope actions\" lists them")};
+            return Invalid{
+                QStringLiteral("\"run\" needs one action identifier; \"vantrope actions\" lists them")};
         }
         return RunAction{operands.first(), shelf.value_or(QString())};
     }
@@ -175,7 +176,8 @@ QString CommandLine::helpText()
         "  close-all            close every shelf; closed shelves stay in the recent list\n"
         "  list [--json]        show the open shelves with their identifiers, labels and items\n"
         "  actions [--shelf ID] [--json]\n"
-        "                       list the actions on offer for a shelf's items (default: the shelf used last)\n"
+        "                       list the actions on offer for a shelf's items (default: the shelf used "
+        "last)\n"
         "  run ACTION [--shelf ID]\n"
         "                       run one of those actions and print its result (a link or a message)\n"
         "  quit                 end Vantrope\n"

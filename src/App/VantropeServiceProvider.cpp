@@ -182,8 +182,8 @@ VantropeServiceProvider::shelfFor(const QString& identifier) const
     if (auto shelf = sessions.coordinator(identifier)) {
         return shelf;
     }
-    return std::unexpected(
-        Error{Error::Kind::unknownShelf, QStringLiteral("no open shelf has the identifier \"%1\"").arg(identifier)});
+    return std::unexpected(Error{Error::Kind::unknownShelf,
+                                 QStringLiteral("no open shelf has the identifier \"%1\"").arg(identifier)});
 }
 
 void VantropeServiceProvider::shelfActions(
@@ -196,9 +196,9 @@ void VantropeServiceProvider::shelfActions(
     }
     (*coordinator)->availableActions([done](const DragSessionCoordinator::AvailableActions& actions) {
         if (!actions) {
-            done(std::unexpected(Error{Error::Kind::actionFailed,
-                                       QStringLiteral("the shelf's items could not be prepared: %1")
-                                           .arg(actions.error().description())}));
+            done(std::unexpected(
+                Error{Error::Kind::actionFailed, QStringLiteral("the shelf's items could not be prepared: %1")
+                                                     .arg(actions.error().description())}));
             return;
         }
         QList<ShelfActionSummary> result;

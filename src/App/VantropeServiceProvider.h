@@ -1,8 +1,8 @@
 #pragma once
 
-#include <memory>
-
 #include "Platform/DBus/ApplicationRequestHandler.h"
+
+#include <memory>
 
 namespace Vantrope {
 
@@ -22,8 +22,9 @@ public:
     void closeAll(std::function<void()> done) override;
     void quit() override;
     QList<ShelfSummary> shelves() const override;
-    void shelfActions(const QString& shelf,
-                      std::function<void(const std::expected<QList<ShelfActionSummary>, Error>&)> done) override;
+    void
+    shelfActions(const QString& shelf,
+                 std::function<void(const std::expected<QList<ShelfActionSummary>, Error>&)> done) override;
     void runAction(const QString& shelf, const QString& action,
                    std::function<void(const std::expected<QString, Error>&)> done) override;
 

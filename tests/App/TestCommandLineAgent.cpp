@@ -205,14 +205,16 @@ private Q_SLOTS:
         const auto listed = m_agent->run({QStringLiteral("actions"), QStringLiteral("--json")});
         QCOMPARE(listed.exitCode, 0);
         const QStringList offered = identifiers(listed.output);
-        for (const char* expected : {"clear_shelf", "drag_session_stack_remove", "custom_pin", "global_preferences"}) {
+        for (const char* expected :
+             {"clear_shelf", "drag_session_stack_remove", "custom_pin", "global_preferences"}) {
             QVERIFY2(offered.contains(QString::fromUtf8(expected)), qPrintable(offered.join(u' ')));
         }
         // Renaming takes exactly one item; the shelf is not pinned, so it can't be unpinned.
         QVERIFY(!offered.contains(QStringLiteral("drag_session_stack_rename")));
         QVERIFY(!offered.contains(QStringLiteral("custom_unpin")));
         // The shelf used last is the one named.
-        const auto named = m_agent->run({QStringLiteral("actions"), QStringLiteral("--shelf"), shelf, QStringLiteral("--json")});
+        const auto named = m_agent->run(
+            {QStringLiteral("actions"), QStringLiteral("--shelf"), shelf, QStringLiteral("--json")});
         QCOMPARE(identifiers(named.output), offered);
         const auto text = m_agent->run({QStringLiteral("actions")});
         QVERIFY2(text.text().contains(QStringLiteral("clear_shelf\t")), qPrintable(text.text()));
@@ -221,7 +223,8 @@ private Q_SLOTS:
         QCOMPARE(pinned.exitCode, 0);
         QVERIFY(m_agent->list().at(0).toObject().value(QStringLiteral("pinned")).toBool());
 
-        const auto cleared = m_agent->run({QStringLiteral("run"), QStringLiteral("clear_shelf"), QStringLiteral("--shelf"), shelf});
+        const auto cleared = m_agent->run(
+            {QStringLiteral("run"), QStringLiteral("clear_shelf"), QStringLiteral("--shelf"), shelf});
         QCOMPARE(cleared.exitCode, 0);
         QCOMPARE(cleared.error, QString());
         QTRY_COMPARE(m_agent->items(0).size(), 0);
@@ -233,14 +236,17 @@ private Q_SLOTS:
     {
         QTest::addColumn<QStringList>("arguments");
         QTest::addColumn<QString>("error");
-        QTest::newRow("unknown action") << strings({"run", "no_such_action"})
-                                        << "vantrope: \"no_such_action\" is not on offer for this shelf's items.\n";
-        QTest::newRow("rename needs one item") << strings({"run", "drag_session_stack_rename"})
-                                               << "vantrope: \"drag_session_stack_rename\" is not on offer for this shelf's items.\n";
+        QTest::newRow("unknown action")
+            << strings({"run", "no_such_action"})
+            << "vantrope: \"no_such_action\" is not on offer for this shelf's items.\n";
+        QTest::newRow("rename needs one item")
+            << strings({"run", "drag_session_stack_rename"})
+            << "vantrope: \"drag_session_stack_rename\" is not on offer for this shelf's items.\n";
         QTest::newRow("unknown shelf") << strings({"run", "clear_shelf", "--shelf", "NOPE"})
                                        << "vantrope: no open shelf has the identifier \"NOPE\"\n";
-        QTest::newRow("actions of an unknown shelf") << strings({"actions", "--shelf", "NOPE"})
-                                                     << "vantrope: no open shelf has the identifier \"NOPE\"\n";
+        QTest::newRow("actions of an unknown shelf")
+            << strings({"actions", "--shelf", "NOPE"})
+            << "vantrope: no open shelf has the identifier \"NOPE\"\n";
     }
 
     void runRefusesWhatItCannotDo()
@@ -271,7 +277,8 @@ private Q_SLOTS:
         QVERIFY(m_agent->start());
         QVERIFY(writeFile(file("b.txt"), "bb"));
         QVERIFY(writeFile(file("c d.txt"), "ccc"));
-        QCOMPARE(m_agent->run({QStringLiteral("add"), file("a.txt"), file("b.txt"), file("c d.txt")}).exitCode, 0);
+        QCOMPARE(
+            m_agent->run({QStringLiteral("add"), file("a.txt"), file("b.txt"), file("c d.txt")}).exitCode, 0);
         const auto listed = m_agent->run({QStringLiteral("actions"), QStringLiteral("--json")});
         QCOMPARE(listed.exitCode, 0);
         if (!identifiers(listed.output).contains(QStringLiteral("compress"))) {
@@ -282,7 +289,8 @@ private Q_SLOTS:
         QString archive = compressed.text();
         if (!archive.endsWith(QStringLiteral(".zip"))) {
             // The action reveals the archive rather than naming it: it is the one zip in the agent's home.
-            const auto found = m_agent->runTool(QStringLiteral("find"), {m_agent->home(), QStringLiteral("-name"), QStringLiteral("*.zip")});
+            const auto found = m_agent->runTool(
+                QStringLiteral("find"), {m_agent->home(), QStringLiteral("-name"), QStringLiteral("*.zip")});
             archive = found.text();
         }
         QVERIFY2(QFileInfo(archive).isFile(), qPrintable(archive));

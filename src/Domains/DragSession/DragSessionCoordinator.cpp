@@ -7,9 +7,6 @@
 #include "Domains/Actions/DesktopActions.h"
 #include "DragSessionLogging.h"
 #include "DragSessionSettingsAction.h"
-#include "PreferencesAction.h"
-#include "RemoveAction.h"
-#include "RenameAction.h"
 #include "DragSessionWindowPlacement.h"
 #include "Libraries/Core/DispatchQueue.h"
 #include "Libraries/Core/Localized.h"
@@ -19,6 +16,9 @@
 #include "PersistentDragSession.h"
 #include "PersistentDragSessionStore.h"
 #include "Preferences/Preferences.h"
+#include "PreferencesAction.h"
+#include "RemoveAction.h"
+#include "RenameAction.h"
 
 #include <algorithm>
 #include <QFileInfo>
@@ -342,8 +342,8 @@ void DragSessionCoordinator::prepareActionsIfNeeded(const DraggableList& items)
         };
         services.archiver = desktop->archiver();
     }
-    m_actionsController = std::make_unique<ActionsController>(items, makeActions(), m_preferences,
-                                                              std::move(services));
+    m_actionsController =
+        std::make_unique<ActionsController>(items, makeActions(), m_preferences, std::move(services));
     m_actionsController->setDelegate(this);
     m_actionsController->setSupplementarySearchActions(makeSupplementarySearchActions());
     connect(m_actionsController.get(), &ActionsController::searchableElementsChanged, this, [this] {
@@ -368,7 +368,8 @@ void DragSessionCoordinator::dropActionsController()
     if (auto controller = std::move(m_actionsController)) {
         controller->disconnect(this);
         // Often called from inside the controller's own report: it goes once that has returned.
-        DispatchQueue::main().async([controller = std::shared_ptr<ActionsController>(std::move(controller))] {});
+        DispatchQueue::main().async(
+            [controller = std::shared_ptr<ActionsController>(std::move(controller))] {});
     }
 }
 
@@ -392,19 +393,21 @@ ActionList DragSessionCoordinator::makeActions()
             }
         }
     }
-    actions.append(std::make_shared<AddFromClipboardAction>(!m_pasteboardController.draggables().isEmpty(),
-                                                            [self] { return self ? self->addFromClipboard() : 0; }));
+    actions.append(
+        std::make_shared<AddFromClipboardAction>(!m_pasteboardController.draggables().isEmpty(),
+                                                 [self] { return self ? self->addFromClipboard() : 0; }));
     if (copyToPasteboard) {
         actions.append(copyToPasteboard);
     }
     actions.append(shelfActions);
-    actions.append(std::make_shared<RenameAction>([self](const ActionItem& item, const Action::Completion& completion) {
-        if (self) {
-            self->renameItem(item, completion);
-        } else {
-            completion(std::unexpected(ActionError(ActionError::Kind::canceled)));
-        }
-    }));
+    actions.append(
+        std::make_shared<RenameAction>([self](const ActionItem& item, const Action::Completion& completion) {
+            if (self) {
+                self->renameItem(item, completion);
+            } else {
+                completion(std::unexpected(ActionError(ActionError::Kind::canceled)));
+            }
+        }));
     actions.append(std::make_shared<RemoveAction>([self](const ActionItemList& items) {
         if (self) {
             self->removeItems(self->draggablesFor(items));
@@ -436,16 +439,16 @@ ActionList DragSessionCoordinator::makeActions()
                 self->setLabel(label);
                 return;
             }
-            self->m_view->editInline(self->m_label.name.value_or(QString()),
-                                     [self](const std::optional<QString>& name) {
-                                         if (!self || !name) {
-                                             return;
-                                         }
-                                         DragSessionLabel label = self->m_label;
-                                         const QString trimmed = name->trimmed();
-                                         label.name = trimmed.isEmpty() ? std::nullopt : std::optional(trimmed);
-                                         self->setLabel(label);
-                                     });
+            self->m_view->editInline(
+                self->m_label.name.value_or(QString()), [self](const std::optional<QString>& name) {
+                    if (!self || !name) {
+                        return;
+                    }
+                    DragSessionLabel label = self->m_label;
+                    const QString trimmed = name->trimmed();
+                    label.name = trimmed.isEmpty() ? std::nullopt : std::optional(trimmed);
+                    self->setLabel(label);
+                });
         });
     m_settingsAction = settings;
     actions.append(settings);
@@ -533,7 +536,8 @@ void DragSessionCoordinator::removeItems(const DraggableList& draggables)
     throttleSave();
 }
 
-void DragSessionCoordinator::moveToNewShelf(MoveToNewShelfAction::Context context, const ActionItemList& items)
+void DragSessionCoordinator::moveToNewShelf(MoveToNewShelfAction::Context context,
+                                            const ActionItemList& items)
 {
     const DraggableList draggables = draggablesFor(items);
     if (draggables.isEmpty() || !m_delegate) {
@@ -569,7 +573,8 @@ int DragSessionCoordinator::addFromClipboard()
 void DragSessionCoordinator::renameItem(const ActionItem& item, const Action::Completion& completion)
 {
     const DraggableList draggables = draggablesFor({item});
-    const auto file = draggables.isEmpty() ? nullptr : std::dynamic_pointer_cast<DraggableFile>(draggables.first());
+    const auto file =
+        draggables.isEmpty() ? nullptr : std::dynamic_pointer_cast<DraggableFile>(draggables.first());
     if (!file || !file->url() || !file->url()->isLocalFile()) {
         completion(std::unexpected(ActionError::underlying(
             Localized("action.rename.error.no-file", "Only a file on disk can be renamed."))));
@@ -655,23 +660,24 @@ void DragSessionCoordinator::availableActions(std::function<void(const Available
         completion(QList<ActionSearchItem>());
         return;
     }
-    controller->requestMenu({}, [self = QPointer(this), completion](const ActionsController::MenuResult& menu) {
-        if (!self || !self->m_actionsController) {
-            completion(std::unexpected(ActionError(ActionError::Kind::canceled)));
-            return;
-        }
-        self->m_actionsController->menuDidClose();
-        if (!menu) {
-            completion(std::unexpected(menu.error()));
-            return;
-        }
-        QList<ActionSearchItem> items;
-        for (const auto& element : self->m_actionsController->searchableElements().value_or(
-                 QList<ActionsController::SearchElement>())) {
-            items.append(element.item);
-        }
-        completion(items);
-    });
+    controller->requestMenu(
+        {}, [self = QPointer(this), completion](const ActionsController::MenuResult& menu) {
+            if (!self || !self->m_actionsController) {
+                completion(std::unexpected(ActionError(ActionError::Kind::canceled)));
+                return;
+            }
+            self->m_actionsController->menuDidClose();
+            if (!menu) {
+                completion(std::unexpected(menu.error()));
+                return;
+            }
+            QList<ActionSearchItem> items;
+            for (const auto& element : self->m_actionsController->searchableElements().value_or(
+                     QList<ActionsController::SearchElement>())) {
+                items.append(element.item);
+            }
+            completion(items);
+        });
 }
 
 void DragSessionCoordinator::showSearch(const QString& text)
@@ -684,7 +690,8 @@ void DragSessionCoordinator::showSearch(const QString& text)
         return;
     }
     if (!controller->searchableElements()) {
-        qCInfo(lcDragSession) << "Actions controller does not have the items prepared, forcing preparation now...";
+        qCInfo(lcDragSession)
+            << "Actions controller does not have the items prepared, forcing preparation now...";
     }
     m_isSearchShown = true;
     markUsed();
@@ -711,8 +718,10 @@ void DragSessionCoordinator::showSearch(const QString& text)
             }
             self->m_isSearchShown = false;
             self->m_view->dismissSearch();
-            const auto item = std::find_if(offered.cbegin(), offered.cend(),
-                                           [&identifier](const auto& candidate) { return candidate.identifier == identifier; });
+            const auto item =
+                std::find_if(offered.cbegin(), offered.cend(), [&identifier](const auto& candidate) {
+                    return candidate.identifier == identifier;
+                });
             if (item != offered.cend() && self->m_actionsController) {
                 self->m_actionsController->performAction(*item);
             }
@@ -744,9 +753,11 @@ void DragSessionCoordinator::runAction(const QString& identifier, RunCompletion 
             return;
         }
         const auto& elements = *self->m_actionsController->searchableElements();
-        const auto element = std::find_if(elements.cbegin(), elements.cend(),
-                                          [&found](const auto& candidate) { return candidate.item == *found; });
-        if (const auto* backing = std::get_if<ActionsControllerSearchItemsFactory::ActionBacking>(&element->backing)) {
+        const auto element =
+            std::find_if(elements.cbegin(), elements.cend(),
+                         [&found](const auto& candidate) { return candidate.item == *found; });
+        if (const auto* backing =
+                std::get_if<ActionsControllerSearchItemsFactory::ActionBacking>(&element->backing)) {
             self->m_runCompletions.append({backing->action, completion});
             self->m_actionsController->performAction(*found);
             return;
@@ -832,7 +843,8 @@ void DragSessionCoordinator::didFinishPerformingAction(const ActionPtr& action, 
     scheduleItemsUpdate();
 }
 
-void DragSessionCoordinator::handleActionCompletion(const ActionPtr& action, const ActionResultContext& context)
+void DragSessionCoordinator::handleActionCompletion(const ActionPtr& action,
+                                                    const ActionResultContext& context)
 {
     const QPointer self(this);
     if (action->isDestructive()) {

@@ -15,7 +15,6 @@
 #include "MoveToNewShelfAction.h"
 
 #include <expected>
-
 #include <functional>
 #include <memory>
 #include <optional>

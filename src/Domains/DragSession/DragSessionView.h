@@ -1,9 +1,9 @@
 #pragma once
 
+#include "Domains/Actions/ActionMenuEntry.h"
 #include "DragSessionActionState.h"
 #include "DragSessionDropIntake.h"
 #include "DragSessionLabel.h"
-#include "Domains/Actions/ActionMenuEntry.h"
 #include "Libraries/Core/SearchItem.h"
 #include "Models/Draggable/Draggable.h"
 
@@ -55,7 +55,8 @@ public:
 
     // A one-line editor over the shelf, filled with `text`. `done` runs once: with the text on Enter,
     // with none when the user gives up (Escape, or the editor loses the focus).
-    virtual void editInline(const QString& text, std::function<void(const std::optional<QString>& text)> done) = 0;
+    virtual void editInline(const QString& text,
+                            std::function<void(const std::optional<QString>& text)> done) = 0;
     // Opens the action menu at the pointer, now that it is ready.
     virtual void showActionsMenu(const ActionsControllerMenu& menu) = 0;
     // Covers the shelf with a search field and the list under it until one is chosen or it is dismissed.

@@ -44,19 +44,19 @@ std::expected<QString, RenameAction::Error> RenameAction::renameFile(const QStri
 {
     const QString name = newName.trimmed();
     if (name.isEmpty()) {
-        return std::unexpected(Error{Error::Kind::emptyName,
-                                     Localized("action.rename.error.empty", "A name can't be empty.")});
+        return std::unexpected(
+            Error{Error::Kind::emptyName, Localized("action.rename.error.empty", "A name can't be empty.")});
     }
     if (name.contains(QLatin1Char('/')) || name == QStringLiteral(".") || name == QStringLiteral("..") ||
         name.contains(QChar(0))) {
-        return std::unexpected(Error{Error::Kind::invalidName,
-                                     Localized("action.rename.error.invalid", "A name can't contain \"/\".")});
+        return std::unexpected(Error{Error::Kind::invalidName, Localized("action.rename.error.invalid",
+                                                                         "A name can't contain \"/\".")});
     }
     const QFileInfo source(path);
     if (!source.exists() && !source.isSymLink()) {
-        return std::unexpected(Error{Error::Kind::missing,
-                                     Localized("action.rename.error.missing", "\"%1\" is no longer there.")
-                                         .arg(source.fileName())});
+        return std::unexpected(Error{
+            Error::Kind::missing,
+            Localized("action.rename.error.missing", "\"%1\" is no longer there.").arg(source.fileName())});
     }
     const QString target = source.dir().filePath(name);
     if (target == source.filePath()) {
@@ -68,16 +68,17 @@ std::expected<QString, RenameAction::Error> RenameAction::renameFile(const QStri
     if (::renameat2(AT_FDCWD, from.constData(), AT_FDCWD, to.constData(), RENAME_NOREPLACE) != 0) {
         const int error = errno;
         qCWarning(lcDragSession).noquote()
-            << QStringLiteral("Failed to rename %1 to %2: %3").arg(source.filePath(), name, QString::fromLocal8Bit(strerror(error)));
+            << QStringLiteral("Failed to rename %1 to %2: %3")
+                   .arg(source.filePath(), name, QString::fromLocal8Bit(strerror(error)));
         if (error == EEXIST) {
             return std::unexpected(
                 Error{Error::Kind::exists, Localized("action.rename.error.exists",
                                                      "An item named \"%1\" already exists in this folder.")
                                                .arg(name)});
         }
-        return std::unexpected(
-            Error{Error::Kind::failed, Localized("action.rename.error.failed", "\"%1\" could not be renamed: %2")
-                                           .arg(source.fileName(), QString::fromLocal8Bit(strerror(error)))});
+        return std::unexpected(Error{
+            Error::Kind::failed, Localized("action.rename.error.failed", "\"%1\" could not be renamed: %2")
+                                     .arg(source.fileName(), QString::fromLocal8Bit(strerror(error)))});
     }
     return target;
 }

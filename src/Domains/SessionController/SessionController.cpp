@@ -84,8 +84,7 @@ QPointF SessionController::originFor(const DragSessionSource& source) const
             others.append(coordinator->window().frame());
         }
     }
-    const auto stored =
-        m_dependencies.preferences.value(PreferenceKeys::defaultShelfLocation);
+    const auto stored = m_dependencies.preferences.value(PreferenceKeys::defaultShelfLocation);
     const auto location = SettingsItem::shelfLocation(stored).value_or(SettingsItem::ShelfLocation::topRight);
 
     if (source.is<DragSessionSource::Gesture>()) {
@@ -115,9 +114,9 @@ std::shared_ptr<DragSessionCoordinator> SessionController::startSession(DragSess
     auto itemsController =
         std::make_unique<DragSessionItemsController>(m_dependencies.clock, m_dependencies.fileWatcher);
     const DragSessionCoordinator::Dependencies dependencies{
-        m_dependencies.sessionStore, m_dependencies.preferences, m_dependencies.userInterface,
-        m_dependencies.messages,     m_dependencies.clipboard,   m_dependencies.clock,
-        m_dependencies.desktopActions, m_dependencies.copyText, m_dependencies.openPreferences};
+        m_dependencies.sessionStore,   m_dependencies.preferences, m_dependencies.userInterface,
+        m_dependencies.messages,       m_dependencies.clipboard,   m_dependencies.clock,
+        m_dependencies.desktopActions, m_dependencies.copyText,    m_dependencies.openPreferences};
     auto coordinator = std::make_shared<DragSessionCoordinator>(std::move(source), newLabel(),
                                                                 std::move(itemsController), dependencies);
     coordinator->setDelegate(this);

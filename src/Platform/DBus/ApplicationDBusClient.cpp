@@ -170,7 +170,8 @@ std::expected<QList<ShelfSummary>, Error> ApplicationDBusClient::shelves() const
     return result;
 }
 
-std::expected<QList<ShelfActionSummary>, Error> ApplicationDBusClient::shelfActions(const QString& shelf) const
+std::expected<QList<ShelfActionSummary>, Error>
+ApplicationDBusClient::shelfActions(const QString& shelf) const
 {
     // Preparing the items of a large shelf reads every file once.
     const auto values = call(QStringLiteral("ListActions"), {shelf}, qMax(m_timeout, 60000));
@@ -188,7 +189,8 @@ std::expected<QList<ShelfActionSummary>, Error> ApplicationDBusClient::shelfActi
     return result;
 }
 
-std::expected<QString, Error> ApplicationDBusClient::runAction(const QString& shelf, const QString& action) const
+std::expected<QString, Error> ApplicationDBusClient::runAction(const QString& shelf,
+                                                               const QString& action) const
 {
     return callForString(QStringLiteral("RunAction"), {shelf, action}, std::numeric_limits<int>::max());
 }

@@ -191,11 +191,13 @@ QList<QVariantMap> ApplicationDBusService::ListActions(const QString& shelf)
     // Answered once the shelf's items are prepared, which takes a moment for a large shelf.
     setDelayedReply(true);
     m_handler->shelfActions(
-        shelf, [connection = connection(), request = message()](
-                   const std::expected<QList<ShelfActionSummary>, ApplicationRequestHandler::Error>& actions) {
+        shelf,
+        [connection = connection(), request = message()](
+            const std::expected<QList<ShelfActionSummary>, ApplicationRequestHandler::Error>& actions) {
             if (!actions) {
                 connection.send(request.createErrorReply(
-                    ApplicationDBusInterface::errorName(errorSuffix(actions.error().kind)), actions.error().message));
+                    ApplicationDBusInterface::errorName(errorSuffix(actions.error().kind)),
+                    actions.error().message));
                 return;
             }
             QList<QVariantMap> entries;

@@ -60,8 +60,9 @@ public:
     virtual QList<ShelfSummary> shelves() const = 0;
     // The actions on offer for the items of the shelf with this identifier, or of the shelf used last for
     // an empty one. `done` runs once the items are prepared.
-    virtual void shelfActions(const QString& shelf,
-                              std::function<void(const std::expected<QList<ShelfActionSummary>, Error>&)> done) = 0;
+    virtual void
+    shelfActions(const QString& shelf,
+                 std::function<void(const std::expected<QList<ShelfActionSummary>, Error>&)> done) = 0;
     // Runs one of them; `done` gets what it left (a link or a message, maybe empty) once it has ended.
     virtual void runAction(const QString& shelf, const QString& action,
                            std::function<void(const std::expected<QString, Error>&)> done) = 0;

@@ -1,19 +1,18 @@
 #include "QtDragSessionView.h"
 
-#include "DragSessionInlineEditor.h"
-#include "DragSessionSearchView.h"
-#include "QtActionsMenu.h"
-
 #include "Domains/DragSession/DragSessionLogging.h"
 #include "Domains/DragSession/MessageWindowCenter.h"
 #include "DragSessionButton.h"
+#include "DragSessionInlineEditor.h"
 #include "DragSessionOverlayView.h"
+#include "DragSessionSearchView.h"
 #include "DragSessionStackView.h"
 #include "Libraries/Core/Localized.h"
 #include "Models/Draggable/DraggableFile.h"
 #include "Models/Draggable/DraggablePromise.h"
 #include "OutboundDragData.h"
 #include "Preferences/Preferences.h"
+#include "QtActionsMenu.h"
 
 #ifdef WITH_X11
 #include "Platform/X11/X11DirectSaveSource.h"
@@ -23,13 +22,13 @@
 #include <chrono>
 #include <memory>
 #include <QApplication>
+#include <QContextMenuEvent>
 #include <QCursor>
 #include <QDrag>
-#include <QMimeData>
-#include <QContextMenuEvent>
-#include <QMenu>
 #include <QKeyEvent>
 #include <QLineEdit>
+#include <QMenu>
+#include <QMimeData>
 #include <QMouseEvent>
 #include <QPainter>
 #include <QPainterPath>
@@ -120,9 +119,8 @@ QtDragSessionView::QtDragSessionView(const Dependencies& dependencies, QWidget* 
     });
     connect(m_restoreButton, &QAbstractButton::clicked, this,
             [this] { m_delegate.didSelectRestoreButton(); });
-    connect(m_menuButton, &QAbstractButton::clicked, this, [this] {
-        requestActionsMenu(m_menuButton->geometry().bottomLeft() + m_dropView->pos());
-    });
+    connect(m_menuButton, &QAbstractButton::clicked, this,
+            [this] { requestActionsMenu(m_menuButton->geometry().bottomLeft() + m_dropView->pos()); });
 
     connect(&dependencies.messages, &MessageWindowCenter::messageShown, this,
             &QtDragSessionView::showMessage);
@@ -280,7 +278,8 @@ void QtDragSessionView::layoutChildren()
         m_searchView->setGeometry(card.adjusted(6, 6, -6, -6).toAlignedRect());
     }
     if (m_inlineEditor) {
-        m_inlineEditor->setGeometry(int(card.left() + 10), int(card.bottom() - 10 - m_inlineEditor->sizeHint().height()),
+        m_inlineEditor->setGeometry(int(card.left() + 10),
+                                    int(card.bottom() - 10 - m_inlineEditor->sizeHint().height()),
                                     int(card.width() - 20), m_inlineEditor->sizeHint().height());
     }
     const int width = int(card.width() - 12);
@@ -300,7 +299,8 @@ void QtDragSessionView::updateChrome()
     m_restoreButton->setVisible(m_stack->draggables().isEmpty() && !m_highlighted &&
                                 (m_permanentClose || m_hovering));
     m_menuButton->setDark(dark);
-    m_menuButton->setVisible(!m_stack->draggables().isEmpty() && !m_highlighted && (m_hovering || m_actionsMenu));
+    m_menuButton->setVisible(!m_stack->draggables().isEmpty() && !m_highlighted &&
+                             (m_hovering || m_actionsMenu));
     update();
 }
 
@@ -509,7 +509,8 @@ void QtDragSessionView::showActionsMenu(const ActionsControllerMenu& menu)
     updateChrome();
 }
 
-void QtDragSessionView::editInline(const QString& text, std::function<void(const std::optional<QString>&)> done)
+void QtDragSessionView::editInline(const QString& text,
+                                   std::function<void(const std::optional<QString>&)> done)
 {
     if (m_inlineEditor) {
         m_inlineEditor->giveUp();

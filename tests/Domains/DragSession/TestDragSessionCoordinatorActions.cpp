@@ -33,7 +33,8 @@ public:
     ActionList makeItemActions() override
     {
         open = std::make_shared<Test::TestAction>(QStringLiteral("openfile"), ActionCategory::primary);
-        copy = std::make_shared<Test::TestAction>(QStringLiteral("copy_to_pasteboard"), ActionCategory::shelf);
+        copy =
+            std::make_shared<Test::TestAction>(QStringLiteral("copy_to_pasteboard"), ActionCategory::shelf);
         compress = std::make_shared<Test::TestAction>(QStringLiteral("compress"), ActionCategory::shelf);
         upload = std::make_shared<Test::TestAction>(QStringLiteral("upload"), ActionCategory::upload);
         for (const auto& configure : configureNext) {
@@ -66,7 +67,13 @@ private Q_SLOTS:
         m_desktop.configureNext.clear();
         m_copied.clear();
         m_shelves = std::make_unique<Test::ShelfFixture>(
-            Test::ShelfFixture::Platform{*m_clock, m_fileWatcher, m_screens, m_clipboard, {}, true, &m_desktop,
+            Test::ShelfFixture::Platform{*m_clock,
+                                         m_fileWatcher,
+                                         m_screens,
+                                         m_clipboard,
+                                         {},
+                                         true,
+                                         &m_desktop,
                                          [this](const QString& text) { m_copied.append(text); }});
     }
 
@@ -87,11 +94,11 @@ private Q_SLOTS:
         for (const ActionPtr& action : shelf->actionsController()->actions()) {
             identifiers.append(action->identifier());
         }
-        QCOMPARE(identifiers, strings({"openfile", "upload", "add_from_clipboard", "copy_to_pasteboard",
-                                           "compress", "drag_session_stack_rename", "drag_session_stack_remove",
-                                           "drag_session_stack_add_to_new_shelf",
-                                           "drag_session_stack_copy_to_new_shelf", "clear_shelf",
-                                           "drag_session_settings", "global_preferences"}));
+        QCOMPARE(identifiers,
+                 strings({"openfile", "upload", "add_from_clipboard", "copy_to_pasteboard", "compress",
+                          "drag_session_stack_rename", "drag_session_stack_remove",
+                          "drag_session_stack_add_to_new_shelf", "drag_session_stack_copy_to_new_shelf",
+                          "clear_shelf", "drag_session_settings", "global_preferences"}));
 
         // The same items again, reordered: the controller stays.
         const auto* first = shelf->actionsController();
@@ -114,14 +121,22 @@ private Q_SLOTS:
         QTest::addColumn<bool>("withProgress");
         QTest::addColumn<QString>("state");
 
-        QTest::newRow("link") << "upload" << "link" << false << "confirmation";
-        QTest::newRow("message") << "copy_to_pasteboard" << "message" << false << "none";
-        QTest::newRow("nothing") << "openfile" << "none" << true << "none";
-        QTest::newRow("upload fails") << "upload" << "error" << false << "error";
-        QTest::newRow("upload canceled") << "upload" << "canceled" << true << "none";
-        QTest::newRow("shelf action fails while loading") << "compress" << "error" << true << "error";
-        QTest::newRow("shelf action fails quietly") << "compress" << "error" << false << "none";
-        QTest::newRow("open fails quietly") << "openfile" << "error" << true << "loading";
+        QTest::newRow("link") << "upload"
+                              << "link" << false << "confirmation";
+        QTest::newRow("message") << "copy_to_pasteboard"
+                                 << "message" << false << "none";
+        QTest::newRow("nothing") << "openfile"
+                                 << "none" << true << "none";
+        QTest::newRow("upload fails") << "upload"
+                                      << "error" << false << "error";
+        QTest::newRow("upload canceled") << "upload"
+                                         << "canceled" << true << "none";
+        QTest::newRow("shelf action fails while loading") << "compress"
+                                                          << "error" << true << "error";
+        QTest::newRow("shelf action fails quietly") << "compress"
+                                                    << "error" << false << "none";
+        QTest::newRow("open fails quietly") << "openfile"
+                                            << "error" << true << "loading";
     }
 
     void runEndsOnTheShelf()
@@ -142,8 +157,9 @@ private Q_SLOTS:
         QTRY_COMPARE(running->performedItems.size(), 1);
         if (withProgress) {
             running->reportProgress(0.25, QStringLiteral("Working"));
-            QTRY_COMPARE(view->m_shareState,
-                         DragSessionActionState({DragSessionActionState::Loading{0.25, QStringLiteral("Working")}}));
+            QTRY_COMPARE(
+                view->m_shareState,
+                DragSessionActionState({DragSessionActionState::Loading{0.25, QStringLiteral("Working")}}));
         }
         const QUrl link(QStringLiteral("https://example.org/shared/1"));
         if (outcome == QStringLiteral("link")) {
@@ -158,10 +174,12 @@ private Q_SLOTS:
             running->finish(std::unexpected(ActionError::underlying(QStringLiteral("disk full"))));
         }
         QTRY_VERIFY(reported.has_value());
-        QCOMPARE(reported->has_value(), outcome != QStringLiteral("error") && outcome != QStringLiteral("canceled"));
+        QCOMPARE(reported->has_value(),
+                 outcome != QStringLiteral("error") && outcome != QStringLiteral("canceled"));
 
         if (state == QStringLiteral("confirmation")) {
-            QCOMPARE(view->m_shareState, DragSessionActionState({DragSessionActionState::Confirmation{link}}));
+            QCOMPARE(view->m_shareState,
+                     DragSessionActionState({DragSessionActionState::Confirmation{link}}));
             QCOMPARE(m_copied, QStringList{link.toString()});
         } else if (state == QStringLiteral("error")) {
             const auto* error = std::get_if<DragSessionActionState::Error>(&view->m_shareState.value);
@@ -227,7 +245,8 @@ private Q_SLOTS:
         std::shared_ptr<Test::TestAction> running = actionNamed(QStringLiteral("compress"));
         running->finishesAtOnce = false;
         std::optional<Action::Result> reported;
-        shelf->runAction(QStringLiteral("compress"), [&reported](const Action::Result& result) { reported = result; });
+        shelf->runAction(QStringLiteral("compress"),
+                         [&reported](const Action::Result& result) { reported = result; });
         QTRY_COMPARE(running->performedItems.size(), 1);
         shelf->stop(false);
         QCOMPARE(running->cancelCount, 1);
@@ -254,7 +273,8 @@ private Q_SLOTS:
         QVERIFY(!identifiers.contains(QStringLiteral("custom_unpin")));
 
         bool done = false;
-        shelf->runAction(QStringLiteral("custom_pin"), [&done](const Action::Result& result) { done = result.has_value(); });
+        shelf->runAction(QStringLiteral("custom_pin"),
+                         [&done](const Action::Result& result) { done = result.has_value(); });
         QTRY_VERIFY(done);
         QVERIFY(shelf->label().pinned);
         QVERIFY(ui().m_windows.first()->m_label.pinned);
@@ -263,7 +283,8 @@ private Q_SLOTS:
         QVERIFY(!identifiers.contains(QStringLiteral("custom_pin")));
 
         done = false;
-        shelf->runAction(QStringLiteral("custom_unpin"), [&done](const Action::Result& result) { done = result.has_value(); });
+        shelf->runAction(QStringLiteral("custom_unpin"),
+                         [&done](const Action::Result& result) { done = result.has_value(); });
         QTRY_VERIFY(done);
         QVERIFY(!shelf->label().pinned);
     }
@@ -285,9 +306,12 @@ private Q_SLOTS:
         QTest::addColumn<QString>("typed");
         QTest::addColumn<QString>("expectedName");
 
-        QTest::newRow("new name") << "renamed.txt" << "renamed.txt";
-        QTest::newRow("spaces around") << "  spaced.txt " << "spaced.txt";
-        QTest::newRow("utf-8") << "Ünïcødé ✓.txt" << "Ünïcødé ✓.txt";
+        QTest::newRow("new name") << "renamed.txt"
+                                  << "renamed.txt";
+        QTest::newRow("spaces around") << "  spaced.txt "
+                                       << "spaced.txt";
+        QTest::newRow("utf-8") << "Ünïcødé ✓.txt"
+                               << "Ünïcødé ✓.txt";
         QTest::newRow("taken name") << "taken.txt" << QString();
         QTest::newRow("empty") << "   " << QString();
         QTest::newRow("slash") << "sub/dir.txt" << QString();
@@ -308,7 +332,8 @@ private Q_SLOTS:
         shelf->runAction(QStringLiteral("drag_session_stack_rename"),
                          [&reported](const Action::Result& result) { reported = result; });
         QTRY_COMPARE(view->m_editedText, QStringLiteral("original.txt"));
-        QVERIFY(view->finishInlineEdit(typed == QStringLiteral("<escape>") ? std::nullopt : std::optional(typed)));
+        QVERIFY(view->finishInlineEdit(typed == QStringLiteral("<escape>") ? std::nullopt
+                                                                           : std::optional(typed)));
         QTRY_VERIFY(reported.has_value());
         QCOMPARE(reported->has_value(), !expectedName.isEmpty());
 
@@ -319,7 +344,8 @@ private Q_SLOTS:
             QCOMPARE(Test::readFile(original), QByteArray("bytes of original.txt"));
             QCOMPARE(shown, QStringLiteral("original.txt"));
             const bool refused = typed != QStringLiteral("<escape>");
-            QCOMPARE(m_shelves->messages.message(ui().m_windows.first()->windowNumber()).has_value(), refused);
+            QCOMPARE(m_shelves->messages.message(ui().m_windows.first()->windowNumber()).has_value(),
+                     refused);
         } else {
             QVERIFY(!QFile::exists(original));
             QCOMPARE(Test::readFile(QDir(m_shelves->dir.path()).filePath(expectedName)),

@@ -3,9 +3,9 @@
 #include "Platform/Qt/DragSessionSearchView.h"
 #include "Platform/Qt/QtActionsMenu.h"
 
+#include <QIcon>
 #include <QLineEdit>
 #include <QListWidget>
-#include <QIcon>
 #include <QMenu>
 #include <QTest>
 
@@ -24,8 +24,10 @@ QStringList strings(std::initializer_list<const char*> values)
 
 ActionMenuEntry row(const QString& identifier)
 {
-    auto action = std::make_shared<Test::TestAction>(identifier, ActionCategory::primary, identifier + QStringLiteral(" title"));
-    return ActionMenuEntry{ActionMenuEntry::ActionRow{action, action->title(), QStringLiteral("document-open"), true}};
+    auto action = std::make_shared<Test::TestAction>(identifier, ActionCategory::primary,
+                                                     identifier + QStringLiteral(" title"));
+    return ActionMenuEntry{
+        ActionMenuEntry::ActionRow{action, action->title(), QStringLiteral("document-open"), true}};
 }
 
 ActionMenuEntry separator()
@@ -44,9 +46,11 @@ QStringList describe(const QMenu& menu, const QString& indent = {})
             lines.append(indent + action->text() + QStringLiteral(">"));
             lines.append(describe(*action->menu(), indent + QStringLiteral("  ")));
         } else {
-            const QString mark = action->isCheckable() ? (action->isChecked() ? QStringLiteral("[x] ") : QStringLiteral("[ ] "))
-                                                       : QString();
-            lines.append(indent + mark + action->text() + (action->isEnabled() ? QString() : QStringLiteral(" (off)")));
+            const QString mark = action->isCheckable()
+                                     ? (action->isChecked() ? QStringLiteral("[x] ") : QStringLiteral("[ ] "))
+                                     : QString();
+            lines.append(indent + mark + action->text() +
+                         (action->isEnabled() ? QString() : QStringLiteral(" (off)")));
         }
     }
     return lines;
@@ -66,7 +70,9 @@ class TestShelfActionsUi final : public QObject {
 private Q_SLOTS:
     void menuKeepsGroupsSeparatorsAndSubmenus()
     {
-        ActionMenuEntry::Submenu share{QStringLiteral("More"), QStringLiteral("document-share"), QStringLiteral("Share"),
+        ActionMenuEntry::Submenu share{QStringLiteral("More"),
+                                       QStringLiteral("document-share"),
+                                       QStringLiteral("Share"),
                                        {row(QStringLiteral("fifth"))}};
         ActionMenuEntry disabled = row(QStringLiteral("off"));
         std::get<ActionMenuEntry::ActionRow>(disabled.value).enabled = false;
@@ -74,28 +80,33 @@ private Q_SLOTS:
         std::get<ActionMenuEntry::ActionRow>(marked.value).checked = true;
         ActionMenuEntry unmarked = row(QStringLiteral("blue"));
         std::get<ActionMenuEntry::ActionRow>(unmarked.value).checked = false;
-        const ActionsControllerMenu value{
-            QStringLiteral("Actions"),
-            {row(QStringLiteral("open")), disabled, separator(), row(QStringLiteral("mail")),
-             ActionMenuEntry{share},
-             ActionMenuEntry{ActionMenuEntry::OperationRow{{QStringLiteral("convert"), QStringLiteral("Convert"), {}}}},
-             separator(),
-             ActionMenuEntry{ActionMenuEntry::Submenu{QStringLiteral("Red shelf"), {}, QStringLiteral("Shelf Settings"),
-                                                      {row(QStringLiteral("name")), separator(), marked, unmarked}}},
-             separator()}};
+        const ActionsControllerMenu value{QStringLiteral("Actions"),
+                                          {row(QStringLiteral("open")), disabled, separator(),
+                                           row(QStringLiteral("mail")), ActionMenuEntry{share},
+                                           ActionMenuEntry{ActionMenuEntry::OperationRow{
+                                               {QStringLiteral("convert"), QStringLiteral("Convert"), {}}}},
+                                           separator(),
+                                           ActionMenuEntry{ActionMenuEntry::Submenu{
+                                               QStringLiteral("Red shelf"),
+                                               {},
+                                               QStringLiteral("Shelf Settings"),
+                                               {row(QStringLiteral("name")), separator(), marked, unmarked}}},
+                                           separator()}};
 
         std::unique_ptr<QMenu> menu(QtActionsMenu::build(value, nullptr, {}));
         QCOMPARE(menu->title(), QStringLiteral("Actions"));
         QCOMPARE(describe(*menu), strings({"open title", "off title (off)", "-", "mail title", "More>",
-                                               "  fifth title", "Convert", "-", "Red shelf>", "  name title", "  -",
-                                               "  [x] orange title", "  [ ] blue title"}));
-        QCOMPARE(menu->actions().at(4)->icon().name(), QIcon::fromTheme(QStringLiteral("document-share")).name());
+                                           "  fifth title", "Convert", "-", "Red shelf>", "  name title",
+                                           "  -", "  [x] orange title", "  [ ] blue title"}));
+        QCOMPARE(menu->actions().at(4)->icon().name(),
+                 QIcon::fromTheme(QStringLiteral("document-share")).name());
     }
 
     void emptyGroupsLeaveNoDoubleSeparators()
     {
         const ActionsControllerMenu value{
-            QStringLiteral("Actions"), {separator(), row(QStringLiteral("a")), separator(), separator(), row(QStringLiteral("b"))}};
+            QStringLiteral("Actions"),
+            {separator(), row(QStringLiteral("a")), separator(), separator(), row(QStringLiteral("b"))}};
         std::unique_ptr<QMenu> menu(QtActionsMenu::build(value, nullptr, {}));
         QCOMPARE(describe(*menu), strings({"a title", "-", "b title"}));
     }
@@ -105,16 +116,19 @@ private Q_SLOTS:
         const ActionsControllerMenu value{
             QStringLiteral("Actions"),
             {row(QStringLiteral("open")),
-             ActionMenuEntry{ActionMenuEntry::Submenu{QStringLiteral("More"), {}, {}, {row(QStringLiteral("deep"))}}},
-             ActionMenuEntry{ActionMenuEntry::OperationRow{{QStringLiteral("convert"), QStringLiteral("Convert"), {}}}}}};
+             ActionMenuEntry{
+                 ActionMenuEntry::Submenu{QStringLiteral("More"), {}, {}, {row(QStringLiteral("deep"))}}},
+             ActionMenuEntry{
+                 ActionMenuEntry::OperationRow{{QStringLiteral("convert"), QStringLiteral("Convert"), {}}}}}};
         QStringList chosen;
-        std::unique_ptr<QMenu> menu(QtActionsMenu::build(value, nullptr, [&chosen](const ActionMenuEntry& entry) {
-            if (const auto* action = std::get_if<ActionMenuEntry::ActionRow>(&entry.value)) {
-                chosen.append(action->action->identifier());
-            } else if (const auto* operation = std::get_if<ActionMenuEntry::OperationRow>(&entry.value)) {
-                chosen.append(QStringLiteral("operation:") + operation->item.identifier);
-            }
-        }));
+        std::unique_ptr<QMenu> menu(
+            QtActionsMenu::build(value, nullptr, [&chosen](const ActionMenuEntry& entry) {
+                if (const auto* action = std::get_if<ActionMenuEntry::ActionRow>(&entry.value)) {
+                    chosen.append(action->action->identifier());
+                } else if (const auto* operation = std::get_if<ActionMenuEntry::OperationRow>(&entry.value)) {
+                    chosen.append(QStringLiteral("operation:") + operation->item.identifier);
+                }
+            }));
         menu->actions().at(1)->menu()->actions().at(0)->trigger();
         menu->actions().at(2)->trigger();
         menu->actions().at(0)->trigger();
@@ -127,9 +141,10 @@ private Q_SLOTS:
         QTest::addColumn<QString>("typed");
         QTest::addColumn<QStringList>("shown");
 
-        QTest::newRow("recent first") << strings({"compress", "openfile"}) << QString() << strings({"compress", "openfile"});
-        QTest::newRow("recent not on offer: suggested") << strings({"gone"}) << QString()
-                                                        << strings({"openfile", "copy_to_pasteboard"});
+        QTest::newRow("recent first")
+            << strings({"compress", "openfile"}) << QString() << strings({"compress", "openfile"});
+        QTest::newRow("recent not on offer: suggested")
+            << strings({"gone"}) << QString() << strings({"openfile", "copy_to_pasteboard"});
         QTest::newRow("title prefix") << QStringList() << "com" << strings({"compress"});
         QTest::newRow("keyword") << QStringList() << "zip" << strings({"compress"});
         QTest::newRow("accents and case") << QStringList() << "ÉMPTY" << strings({"clear_shelf"});
@@ -157,11 +172,13 @@ private Q_SLOTS:
         QTest::addColumn<QString>("outcome");
 
         QTest::newRow("enter runs the first") << "c" << QList<int>{Qt::Key_Return} << "compress";
-        QTest::newRow("down then enter") << "c" << QList<int>{Qt::Key_Down, Qt::Key_Return} << "copy_to_pasteboard";
+        QTest::newRow("down then enter")
+            << "c" << QList<int>{Qt::Key_Down, Qt::Key_Return} << "copy_to_pasteboard";
         QTest::newRow("down stops at the end")
-            << "c" << QList<int>{Qt::Key_Down, Qt::Key_Down, Qt::Key_Down, Qt::Key_Down, Qt::Key_Return} << "clear_shelf";
-        QTest::newRow("up stops at the top") << "c" << QList<int>{Qt::Key_Down, Qt::Key_Up, Qt::Key_Up, Qt::Key_Enter}
-                                             << "compress";
+            << "c" << QList<int>{Qt::Key_Down, Qt::Key_Down, Qt::Key_Down, Qt::Key_Down, Qt::Key_Return}
+            << "clear_shelf";
+        QTest::newRow("up stops at the top")
+            << "c" << QList<int>{Qt::Key_Down, Qt::Key_Up, Qt::Key_Up, Qt::Key_Enter} << "compress";
         QTest::newRow("suggestion skips its heading") << "" << QList<int>{Qt::Key_Return} << "openfile";
         QTest::newRow("escape dismisses") << "c" << QList<int>{Qt::Key_Escape} << "<dismissed>";
         QTest::newRow("enter on no match does nothing") << "xyz" << QList<int>{Qt::Key_Return} << "";
@@ -207,7 +224,9 @@ private Q_SLOTS:
         QStringList answers;
         QPointer<DragSessionInlineEditor> editor = new DragSessionInlineEditor(
             QStringLiteral("report.final.pdf"),
-            [&answers](const std::optional<QString>& text) { answers.append(text.value_or(QStringLiteral("<none>"))); },
+            [&answers](const std::optional<QString>& text) {
+                answers.append(text.value_or(QStringLiteral("<none>")));
+            },
             &host);
         // The name is selected without its extension.
         QCOMPARE(editor->selectedText(), QStringLiteral("report"));
@@ -223,10 +242,12 @@ private:
     static DragSessionView::SearchRequest makeRequest()
     {
         DragSessionView::SearchRequest request;
-        request.items = {item(QStringLiteral("openfile"), QStringLiteral("Open")),
-                         item(QStringLiteral("compress"), QStringLiteral("Compress"), {QStringLiteral("zip"), QStringLiteral("archive")}),
-                         item(QStringLiteral("copy_to_pasteboard"), QStringLiteral("Copy to Clipboard")),
-                         item(QStringLiteral("clear_shelf"), QStringLiteral("Clear Shelf"), {QStringLiteral("émpty")})};
+        request.items = {
+            item(QStringLiteral("openfile"), QStringLiteral("Open")),
+            item(QStringLiteral("compress"), QStringLiteral("Compress"),
+                 {QStringLiteral("zip"), QStringLiteral("archive")}),
+            item(QStringLiteral("copy_to_pasteboard"), QStringLiteral("Copy to Clipboard")),
+            item(QStringLiteral("clear_shelf"), QStringLiteral("Clear Shelf"), {QStringLiteral("émpty")})};
         request.suggestedIdentifiers = {QStringLiteral("openfile"), QStringLiteral("copy_to_pasteboard")};
         request.placeholder = QStringLiteral("Search");
         return request;
