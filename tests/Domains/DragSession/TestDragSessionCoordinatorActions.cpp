@@ -253,6 +253,30 @@ private Q_SLOTS:
         QVERIFY(!shelf->actionsController());
     }
 
+    void itemsChangingDuringARunWaitForItsEnd()
+    {
+        auto shelf = openShelf({QStringLiteral("a.txt")});
+        QTRY_VERIFY(shelf->hasPreparedMenu());
+        std::shared_ptr<Test::TestAction> running = m_desktop.compress;
+        running->finishesAtOnce = false;
+        std::optional<Action::Result> reported;
+        shelf->runAction(QStringLiteral("compress"),
+                         [&reported](const Action::Result& result) { reported = result; });
+        QTRY_COMPARE(running->performedItems.size(), 1);
+        const auto* controller = shelf->actionsController();
+        shelf->appendItems({m_shelves->fileItem(QStringLiteral("b.txt"))});
+        m_clock->advance(0.6);
+        // The run goes on and still reports to the shelf.
+        QCOMPARE(shelf->actionsController(), controller);
+        QCOMPARE(running->cancelCount, 0);
+        running->finish(ActionResultContext{});
+        QTRY_VERIFY(reported.has_value());
+        QVERIFY(reported->has_value());
+        m_clock->advance(0.6);
+        QVERIFY(shelf->actionsController());
+        QCOMPARE(shelf->actionsController()->draggables().size(), 2);
+    }
+
     void pinAndUnpinFromSearch()
     {
         auto shelf = openShelf({QStringLiteral("a.txt")});
