@@ -221,7 +221,13 @@ private Q_SLOTS:
 
         const auto pinned = m_agent->run({QStringLiteral("run"), QStringLiteral("custom_pin")});
         QCOMPARE(pinned.exitCode, 0);
-        QVERIFY(m_agent->list().at(0).toObject().value(QStringLiteral("label")).toObject().value(QStringLiteral("pinned")).toBool());
+        QVERIFY(m_agent->list()
+                    .at(0)
+                    .toObject()
+                    .value(QStringLiteral("label"))
+                    .toObject()
+                    .value(QStringLiteral("pinned"))
+                    .toBool());
 
         const auto cleared = m_agent->run(
             {QStringLiteral("run"), QStringLiteral("clear_shelf"), QStringLiteral("--shelf"), shelf});

@@ -312,8 +312,8 @@ void DragSessionCoordinator::prepareActionsIfNeeded(const DraggableList& items)
         qCInfo(lcDragSession) << "Skipping item preparation as nothing changed";
         return;
     }
-    if (m_actionsController && (m_actionsController->performingAction() ||
-                                m_actionsController->actionItemsAssembler())) {
+    if (m_actionsController &&
+        (m_actionsController->performingAction() || m_actionsController->actionItemsAssembler())) {
         // A run is under way on the old items; its end makes the controller for the new ones.
         qCInfo(lcDragSession) << "Items changed during an action; preparing once it has finished";
         return;

@@ -526,11 +526,22 @@ void QtDragSessionView::editInline(const QString& text,
 
 void QtDragSessionView::keyPressEvent(QKeyEvent* event)
 {
+    // A search that has not opened by then is not coming (the items could not be read).
+    constexpr qint64 searchOpeningTimeout = 3000;
     const QString text = event->text();
     const bool typing = !text.isEmpty() && text.at(0).isPrint() && !text.at(0).isSpace() &&
                         !(event->modifiers() & (Qt::ControlModifier | Qt::AltModifier | Qt::MetaModifier));
     if (typing && !m_stack->draggables().isEmpty() && !m_searchView && !m_inlineEditor) {
-        m_delegate.didTypeToSearch(text);
+        // The search opens once the actions are known; what is typed meanwhile is kept for its field.
+        const bool waiting = !m_pendingSearchText.isEmpty() && m_searchRequested.isValid() &&
+                             m_searchRequested.elapsed() < searchOpeningTimeout;
+        if (waiting) {
+            m_pendingSearchText += text;
+        } else {
+            m_pendingSearchText = text;
+            m_searchRequested.start();
+            m_delegate.didTypeToSearch(text);
+        }
         event->accept();
         return;
     }
@@ -544,6 +555,9 @@ void QtDragSessionView::presentSearch(const SearchRequest& request)
     }
     QPointer<QtDragSessionView> self(this);
     SearchRequest shown = request;
+    if (!m_pendingSearchText.isEmpty()) {
+        shown.initialText = std::exchange(m_pendingSearchText, QString());
+    }
     shown.dismiss = [self, dismiss = request.dismiss] {
         if (self) {
             self->m_interactionEnabled = true;

@@ -4,6 +4,7 @@
 #include "Domains/DragSession/Message.h"
 #include "DragSessionInboundDropView.h"
 
+#include <QElapsedTimer>
 #include <QMenu>
 #include <QPointer>
 #include <QVariantAnimation>
@@ -124,6 +125,9 @@ private:
     QPointer<QMenu> m_actionsMenu;
     QPointer<DragSessionInlineEditor> m_inlineEditor;
     QPointer<DragSessionSearchView> m_searchView;
+    // Typed while the search is being opened: it goes into the field once it stands.
+    QString m_pendingSearchText;
+    QElapsedTimer m_searchRequested;
     // Where the menu was asked for, in global coordinates; it opens there once it is ready.
     std::optional<QPoint> m_menuRequestPosition;
     DragSessionOverlayView* m_messageView = nullptr;

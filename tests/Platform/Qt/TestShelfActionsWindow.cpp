@@ -43,8 +43,8 @@ private Q_SLOTS:
     {
         auto shelf = shelfWith({QStringLiteral("a.txt"), QStringLiteral("b.txt")});
         const QPoint centre = shelfCentre(*shelf);
-        QVERIFY(runXdotool({QStringLiteral("mousemove"), QString::number(centre.x()), QString::number(centre.y()),
-                            QStringLiteral("click"), QStringLiteral("3")}));
+        QVERIFY(runXdotool({QStringLiteral("mousemove"), QString::number(centre.x()),
+                            QString::number(centre.y()), QStringLiteral("click"), QStringLiteral("3")}));
         QTRY_VERIFY(shelfView(*shelf).actionsMenu() && shelfView(*shelf).actionsMenu()->isVisible());
         QMenu* menu = shelfView(*shelf).actionsMenu();
         QAction* clear = nullptr;
@@ -84,7 +84,8 @@ private Q_SLOTS:
     {
         auto shelf = shelfWith({QStringLiteral("original.txt")});
         bool done = false;
-        shelf->runAction(QStringLiteral("drag_session_stack_rename"), [&done](const Action::Result&) { done = true; });
+        shelf->runAction(QStringLiteral("drag_session_stack_rename"),
+                         [&done](const Action::Result&) { done = true; });
         QTRY_VERIFY(shelfView(*shelf).inlineEditor());
         QTRY_VERIFY(shelfView(*shelf).inlineEditor()->hasFocus());
         QVERIFY(runXdotool({QStringLiteral("key"), QStringLiteral("ctrl+a"), QStringLiteral("type"),
@@ -92,7 +93,8 @@ private Q_SLOTS:
         QVERIFY(runXdotool({QStringLiteral("key"), QStringLiteral("Return")}));
         QTRY_VERIFY(done);
         QVERIFY(!QFile::exists(m_shelves->dir.filePath(QStringLiteral("original.txt"))));
-        QCOMPARE(readFile(m_shelves->dir.filePath(QStringLiteral("renamed.txt"))), QByteArray("bytes of original.txt"));
+        QCOMPARE(readFile(m_shelves->dir.filePath(QStringLiteral("renamed.txt"))),
+                 QByteArray("bytes of original.txt"));
         QCOMPARE(shelf->itemsController().items().first()->url()->fileName(), QStringLiteral("renamed.txt"));
     }
 
