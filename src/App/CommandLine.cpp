@@ -46,18 +46,33 @@ CommandLine::Request CommandLine::parse(const QStringList& arguments, const QStr
     QStringList operands;
     bool optionsEnded = false;
     bool json = false;
-    for (const QString& argument : rest) {
+    std::optional<QString> shelf;
+    for (qsizetype index = 0; index < rest.size(); ++index) {
+        const QString& argument = rest[index];
+        const bool shelfCommand = command == QStringLiteral("actions") || command == QStringLiteral("run");
         if (!optionsEnded && argument == QStringLiteral("--")) {
             optionsEnded = true;
         } else if (!optionsEnded && isOption(argument)) {
-            if (command == QStringLiteral("list") && argument == QStringLiteral("--json")) {
+            if ((command == QStringLiteral("list") || command == QStringLiteral("actions")) &&
+                argument == QStringLiteral("--json")) {
                 json = true;
+            } else if (shelfCommand && argument == QStringLiteral("--shelf")) {
+                if (index + 1 >= rest.size() || rest[index + 1].isEmpty()) {
+                    return Invalid{QStringLiteral("\"--shelf\" needs a shelf identifier")};
+                }
+                shelf = rest[++index];
+            } else if (shelfCommand && argument.startsWith(QStringLiteral("--shelf="))) {
+                shelf = argument.mid(8);
+                if (shelf->isEmpty()) {
+                    return Invalid{QStringLiteral("\"--shelf\" needs a shelf identifier")};
+                }
             } else {
                 return unknownArgument(argument);
             }
         } else if (command.isEmpty() && operands.isEmpty() && !optionsEnded &&
                    QStringList{QStringLiteral("add"), QStringLiteral("new"), QStringLiteral("open-recent"),
-                               QStringLiteral("close-all"), QStringLiteral("quit"), QStringLiteral("list")}
+                               QStringLiteral("close-all"), QStringLiteral("quit"), QStringLiteral("list"),
+                               QStringLiteral("actions"), QStringLiteral("run")}
                        .contains(argument)) {
             command = argument;
         } else {
@@ -105,6 +120,16 @@ CommandLine::Request CommandLine::parse(const QStringList& arguments, const QStr
     if (command == QStringLiteral("quit")) {
         return noOperands(Quit{});
     }
+    if (command == QStringLiteral("actions")) {
+        return noOperands(ListActions{shelf.value_or(QString()), json});
+    }
+    if (command == QStringLiteral("run")) {
+        if (operands.size() != 1 || operands.first().isEmpty()) {
+            return Invalid{
+                QStringLiteral("\"run\" needs one action identifier; \"vantrope actions\" lists them")};
+        }
+        return RunAction{operands.first(), shelf.value_or(QString())};
+    }
     return noOperands(List{json});
 }
 
@@ -150,6 +175,11 @@ QString CommandLine::helpText()
         "  open-recent [ID]     open the recent shelf ID, or the one closed most recently\n"
         "  close-all            close every shelf; closed shelves stay in the recent list\n"
         "  list [--json]        show the open shelves with their identifiers, labels and items\n"
+        "  actions [--shelf ID] [--json]\n"
+        "                       list the actions on offer for a shelf's items (default: the shelf used "
+        "last)\n"
+        "  run ACTION [--shelf ID]\n"
+        "                       run one of those actions and print its result (a link or a message)\n"
         "  quit                 end Vantrope\n"
         "\n"
         "Options:\n"

@@ -35,8 +35,17 @@ public:
     struct List {
         bool json = false;
     };
+    // The actions on offer for a shelf's items; an empty shelf identifier means the shelf used last.
+    struct ListActions {
+        QString shelf;
+        bool json = false;
+    };
+    struct RunAction {
+        QString action;
+        QString shelf;
+    };
     using Request = std::variant<RunAgent, ShowHelp, ShowVersion, Invalid, AddFiles, NewShelf, OpenRecent,
-                                 CloseAll, Quit, List>;
+                                 CloseAll, Quit, List, ListActions, RunAction>;
 
     // Usage mistakes exit with this, failures at run time with 1.
     static constexpr int usageExitCode = 2;

@@ -65,6 +65,20 @@ CommandLineClient::Outcome CommandLineClient::run(const CommandLine::Request& re
                               }
                               return {0, list.json ? listJson(*shelves) : listText(*shelves), {}};
                           },
+                          [this](const CommandLine::ListActions& list) -> Outcome {
+                              const auto actions = m_client.shelfActions(list.shelf);
+                              if (!actions) {
+                                  return failure(actions.error());
+                              }
+                              return {0, list.json ? actionsJson(*actions) : actionsText(*actions), {}};
+                          },
+                          [this](const CommandLine::RunAction& run) -> Outcome {
+                              const auto result = m_client.runAction(run.shelf, run.action);
+                              if (!result) {
+                                  return failure(result.error());
+                              }
+                              return {0, result->isEmpty() ? QString() : *result + QLatin1Char('\n'), {}};
+                          },
                           [](const auto&) -> Outcome {
                               return {CommandLine::usageExitCode,
                                       {},
@@ -136,6 +150,25 @@ QString CommandLineClient::listText(const QList<ShelfSummary>& shelves)
         for (const QString& item : shelf.items) {
             text += QStringLiteral("    ") + printable(item) + QLatin1Char('\n');
         }
+    }
+    return text;
+}
+
+QString CommandLineClient::actionsJson(const QList<ShelfActionSummary>& actions)
+{
+    QJsonArray array;
+    for (const ShelfActionSummary& action : actions) {
+        array.append(QJsonObject{{QStringLiteral("identifier"), action.identifier},
+                                 {QStringLiteral("title"), action.title}});
+    }
+    return QString::fromUtf8(QJsonDocument(array).toJson(QJsonDocument::Indented));
+}
+
+QString CommandLineClient::actionsText(const QList<ShelfActionSummary>& actions)
+{
+    QString text;
+    for (const ShelfActionSummary& action : actions) {
+        text += action.identifier + QLatin1Char('\t') + printable(action.title) + QLatin1Char('\n');
     }
     return text;
 }

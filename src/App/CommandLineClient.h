@@ -22,6 +22,9 @@ public:
 
     static QString listJson(const QList<ShelfSummary>& shelves);
     static QString listText(const QList<ShelfSummary>& shelves);
+    static QString actionsJson(const QList<ShelfActionSummary>& actions);
+    // One action a line: its identifier, a tab, its title.
+    static QString actionsText(const QList<ShelfActionSummary>& actions);
     // `name` on one line: control characters and backslashes escaped as in C.
     static QString printable(const QString& name);
 

@@ -2,6 +2,7 @@
 
 #include "AppLogging.h"
 #include "DisplayEnvironment.h"
+#include "Domains/Actions/DesktopActions.h"
 #include "Domains/Activation/DragMonitor.h"
 #include "Domains/Activation/DragRecognizer.h"
 #include "Domains/Activation/DragRecognizerConfiguration.h"
@@ -9,9 +10,13 @@
 #include "Domains/SessionController/SessionController.h"
 #include "DragMonitorFactory.h"
 #include "MenuItemController.h"
+#include "Platform/Desktop/LinuxDesktopActions.h"
 #include "Preferences/Preferences.h"
 #include "Version.h"
 #include "WindowCoordinator.h"
+
+#include <QClipboard>
+#include <QGuiApplication>
 
 namespace Vantrope {
 
@@ -21,10 +26,18 @@ RootCoordinator::RootCoordinator(const Dependencies& dependencies, QObject* pare
 {
     // The screenshot observer and its bookmark store come first once screenshots land.
     m_windowCoordinator = std::make_unique<WindowCoordinator>(dependencies.preferences);
+    DesktopActions* desktopActions = dependencies.desktopActions;
+    if (!desktopActions) {
+        m_desktopActions = std::make_unique<LinuxDesktopActions>();
+        desktopActions = m_desktopActions.get();
+    }
+    WindowCoordinator* windows = m_windowCoordinator.get();
     m_sessionController = std::make_unique<SessionController>(SessionController::Dependencies{
         dependencies.sessionStore, dependencies.preferences, dependencies.shelfInterface,
         dependencies.screens, dependencies.messages, dependencies.clipboard, dependencies.clock,
-        dependencies.fileWatcher});
+        dependencies.fileWatcher, desktopActions,
+        [](const QString& text) { QGuiApplication::clipboard()->setText(text); },
+        [windows] { windows->showSettings(); }});
     m_menuItemController =
         std::make_unique<MenuItemController>(*m_sessionController, dependencies.sessionStore);
     // Watched folders and the temporary data sanitizer take their place here when they land.

@@ -7,6 +7,7 @@
 
 namespace Vantrope {
 
+class DesktopActions;
 class DragSessionUserInterface;
 class FileWatcher;
 class MenuItemController;
@@ -35,6 +36,8 @@ public:
         MessageWindowCenter& messages;
         Clock& clock;
         FileWatcher& fileWatcher;
+        // The desktop's actions for every shelf; none leaves shelves with their own actions only.
+        DesktopActions* desktopActions = nullptr;
     };
 
     explicit RootCoordinator(const Dependencies& dependencies, QObject* parent = nullptr);
@@ -55,6 +58,8 @@ private:
     void sessionControllerDidChangeSessions();
 
     Dependencies m_dependencies;
+    // The program's own desktop actions when the caller gives none.
+    std::unique_ptr<DesktopActions> m_desktopActions;
     std::unique_ptr<WindowCoordinator> m_windowCoordinator;
     std::unique_ptr<SessionController> m_sessionController;
     std::unique_ptr<MenuItemController> m_menuItemController;

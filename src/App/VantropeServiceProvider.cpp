@@ -169,4 +169,71 @@ QList<ShelfSummary> VantropeServiceProvider::shelves() const
     return result;
 }
 
+std::expected<std::shared_ptr<DragSessionCoordinator>, VantropeServiceProvider::Error>
+VantropeServiceProvider::shelfFor(const QString& identifier) const
+{
+    SessionController& sessions = m_coordinator.sessionController();
+    if (identifier.isEmpty()) {
+        if (auto shelf = sessions.lastUsedCoordinator()) {
+            return shelf;
+        }
+        return std::unexpected(Error{Error::Kind::noShelf, QStringLiteral("no shelf is open")});
+    }
+    if (auto shelf = sessions.coordinator(identifier)) {
+        return shelf;
+    }
+    return std::unexpected(Error{Error::Kind::unknownShelf,
+                                 QStringLiteral("no open shelf has the identifier \"%1\"").arg(identifier)});
+}
+
+void VantropeServiceProvider::shelfActions(
+    const QString& shelf, std::function<void(const std::expected<QList<ShelfActionSummary>, Error>&)> done)
+{
+    const auto coordinator = shelfFor(shelf);
+    if (!coordinator) {
+        done(std::unexpected(coordinator.error()));
+        return;
+    }
+    (*coordinator)->availableActions([done](const DragSessionCoordinator::AvailableActions& actions) {
+        if (!actions) {
+            done(std::unexpected(
+                Error{Error::Kind::actionFailed, QStringLiteral("the shelf's items could not be prepared: %1")
+                                                     .arg(actions.error().description())}));
+            return;
+        }
+        QList<ShelfActionSummary> result;
+        for (const ActionSearchItem& item : *actions) {
+            result.append({item.identifier, item.title});
+        }
+        done(result);
+    });
+}
+
+void VantropeServiceProvider::runAction(const QString& shelf, const QString& action,
+                                        std::function<void(const std::expected<QString, Error>&)> done)
+{
+    const auto coordinator = shelfFor(shelf);
+    if (!coordinator) {
+        done(std::unexpected(coordinator.error()));
+        return;
+    }
+    if ((*coordinator)->itemsController().items().isEmpty()) {
+        done(std::unexpected(Error{Error::Kind::actionFailed, QStringLiteral("the shelf is empty")}));
+        return;
+    }
+    (*coordinator)->runAction(action, [done](const Action::Result& result) {
+        if (!result) {
+            done(std::unexpected(Error{Error::Kind::actionFailed, result.error().description()}));
+            return;
+        }
+        if (const auto* link = std::get_if<ActionResultContext::Link>(&result->value)) {
+            done(link->url.isLocalFile() ? link->url.toLocalFile() : link->url.toString(QUrl::FullyEncoded));
+        } else if (const auto* message = std::get_if<ActionResultContext::Message>(&result->value)) {
+            done(message->body);
+        } else {
+            done(QString());
+        }
+    });
+}
+
 } // namespace Vantrope

@@ -2,9 +2,12 @@
 
 #include "Platform/DBus/ApplicationRequestHandler.h"
 
+#include <memory>
+
 namespace Vantrope {
 
 class AppDelegate;
+class DragSessionCoordinator;
 class RootCoordinator;
 
 // Answers other programs and the command line once the program has launched.
@@ -19,8 +22,15 @@ public:
     void closeAll(std::function<void()> done) override;
     void quit() override;
     QList<ShelfSummary> shelves() const override;
+    void
+    shelfActions(const QString& shelf,
+                 std::function<void(const std::expected<QList<ShelfActionSummary>, Error>&)> done) override;
+    void runAction(const QString& shelf, const QString& action,
+                   std::function<void(const std::expected<QString, Error>&)> done) override;
 
 private:
+    std::expected<std::shared_ptr<DragSessionCoordinator>, Error> shelfFor(const QString& identifier) const;
+
     AppDelegate& m_appDelegate;
     RootCoordinator& m_coordinator;
 };

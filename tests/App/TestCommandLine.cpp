@@ -41,6 +41,13 @@ QString describe(const CommandLine::Request& request)
             [](const CommandLine::List& list) -> QString {
                 return list.json ? QStringLiteral("list json") : QStringLiteral("list");
             },
+            [](const CommandLine::ListActions& list) -> QString {
+                return QStringLiteral("actions shelf=") + list.shelf +
+                       (list.json ? QStringLiteral(" json") : QString());
+            },
+            [](const CommandLine::RunAction& run) -> QString {
+                return QStringLiteral("run-action ") + run.action + QStringLiteral(" shelf=") + run.shelf;
+            },
         },
         request);
 }
@@ -85,6 +92,30 @@ private Q_SLOTS:
         row("list", {QStringLiteral("list")}, "list");
         row("list --json", {QStringLiteral("list"), QStringLiteral("--json")}, "list json");
         row("--json belongs to list only", {QStringLiteral("new"), QStringLiteral("--json")},
+            "invalid: unknown argument \"--json\"; see \"vantrope --help\"");
+        row("actions", {QStringLiteral("actions")}, "actions shelf=");
+        row("actions for a shelf, as json",
+            {QStringLiteral("actions"), QStringLiteral("--json"), QStringLiteral("--shelf"),
+             QStringLiteral("AB-1")},
+            "actions shelf=AB-1 json");
+        row("--shelf=ID", {QStringLiteral("actions"), QStringLiteral("--shelf=AB-1")}, "actions shelf=AB-1");
+        row("--shelf without an identifier", {QStringLiteral("actions"), QStringLiteral("--shelf")},
+            "invalid: \"--shelf\" needs a shelf identifier");
+        row("actions takes no operand", {QStringLiteral("actions"), QStringLiteral("compress")},
+            "invalid: \"actions\" takes no arguments");
+        row("run", {QStringLiteral("run"), QStringLiteral("compress")}, "run-action compress shelf=");
+        row("run on a shelf, option first",
+            {QStringLiteral("run"), QStringLiteral("--shelf"), QStringLiteral("X"),
+             QStringLiteral("clear_shelf")},
+            "run-action clear_shelf shelf=X");
+        row("run without an action", {QStringLiteral("run")},
+            "invalid: \"run\" needs one action identifier; \"vantrope actions\" lists them");
+        row("run with two actions", {QStringLiteral("run"), QStringLiteral("a"), QStringLiteral("b")},
+            "invalid: \"run\" needs one action identifier; \"vantrope actions\" lists them");
+        row("--shelf belongs to actions and run",
+            {QStringLiteral("list"), QStringLiteral("--shelf"), QStringLiteral("X")},
+            "invalid: unknown argument \"--shelf\"; see \"vantrope --help\"");
+        row("run --json is refused", {QStringLiteral("run"), QStringLiteral("x"), QStringLiteral("--json")},
             "invalid: unknown argument \"--json\"; see \"vantrope --help\"");
         row("help wins over a command", {QStringLiteral("add"), QStringLiteral("-h")}, "help");
         row("help after -- is a file",

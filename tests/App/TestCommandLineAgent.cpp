@@ -7,11 +7,27 @@
 #include <QElapsedTimer>
 #include <QFile>
 #include <QFileInfo>
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
 #include <QScopeGuard>
 #include <QTest>
 #include <unistd.h>
 
 using namespace Vantrope::Test;
+
+namespace {
+
+QStringList strings(std::initializer_list<const char*> values)
+{
+    QStringList result;
+    for (const char* value : values) {
+        result.append(QString::fromUtf8(value));
+    }
+    return result;
+}
+
+} // namespace
 
 // The command line against a real agent on the test display and its private session bus: what a file
 // name, a mistake or a missing bus does.
@@ -178,7 +194,132 @@ private Q_SLOTS:
         QVERIFY(othersMay(users));
     }
 
+    void actionsAndRunOnARealShelf()
+    {
+        QVERIFY(m_agent->start());
+        QVERIFY(writeFile(file("b.txt"), "b"));
+        const auto added = m_agent->run({QStringLiteral("add"), file("a.txt"), file("b.txt")});
+        QCOMPARE(added.exitCode, 0);
+        const QString shelf = added.text();
+
+        const auto listed = m_agent->run({QStringLiteral("actions"), QStringLiteral("--json")});
+        QCOMPARE(listed.exitCode, 0);
+        const QStringList offered = identifiers(listed.output);
+        for (const char* expected :
+             {"clear_shelf", "drag_session_stack_remove", "custom_pin", "global_preferences"}) {
+            QVERIFY2(offered.contains(QString::fromUtf8(expected)), qPrintable(offered.join(u' ')));
+        }
+        // Renaming takes exactly one item; the shelf is not pinned, so it can't be unpinned.
+        QVERIFY(!offered.contains(QStringLiteral("drag_session_stack_rename")));
+        QVERIFY(!offered.contains(QStringLiteral("custom_unpin")));
+        // The shelf used last is the one named.
+        const auto named = m_agent->run(
+            {QStringLiteral("actions"), QStringLiteral("--shelf"), shelf, QStringLiteral("--json")});
+        QCOMPARE(identifiers(named.output), offered);
+        const auto text = m_agent->run({QStringLiteral("actions")});
+        QVERIFY2(text.text().contains(QStringLiteral("clear_shelf\t")), qPrintable(text.text()));
+
+        const auto pinned = m_agent->run({QStringLiteral("run"), QStringLiteral("custom_pin")});
+        QCOMPARE(pinned.exitCode, 0);
+        QVERIFY(m_agent->list()
+                    .at(0)
+                    .toObject()
+                    .value(QStringLiteral("label"))
+                    .toObject()
+                    .value(QStringLiteral("pinned"))
+                    .toBool());
+
+        const auto cleared = m_agent->run(
+            {QStringLiteral("run"), QStringLiteral("clear_shelf"), QStringLiteral("--shelf"), shelf});
+        QCOMPARE(cleared.exitCode, 0);
+        QCOMPARE(cleared.error, QString());
+        QTRY_COMPARE(m_agent->items(0).size(), 0);
+        // Clearing the shelf leaves the files alone.
+        QVERIFY(QFile::exists(file("a.txt")) && QFile::exists(file("b.txt")));
+    }
+
+    void runRefusesWhatItCannotDo_data()
+    {
+        QTest::addColumn<QStringList>("arguments");
+        QTest::addColumn<QString>("error");
+        QTest::newRow("unknown action")
+            << strings({"run", "no_such_action"})
+            << "vantrope: \"no_such_action\" is not on offer for this shelf's items.\n";
+        QTest::newRow("rename needs one item")
+            << strings({"run", "drag_session_stack_rename"})
+            << "vantrope: \"drag_session_stack_rename\" is not on offer for this shelf's items.\n";
+        QTest::newRow("unknown shelf") << strings({"run", "clear_shelf", "--shelf", "NOPE"})
+                                       << "vantrope: no open shelf has the identifier \"NOPE\"\n";
+        QTest::newRow("actions of an unknown shelf")
+            << strings({"actions", "--shelf", "NOPE"})
+            << "vantrope: no open shelf has the identifier \"NOPE\"\n";
+    }
+
+    void runRefusesWhatItCannotDo()
+    {
+        QFETCH(QStringList, arguments);
+        QFETCH(QString, error);
+        QVERIFY(m_agent->start());
+        QVERIFY(writeFile(file("b.txt"), "b"));
+        QCOMPARE(m_agent->run({QStringLiteral("add"), file("a.txt"), file("b.txt")}).exitCode, 0);
+        const auto result = m_agent->run(arguments);
+        QCOMPARE(result.exitCode, 1);
+        QCOMPARE(result.error, error);
+        QCOMPARE(result.output, QByteArray());
+        // Nothing happened to the shelf.
+        QCOMPARE(m_agent->items(0).size(), 2);
+    }
+
+    void runWithoutAShelf()
+    {
+        QVERIFY(m_agent->start());
+        const auto result = m_agent->run({QStringLiteral("run"), QStringLiteral("clear_shelf")});
+        QCOMPARE(result.exitCode, 1);
+        QCOMPARE(result.error, QStringLiteral("vantrope: no shelf is open\n"));
+    }
+
+    void compressGivesAnArchiveOtherProgramsRead()
+    {
+        QVERIFY(m_agent->start());
+        QVERIFY(writeFile(file("b.txt"), "bb"));
+        QVERIFY(writeFile(file("c d.txt"), "ccc"));
+        QCOMPARE(
+            m_agent->run({QStringLiteral("add"), file("a.txt"), file("b.txt"), file("c d.txt")}).exitCode, 0);
+        const auto listed = m_agent->run({QStringLiteral("actions"), QStringLiteral("--json")});
+        QCOMPARE(listed.exitCode, 0);
+        if (!identifiers(listed.output).contains(QStringLiteral("compress"))) {
+            QSKIP("the compress action is not on offer: this build has no desktop actions");
+        }
+        const auto compressed = m_agent->run({QStringLiteral("run"), QStringLiteral("compress")});
+        QCOMPARE(compressed.exitCode, 0);
+        QString archive = compressed.text();
+        if (!archive.endsWith(QStringLiteral(".zip"))) {
+            // The action reveals the archive rather than naming it: it is the one zip in the agent's home.
+            const auto found = m_agent->runTool(
+                QStringLiteral("find"), {m_agent->home(), QStringLiteral("-name"), QStringLiteral("*.zip")});
+            archive = found.text();
+        }
+        QVERIFY2(QFileInfo(archive).isFile(), qPrintable(archive));
+        const auto listing = m_agent->runTool(QStringLiteral("unzip"), {QStringLiteral("-l"), archive});
+        QCOMPARE(listing.exitCode, 0);
+        for (const char* name : {"a.txt", "b.txt", "c d.txt"}) {
+            QVERIFY2(listing.text().contains(QString::fromUtf8(name)), qPrintable(listing.text()));
+        }
+    }
+
 private:
+    static QStringList identifiers(const QByteArray& json)
+    {
+        QStringList result;
+        for (const QJsonValue& action : QJsonDocument::fromJson(json).array()) {
+            result.append(action.toObject().value(QStringLiteral("identifier")).toString());
+            if (action.toObject().value(QStringLiteral("title")).toString().isEmpty()) {
+                result.append(QStringLiteral("<untitled>"));
+            }
+        }
+        return result;
+    }
+
     QString file(const char* name) const { return m_agent->path(QString::fromUtf8(name)); }
 
     std::unique_ptr<AgentUnderTest> m_agent;

@@ -4,6 +4,8 @@
 #include "Domains/DragSession/Screen.h"
 #include "Models/Pasteboard/PasteboardSource.h"
 
+#include <functional>
+#include <optional>
 #include <QList>
 
 namespace Vantrope::Test {
@@ -59,6 +61,25 @@ public:
     void refreshDraggable(const DraggablePtr& draggable) override { m_refreshed.append(draggable); }
     void endInboundDrop() override { ++m_dropsEnded; }
     bool hasDraggedOutItems() const override { return m_draggedOut; }
+    void editInline(const QString& text, std::function<void(const std::optional<QString>&)> done) override
+    {
+        m_editedText = text;
+        m_editDone = std::move(done);
+    }
+    void showActionsMenu(const ActionsControllerMenu& menu) override { m_shownMenus.append(menu); }
+    void presentSearch(const SearchRequest& request) override { m_search = request; }
+    void dismissSearch() override { m_search.reset(); }
+
+    // Answers the open inline editor as the user would; false when none is open.
+    bool finishInlineEdit(const std::optional<QString>& text)
+    {
+        auto done = std::exchange(m_editDone, nullptr);
+        if (!done) {
+            return false;
+        }
+        done(text);
+        return true;
+    }
 
     DraggableList m_shown;
     DragSessionLabel m_label;
@@ -68,6 +89,10 @@ public:
     DraggableList m_refreshed;
     int m_dropsEnded = 0;
     bool m_draggedOut = false;
+    QString m_editedText;
+    std::function<void(const std::optional<QString>&)> m_editDone;
+    QList<ActionsControllerMenu> m_shownMenus;
+    std::optional<SearchRequest> m_search;
 };
 
 class FakeShelfInterface final : public DragSessionUserInterface {

@@ -19,9 +19,9 @@ ShelfFixture::ShelfFixture(const Platform& platform)
                                 : std::make_unique<FakeShelfInterface>())
 {
     if (platform.withController) {
-        controller = std::make_unique<SessionController>(
-            SessionController::Dependencies{store, preferences, *ui, platform.screens, messages,
-                                            platform.clipboard, platform.clock, platform.fileWatcher});
+        controller = std::make_unique<SessionController>(SessionController::Dependencies{
+            store, preferences, *ui, platform.screens, messages, platform.clipboard, platform.clock,
+            platform.fileWatcher, platform.desktopActions, platform.copyText});
     }
 }
 

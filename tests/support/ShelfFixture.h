@@ -30,6 +30,8 @@ public:
         // Empty: a FakeShelfInterface.
         MakeInterface makeInterface = {};
         bool withController = true;
+        DesktopActions* desktopActions = nullptr;
+        std::function<void(const QString& text)> copyText = {};
     };
 
     explicit ShelfFixture(const Platform& platform);

@@ -3,6 +3,7 @@
 #include "OperationsController.h"
 
 #include <memory>
+#include <optional>
 #include <QString>
 #include <variant>
 #include <vector>
@@ -18,6 +19,8 @@ struct ActionMenuEntry {
         QString title;
         QString iconName;
         bool enabled = true;
+        // A row that shows a mark, such as the shelf's current colour; none for plain rows.
+        std::optional<bool> checked;
     };
     struct Separator {};
     struct Submenu {

@@ -1,6 +1,12 @@
 #include "DragSessionCoordinator.h"
 
+#include "AddFromClipboardAction.h"
+#include "ClearShelfAction.h"
+#include "Domains/Actions/ActionIdentifiers.h"
+#include "Domains/Actions/ActionPreparation.h"
+#include "Domains/Actions/DesktopActions.h"
 #include "DragSessionLogging.h"
+#include "DragSessionSettingsAction.h"
 #include "DragSessionWindowPlacement.h"
 #include "Libraries/Core/DispatchQueue.h"
 #include "Libraries/Core/Localized.h"
@@ -10,6 +16,9 @@
 #include "PersistentDragSession.h"
 #include "PersistentDragSessionStore.h"
 #include "Preferences/Preferences.h"
+#include "PreferencesAction.h"
+#include "RemoveAction.h"
+#include "RenameAction.h"
 
 #include <algorithm>
 #include <QFileInfo>
@@ -56,6 +65,9 @@ DragSessionCoordinator::DragSessionCoordinator(DragSessionSource source, const D
     , m_pasteboardController(dependencies.clipboard)
     , m_dropIntake(dependencies.clock)
     , m_saveThrottler(saveDelay, DispatchQueue::main(), dependencies.clock)
+    , m_desktopActions(dependencies.desktopActions)
+    , m_copyText(dependencies.copyText)
+    , m_openPreferences(dependencies.openPreferences)
 {
     auto parts = dependencies.userInterface.makeShelf(*this, DragSessionWindowPlacement::defaultSize);
     m_view = std::move(parts.view);
@@ -91,10 +103,14 @@ DragSessionCoordinator::DragSessionCoordinator(DragSessionSource source, const D
 DragSessionCoordinator::~DragSessionCoordinator()
 {
     m_saveThrottler.cancel();
+    if (m_actionsController) {
+        m_actionsController->setDelegate(nullptr);
+    }
 }
 
 void DragSessionCoordinator::start(const QPointF& origin)
 {
+    markUsed();
     m_window->setFrameOrigin(origin);
     // A shelf the user asked for takes the keyboard. One that comes by itself (mid-drag, from a watched
     // folder or another program) must not: focus would leave the window the user works in.
@@ -123,11 +139,18 @@ void DragSessionCoordinator::start(const QPointF& origin)
     m_view->updateHoverState(m_window->containsMouse());
 }
 
+void DragSessionCoordinator::markUsed()
+{
+    static quint64 uses = 0;
+    m_lastUsed = ++uses;
+}
+
 void DragSessionCoordinator::appendItems(const DraggableList& draggables, bool isRestoration)
 {
     if (draggables.isEmpty()) {
         return;
     }
+    markUsed();
     m_itemsController->addItems(draggables);
     m_view->addDraggables(draggables, isRestoration);
 }
@@ -149,6 +172,11 @@ void DragSessionCoordinator::refreshLabel()
     m_view->setLabel(m_label);
     m_window->applyLabel(m_label);
     m_window->setTitle(m_label.name.value_or(QString()));
+    if (const auto settings = m_settingsAction.lock(); settings && m_actionsController) {
+        settings->setLabel(m_label);
+        m_actionsController->invalidateMenu();
+        m_actionsController->prepare();
+    }
     Q_EMIT labelChanged();
 }
 
@@ -221,7 +249,12 @@ void DragSessionCoordinator::teardown(const std::function<void()>& completion)
     m_hasStopped = true;
     m_saveThrottler.cancel();
     m_itemsController->removeAllItems();
-    m_preparedItemsHash.reset();
+    if (m_actionsController) {
+        // Its run ends without telling a shelf that is gone.
+        m_actionsController->setDelegate(nullptr);
+        m_actionsController->cancel();
+        dropActionsController();
+    }
     m_window->close();
     // The delegate may let go of this coordinator; nothing of it is touched after this line.
     if (m_delegate) {
@@ -255,6 +288,9 @@ void DragSessionCoordinator::scheduleItemsUpdate()
 
 void DragSessionCoordinator::itemsUpdate()
 {
+    if (m_isStopping) {
+        return;
+    }
     if (m_supressItemPreparationOnItemsUpdate) {
         qCInfo(lcDragSession) << "supressItemPreparationOnItemsUpdate is true, so ignoring updates...";
         return;
@@ -271,21 +307,590 @@ void DragSessionCoordinator::itemsUpdate()
 void DragSessionCoordinator::prepareActionsIfNeeded(const DraggableList& items)
 {
     const size_t hash = itemsHash(items);
-    if (m_preparedItemsHash && m_preparedItemsCount == items.size() && *m_preparedItemsHash == hash) {
+    if (m_actionsController && m_preparedItemsHash && m_preparedItemsCount == items.size() &&
+        *m_preparedItemsHash == hash) {
         qCInfo(lcDragSession) << "Skipping item preparation as nothing changed";
         return;
     }
+    if (m_actionsController &&
+        (m_actionsController->performingAction() || m_actionsController->actionItemsAssembler())) {
+        // A run is under way on the old items; its end makes the controller for the new ones.
+        qCInfo(lcDragSession) << "Items changed during an action; preparing once it has finished";
+        return;
+    }
     m_supressItemPreparationOnItemsUpdate = false;
+    m_hasPreparedMenu = false;
     if (items.isEmpty()) {
         qCInfo(lcDragSession) << "Resetting state as we don't have any items";
         m_preparedItemsHash.reset();
         m_preparedItemsCount = 0;
+        if (m_actionsController) {
+            m_actionsController->cancel();
+            dropActionsController();
+        }
         return;
     }
     qCInfo(lcDragSession).noquote()
         << QStringLiteral("Preparing the actions controller for %1 items").arg(items.size());
     m_preparedItemsHash = hash;
     m_preparedItemsCount = items.size();
+    if (m_actionsController) {
+        m_actionsController->setDelegate(nullptr);
+        m_actionsController->cancel();
+        dropActionsController();
+    }
+
+    ActionsController::Services services;
+    if (m_desktopActions) {
+        DesktopActions* desktop = m_desktopActions;
+        services.shareActionsProvider = [desktop](const QList<QUrl>& urls) {
+            return desktop->makeShareActions(urls);
+        };
+        services.archiver = desktop->archiver();
+    }
+    m_actionsController =
+        std::make_unique<ActionsController>(items, makeActions(), m_preferences, std::move(services));
+    m_actionsController->setDelegate(this);
+    m_actionsController->setSupplementarySearchActions(makeSupplementarySearchActions());
+    connect(m_actionsController.get(), &ActionsController::searchableElementsChanged, this, [this] {
+        m_hasPreparedMenu = m_actionsController && m_actionsController->preparedMenu().has_value();
+    });
+    m_actionsController->prepare();
+}
+
+ActionsController* DragSessionCoordinator::ensureActionsController()
+{
+    if (!m_actionsController && !m_hasStopped) {
+        prepareActionsIfNeeded(m_itemsController->items());
+    }
+    return m_actionsController.get();
+}
+
+void DragSessionCoordinator::dropActionsController()
+{
+    m_hasPreparedMenu = false;
+    m_preparedItemsHash.reset();
+    m_preparedItemsCount = 0;
+    if (auto controller = std::move(m_actionsController)) {
+        controller->disconnect(this);
+        // Often called from inside the controller's own report: it goes once that has returned.
+        DispatchQueue::main().async(
+            [controller = std::shared_ptr<ActionsController>(std::move(controller))] {});
+    }
+}
+
+ActionList DragSessionCoordinator::makeActions()
+{
+    const QPointer self(this);
+    ActionList actions;
+    ActionList shelfActions;
+    ActionPtr copyToPasteboard;
+    if (m_desktopActions) {
+        for (const ActionPtr& action : m_desktopActions->makeItemActions()) {
+            if (!action) {
+                continue;
+            }
+            if (action->identifier() == ActionIdentifiers::copyToPasteboard) {
+                copyToPasteboard = action;
+            } else if (action->category() == ActionCategory::shelf) {
+                shelfActions.append(action);
+            } else {
+                actions.append(action);
+            }
+        }
+    }
+    actions.append(
+        std::make_shared<AddFromClipboardAction>(!m_pasteboardController.draggables().isEmpty(),
+                                                 [self] { return self ? self->addFromClipboard() : 0; }));
+    if (copyToPasteboard) {
+        actions.append(copyToPasteboard);
+    }
+    actions.append(shelfActions);
+    actions.append(
+        std::make_shared<RenameAction>([self](const ActionItem& item, const Action::Completion& completion) {
+            if (self) {
+                self->renameItem(item, completion);
+            } else {
+                completion(std::unexpected(ActionError(ActionError::Kind::canceled)));
+            }
+        }));
+    actions.append(std::make_shared<RemoveAction>([self](const ActionItemList& items) {
+        if (self) {
+            self->removeItems(self->draggablesFor(items));
+        }
+    }));
+    for (const auto context : {MoveToNewShelfAction::Context::move, MoveToNewShelfAction::Context::copy}) {
+        actions.append(std::make_shared<MoveToNewShelfAction>(
+            context, [self](MoveToNewShelfAction::Context context, const ActionItemList& items) {
+                if (self) {
+                    self->moveToNewShelf(context, items);
+                }
+            }));
+    }
+    actions.append(std::make_shared<ClearShelfAction>([self] {
+        if (self) {
+            self->clear();
+            self->m_view->removeAllDraggables(true);
+        }
+    }));
+    auto settings = std::make_shared<DragSessionSettingsAction>(
+        m_label, [self](const DragSessionSettingsAction::Choice& choice) {
+            if (!self) {
+                return;
+            }
+            if (choice.color) {
+                DragSessionLabel label = self->m_label;
+                label.color = DragSessionLabelColor(*choice.color);
+                label.userDefined = true;
+                self->setLabel(label);
+                return;
+            }
+            self->m_view->editInline(
+                self->m_label.name.value_or(QString()), [self](const std::optional<QString>& name) {
+                    if (!self || !name) {
+                        return;
+                    }
+                    DragSessionLabel label = self->m_label;
+                    const QString trimmed = name->trimmed();
+                    label.name = trimmed.isEmpty() ? std::nullopt : std::optional(trimmed);
+                    self->setLabel(label);
+                });
+        });
+    m_settingsAction = settings;
+    actions.append(settings);
+    actions.append(std::make_shared<PreferencesAction>([self] {
+        if (self && self->m_openPreferences) {
+            self->m_openPreferences();
+        } else {
+            qCWarning(lcDragSession) << "No settings window to open";
+        }
+    }));
+    return actions;
+}
+
+QList<ActionsControllerSupplementarySearchAction> DragSessionCoordinator::makeSupplementarySearchActions()
+{
+    const QPointer self(this);
+    ActionsControllerSupplementarySearchAction pin{
+        ActionSearchItem{QStringLiteral("custom_pin"),
+                         Localized("shelf-settings-action-menu.pin-shelf", "Pin Shelf"),
+                         QStringLiteral("window-pin"),
+                         {}},
+        [self] { return self && !self->m_label.pinned; },
+        [self] {
+            if (!self) {
+                return false;
+            }
+            self->setPinned(true);
+            return true;
+        }};
+    ActionsControllerSupplementarySearchAction unpin{
+        ActionSearchItem{QStringLiteral("custom_unpin"),
+                         Localized("shelf-settings-action-menu.unpin-shelf", "Unpin Shelf"),
+                         QStringLiteral("window-unpin"),
+                         {}},
+        [self] { return self && self->m_label.pinned; },
+        [self] {
+            if (!self) {
+                return false;
+            }
+            self->setPinned(false);
+            return true;
+        }};
+    return {pin, unpin};
+}
+
+void DragSessionCoordinator::setPinned(bool pinned)
+{
+    m_label.pinned = pinned;
+    refreshLabel();
+    throttleSave();
+    if (m_actionsController) {
+        m_actionsController->reloadSupplementarySearchElements();
+    }
+}
+
+DraggableList DragSessionCoordinator::draggablesFor(const ActionItemList& items) const
+{
+    if (!m_actionsController) {
+        return {};
+    }
+    // The controller made one file per ready item, in the shelf's order.
+    DraggableList ready;
+    for (const DraggablePtr& draggable : m_actionsController->draggables()) {
+        if (draggable && draggable->isReady()) {
+            ready.append(draggable);
+        }
+    }
+    const auto prepared = m_actionsController->actionItems().value_or(ActionItemList());
+    DraggableList matching;
+    for (const ActionItem& item : items) {
+        const auto index = prepared.indexOf(item);
+        if (index >= 0 && index < ready.size()) {
+            matching.append(ready[index]);
+        }
+    }
+    return matching;
+}
+
+void DragSessionCoordinator::removeItems(const DraggableList& draggables)
+{
+    for (const DraggablePtr& draggable : draggables) {
+        m_view->removeDraggable(draggable);
+        m_itemsController->remove(draggable);
+    }
+    throttleSave();
+}
+
+void DragSessionCoordinator::moveToNewShelf(MoveToNewShelfAction::Context context,
+                                            const ActionItemList& items)
+{
+    const DraggableList draggables = draggablesFor(items);
+    if (draggables.isEmpty() || !m_delegate) {
+        qCWarning(lcDragSession) << "Nothing to put on a new shelf";
+        return;
+    }
+    if (context == MoveToNewShelfAction::Context::move) {
+        removeItems(draggables);
+    }
+    m_delegate->openNewSession(draggables, m_window->screen());
+}
+
+int DragSessionCoordinator::addFromClipboard()
+{
+    const DraggableList pasteable = m_pasteboardController.draggables();
+    DraggableList added;
+    const DraggableList& held = m_itemsController->items();
+    for (const DraggablePtr& draggable : pasteable) {
+        const bool present = std::any_of(held.cbegin(), held.cend(), [&draggable](const DraggablePtr& item) {
+            return item->cacheKey() == draggable->cacheKey();
+        });
+        if (!present) {
+            added.append(draggable);
+        }
+    }
+    appendItems(added);
+    if (!added.isEmpty()) {
+        throttleSave();
+    }
+    return int(added.size());
+}
+
+void DragSessionCoordinator::renameItem(const ActionItem& item, const Action::Completion& completion)
+{
+    const DraggableList draggables = draggablesFor({item});
+    const auto file =
+        draggables.isEmpty() ? nullptr : std::dynamic_pointer_cast<DraggableFile>(draggables.first());
+    if (!file || !file->url() || !file->url()->isLocalFile()) {
+        completion(std::unexpected(ActionError::underlying(
+            Localized("action.rename.error.no-file", "Only a file on disk can be renamed."))));
+        return;
+    }
+    const QString path = file->url()->toLocalFile();
+    m_view->editInline(QFileInfo(path).fileName(), [self = QPointer(this), file, path,
+                                                    completion](const std::optional<QString>& name) {
+        if (!self || !name) {
+            completion(std::unexpected(ActionError(ActionError::Kind::canceled)));
+            return;
+        }
+        const auto renamed = RenameAction::renameFile(path, *name);
+        if (!renamed) {
+            self->showMessage(renamed.error().description, Message::Icon::warning, failureMessageDuration);
+            completion(std::unexpected(ActionError::underlying(renamed.error().description)));
+            return;
+        }
+        if (auto replacement = DraggableFile::make(QUrl::fromLocalFile(*renamed))) {
+            const bool held = self->m_itemsController->items().contains(file);
+            if (held) {
+                self->m_itemsController->remove(file);
+                self->m_itemsController->addItems({replacement});
+                self->m_view->replaceDraggable(file, replacement);
+                self->throttleSave();
+            }
+        }
+        completion(ActionResultContext{});
+    });
+}
+
+void DragSessionCoordinator::didRequestActionsMenu()
+{
+    markUsed();
+    ActionsController* controller = ensureActionsController();
+    if (!controller) {
+        return;
+    }
+    QPointer<QObject> sourceWindow(dynamic_cast<QObject*>(m_window.get()));
+    controller->requestMenu(sourceWindow, [self = QPointer(this)](const ActionsController::MenuResult& menu) {
+        if (!self) {
+            return;
+        }
+        if (!menu) {
+            self->m_messages.show(
+                self->m_window->windowNumber(),
+                Message::highlighted(Message::Icon::error,
+                                     Localized("actions.alert.items-preparation-error.message",
+                                               "The items could not be prepared"),
+                                     Localized("actions.alert.items-preparation-error.informative-text",
+                                               "One or more items on the shelf can no longer be read.")),
+                failureMessageDuration);
+            return;
+        }
+        self->m_view->showActionsMenu(*menu);
+    });
+}
+
+void DragSessionCoordinator::didChooseActionsMenuEntry(const ActionMenuEntry& entry)
+{
+    if (!m_actionsController) {
+        return;
+    }
+    if (const auto* row = std::get_if<ActionMenuEntry::ActionRow>(&entry.value)) {
+        m_actionsController->didSelectItem(*row);
+    } else if (const auto* operation = std::get_if<ActionMenuEntry::OperationRow>(&entry.value)) {
+        m_actionsController->didSelectOperation(operation->item.identifier);
+    }
+}
+
+void DragSessionCoordinator::didCloseActionsMenu()
+{
+    if (m_actionsController) {
+        m_actionsController->menuDidClose();
+    }
+    m_view->updateHoverState(m_window->containsMouse());
+}
+
+void DragSessionCoordinator::availableActions(std::function<void(const AvailableActions& actions)> completion)
+{
+    ActionsController* controller = ensureActionsController();
+    if (!controller) {
+        completion(QList<ActionSearchItem>());
+        return;
+    }
+    controller->requestMenu(
+        {}, [self = QPointer(this), completion](const ActionsController::MenuResult& menu) {
+            if (!self || !self->m_actionsController) {
+                completion(std::unexpected(ActionError(ActionError::Kind::canceled)));
+                return;
+            }
+            self->m_actionsController->menuDidClose();
+            if (!menu) {
+                completion(std::unexpected(menu.error()));
+                return;
+            }
+            QList<ActionSearchItem> items;
+            for (const auto& element : self->m_actionsController->searchableElements().value_or(
+                     QList<ActionsController::SearchElement>())) {
+                items.append(element.item);
+            }
+            completion(items);
+        });
+}
+
+void DragSessionCoordinator::showSearch(const QString& text)
+{
+    if (m_isSearchShown) {
+        return;
+    }
+    ActionsController* controller = ensureActionsController();
+    if (!controller) {
+        return;
+    }
+    if (!controller->searchableElements()) {
+        qCInfo(lcDragSession)
+            << "Actions controller does not have the items prepared, forcing preparation now...";
+    }
+    m_isSearchShown = true;
+    markUsed();
+    availableActions([self = QPointer(this), text](const AvailableActions& actions) {
+        if (!self) {
+            return;
+        }
+        if (!actions || !self->m_actionsController) {
+            self->m_isSearchShown = false;
+            return;
+        }
+        DragSessionView::SearchRequest request;
+        for (const ActionSearchItem& item : *actions) {
+            request.items.append(SearchItem{item.identifier, item.title, item.iconName, item.keywords});
+        }
+        request.recentIdentifiers = self->m_actionsController->history().identifiers();
+        request.suggestedIdentifiers = ActionsControllerSearchItemsFactory::suggestedIdentifiers();
+        request.placeholder = Localized("shelf-search.placeholder", "Search actions");
+        request.initialText = text;
+        const QList<ActionSearchItem> offered = *actions;
+        request.select = [self, offered](const QString& identifier) {
+            if (!self) {
+                return;
+            }
+            self->m_isSearchShown = false;
+            self->m_view->dismissSearch();
+            const auto item =
+                std::find_if(offered.cbegin(), offered.cend(), [&identifier](const auto& candidate) {
+                    return candidate.identifier == identifier;
+                });
+            if (item != offered.cend() && self->m_actionsController) {
+                self->m_actionsController->performAction(*item);
+            }
+        };
+        request.dismiss = [self] {
+            if (self) {
+                self->m_isSearchShown = false;
+                self->m_view->updateHoverState(self->m_window->containsMouse());
+            }
+        };
+        self->m_view->presentSearch(request);
+    });
+}
+
+void DragSessionCoordinator::runAction(const QString& identifier, RunCompletion completion)
+{
+    availableActions([self = QPointer(this), identifier, completion](const AvailableActions& actions) {
+        if (!self || !actions) {
+            completion(std::unexpected(actions ? ActionError(ActionError::Kind::canceled) : actions.error()));
+            return;
+        }
+        const auto found = std::find_if(actions->cbegin(), actions->cend(), [&identifier](const auto& item) {
+            return item.identifier == identifier;
+        });
+        if (found == actions->cend() || !self->m_actionsController) {
+            completion(std::unexpected(ActionError::underlying(
+                Localized("actions.run.not-on-offer", "\"%1\" is not on offer for this shelf's items.")
+                    .arg(identifier))));
+            return;
+        }
+        const auto& elements = *self->m_actionsController->searchableElements();
+        const auto element =
+            std::find_if(elements.cbegin(), elements.cend(),
+                         [&found](const auto& candidate) { return candidate.item == *found; });
+        if (const auto* backing =
+                std::get_if<ActionsControllerSearchItemsFactory::ActionBacking>(&element->backing)) {
+            self->m_runCompletions.append({backing->action, completion});
+            self->m_actionsController->performAction(*found);
+            return;
+        }
+        // Pinning and the file operations end at once.
+        if (self->m_actionsController->performAction(*found)) {
+            completion(ActionResultContext{});
+        } else {
+            completion(std::unexpected(ActionError(ActionError::Kind::reserved)));
+        }
+    });
+}
+
+void DragSessionCoordinator::didStartPreparingAction(const ActionPtr& action, ActionsController&)
+{
+    m_hasPreparedMenu = false;
+    if (ActionPreparation* preparation = action->preparation();
+        preparation && preparation->hidesSourceWindowDuringPreparation()) {
+        m_window->setAlphaValue(0, true);
+        return;
+    }
+    setShareState({DragSessionActionState::Loading{
+        0, Localized("content.share-progress.preparing.label", "Preparing…")}});
+}
+
+void DragSessionCoordinator::didStartPerformingAction(const ActionPtr& action, ActionsController&)
+{
+    markUsed();
+    m_window->setAlphaValue(action->hidesSourceWindowDuringAction() ? 0 : 1, true);
+    // These change the shelf while they run: the change must not rebuild the controller under them.
+    if (std::dynamic_pointer_cast<RemoveAction>(action) || std::dynamic_pointer_cast<RenameAction>(action) ||
+        std::dynamic_pointer_cast<MoveToNewShelfAction>(action)) {
+        m_supressItemPreparationOnItemsUpdate = true;
+    }
+}
+
+void DragSessionCoordinator::didUpdateProgressForAction(const ActionPtr&, double progress,
+                                                        const std::optional<QString>& progressTitle,
+                                                        ActionsController&)
+{
+    if (!m_actionsController) {
+        qCWarning(lcDragSession)
+            << "Got progress update but we dont have a reference to self.actionsController!";
+        return;
+    }
+    QString title;
+    if (progressTitle) {
+        title = *progressTitle;
+    } else if (const auto* loading = std::get_if<DragSessionActionState::Loading>(&m_shareState.value)) {
+        title = loading->title;
+    }
+    setShareState({DragSessionActionState::Loading{progress, title}});
+}
+
+void DragSessionCoordinator::didFinishPerformingAction(const ActionPtr& action, ActionsController&,
+                                                       const Action::Result& result)
+{
+    const QPointer self(this);
+    for (qsizetype index = 0; index < m_runCompletions.size(); ++index) {
+        const auto waiting = m_runCompletions[index].first.lock();
+        if (!waiting || waiting == action) {
+            const RunCompletion completion = m_runCompletions.takeAt(index--).second;
+            if (waiting && completion) {
+                completion(result);
+            }
+        }
+    }
+    if (!self) {
+        return;
+    }
+    if (result) {
+        handleActionCompletion(action, *result);
+    } else {
+        handleActionError(action, result.error());
+    }
+    if (!self || m_hasStopped) {
+        return;
+    }
+    m_supressItemPreparationOnItemsUpdate = false;
+    m_view->updateHoverState(m_window->containsMouse());
+    dropActionsController();
+    // The next menu is made ahead again, for what the shelf holds after the run.
+    scheduleItemsUpdate();
+}
+
+void DragSessionCoordinator::handleActionCompletion(const ActionPtr& action,
+                                                    const ActionResultContext& context)
+{
+    const QPointer self(this);
+    if (action->isDestructive()) {
+        stop(true);
+    } else {
+        m_window->setAlphaValue(1, true);
+    }
+    if (!self) {
+        return;
+    }
+    if (const auto* link = std::get_if<ActionResultContext::Link>(&context.value)) {
+        setShareState({DragSessionActionState::Confirmation{link->url}});
+        if (m_copyText) {
+            m_copyText(link->url.toString(QUrl::FullyEncoded));
+        }
+    } else if (const auto* message = std::get_if<ActionResultContext::Message>(&context.value)) {
+        m_messages.show(m_window->windowNumber(),
+                        Message::plain(Message::Icon::info, message->body,
+                                       action->identifier() + QStringLiteral("_message")),
+                        actionMessageDuration);
+    } else {
+        setShareState({DragSessionActionState::None{}});
+    }
+}
+
+void DragSessionCoordinator::handleActionError(const ActionPtr& action, const ActionError& error)
+{
+    m_window->setAlphaValue(1, true);
+    if (error.kind() == ActionError::Kind::canceled) {
+        setShareState({DragSessionActionState::None{}});
+        return;
+    }
+    if (action->category() == ActionCategory::upload) {
+        setShareState({DragSessionActionState::Error{
+            Localized("content.share-progress.error.general", "Could not upload"), error.description()}});
+    } else if (action->category() == ActionCategory::shelf &&
+               std::holds_alternative<DragSessionActionState::Loading>(m_shareState.value)) {
+        setShareState({DragSessionActionState::Error{Localized("general.error.title", "Something went wrong"),
+                                                     error.description()}});
+    }
 }
 
 bool DragSessionCoordinator::shouldAcceptDrag(const QMimeData& data)

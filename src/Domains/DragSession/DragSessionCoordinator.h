@@ -1,5 +1,7 @@
 #pragma once
 
+#include "Domains/Actions/ActionsController.h"
+#include "Domains/Actions/ActionsControllerDelegate.h"
 #include "DragSessionActionState.h"
 #include "DragSessionDropIntake.h"
 #include "DragSessionItemsController.h"
@@ -10,7 +12,9 @@
 #include "Libraries/Core/Clock.h"
 #include "Libraries/Core/Throttler.h"
 #include "Message.h"
+#include "MoveToNewShelfAction.h"
 
+#include <expected>
 #include <functional>
 #include <memory>
 #include <optional>
@@ -19,7 +23,9 @@
 
 namespace Vantrope {
 
+class DesktopActions;
 class DragSessionCoordinator;
+class DragSessionSettingsAction;
 class MessageWindowCenter;
 class PersistentDragSessionStore;
 class Preferences;
@@ -34,7 +40,9 @@ public:
 
 // The controller of one shelf, from the moment it is shown until its window closes: it owns the window,
 // the view and the items, answers what the view reports and keeps the shelf's saved copy up to date.
-class DragSessionCoordinator final : public QObject, public DragSessionViewDelegate {
+class DragSessionCoordinator final : public QObject,
+                                     public DragSessionViewDelegate,
+                                     public ActionsControllerDelegate {
     Q_OBJECT
 public:
     struct Dependencies {
@@ -44,11 +52,21 @@ public:
         MessageWindowCenter& messages;
         const PasteboardSource& clipboard;
         Clock& clock;
+        // The program's actions on files; none offers only the shelf's own.
+        DesktopActions* desktopActions = nullptr;
+        // Puts text (a shared link) on the clipboard.
+        std::function<void(const QString& text)> copyText = {};
+        std::function<void()> openPreferences = {};
     };
+
+    // What `actions` lists and `run` reports to scripts.
+    using AvailableActions = std::expected<QList<ActionSearchItem>, ActionError>;
+    using RunCompletion = std::function<void(const Action::Result& result)>;
 
     static constexpr std::chrono::milliseconds saveDelay{1000};
     static constexpr std::chrono::milliseconds itemsUpdateDelay{500};
     static constexpr std::chrono::milliseconds failureMessageDuration{5000};
+    static constexpr std::chrono::milliseconds actionMessageDuration{3600};
 
     DragSessionCoordinator(DragSessionSource source, const DragSessionLabel& label,
                            std::unique_ptr<DragSessionItemsController> itemsController,
@@ -100,6 +118,21 @@ public:
     // A large drop is being read in the background; the shelf must stay until it is.
     bool isReadingDropInBackground() const { return m_dropIntake.isAsyncDragInProgress(); }
 
+    // Grows each time the user uses this shelf (opens it, adds to it, acts on it); compared across shelves.
+    quint64 lastUsed() const { return m_lastUsed; }
+
+    // Present while the shelf has items, until a run ends.
+    ActionsController* actionsController() const { return m_actionsController.get(); }
+    // The menu for the current items is ready.
+    bool hasPreparedMenu() const { return m_hasPreparedMenu; }
+    // The actions on offer for the items now, once they are prepared.
+    void availableActions(std::function<void(const AvailableActions& actions)> completion);
+    // Opens type-to-search over the actions on offer, with `text` already typed.
+    void showSearch(const QString& text = {});
+    bool isSearchShown() const { return m_isSearchShown; }
+    // Runs the action on offer with this identifier through the shelf's controller, as a menu choice.
+    void runAction(const QString& identifier, RunCompletion completion);
+
     // The order-independent hash of the item identifiers the action machinery was last prepared for.
     std::optional<size_t> preparedItemsHash() const { return m_preparedItemsHash; }
 
@@ -110,6 +143,19 @@ public:
     void didDragItems(const DragEvent& event, bool hasMoved) override;
     void didSelectCloseButton(bool alternateModifier) override;
     void didSelectRestoreButton() override;
+    void didRequestActionsMenu() override;
+    void didChooseActionsMenuEntry(const ActionMenuEntry& entry) override;
+    void didCloseActionsMenu() override;
+    void didTypeToSearch(const QString& text) override { showSearch(text); }
+
+    // ActionsControllerDelegate
+    void didStartPreparingAction(const ActionPtr& action, ActionsController& actionsController) override;
+    void didStartPerformingAction(const ActionPtr& action, ActionsController& actionsController) override;
+    void didUpdateProgressForAction(const ActionPtr& action, double progress,
+                                    const std::optional<QString>& progressTitle,
+                                    ActionsController& actionsController) override;
+    void didFinishPerformingAction(const ActionPtr& action, ActionsController& actionsController,
+                                   const Action::Result& result) override;
 
 Q_SIGNALS:
     void labelChanged();
@@ -125,6 +171,21 @@ private:
     void scheduleItemsUpdate();
     void itemsUpdate();
     void prepareActionsIfNeeded(const DraggableList& items);
+    // Builds the controller for the items now when there is none.
+    ActionsController* ensureActionsController();
+    void dropActionsController();
+    ActionList makeActions();
+    QList<ActionsControllerSupplementarySearchAction> makeSupplementarySearchActions();
+    void handleActionCompletion(const ActionPtr& action, const ActionResultContext& context);
+    void handleActionError(const ActionPtr& action, const ActionError& error);
+    // The shelf's items behind the controller's files, in the same order.
+    DraggableList draggablesFor(const ActionItemList& items) const;
+    void removeItems(const DraggableList& draggables);
+    void moveToNewShelf(MoveToNewShelfAction::Context context, const ActionItemList& items);
+    int addFromClipboard();
+    void renameItem(const ActionItem& item, const Action::Completion& completion);
+    void setPinned(bool pinned);
+    void markUsed();
     void handleDeletedItems(const QList<DragSessionItemsController::DeleteContext>& contexts);
     void handleChangedItem(const DragSessionItemsController::ItemChangeContext& context);
     void showMessage(const QString& text, Message::Icon icon, Clock::Duration duration);
@@ -154,6 +215,16 @@ private:
     qsizetype m_preparedItemsCount = 0;
     Throttler m_saveThrottler;
     quint64 m_itemsUpdateGeneration = 0;
+    DesktopActions* m_desktopActions = nullptr;
+    std::function<void(const QString&)> m_copyText;
+    std::function<void()> m_openPreferences;
+    std::unique_ptr<ActionsController> m_actionsController;
+    std::weak_ptr<DragSessionSettingsAction> m_settingsAction;
+    bool m_hasPreparedMenu = false;
+    quint64 m_lastUsed = 0;
+    bool m_isSearchShown = false;
+    // Runs started by scripts, told how they end.
+    QList<std::pair<std::weak_ptr<Action>, RunCompletion>> m_runCompletions;
 };
 
 } // namespace Vantrope

@@ -1,8 +1,10 @@
 #pragma once
 
+#include "Domains/Actions/ActionMenuEntry.h"
 #include "DragSessionActionState.h"
 #include "DragSessionDropIntake.h"
 #include "DragSessionLabel.h"
+#include "Libraries/Core/SearchItem.h"
 #include "Models/Draggable/Draggable.h"
 
 #include <functional>
@@ -17,6 +19,19 @@ namespace Vantrope {
 // and reports what the user does to its `DragSessionViewDelegate`.
 class DragSessionView {
 public:
+    // Type-to-search over the shelf's actions.
+    struct SearchRequest {
+        QList<SearchItem> items;
+        // Shown before anything is typed: the recent ones, most recent first, else the suggested ones.
+        QStringList recentIdentifiers;
+        QStringList suggestedIdentifiers;
+        QString placeholder;
+        // What the user typed that opened the search.
+        QString initialText;
+        std::function<void(const QString& identifier)> select;
+        std::function<void()> dismiss;
+    };
+
     virtual ~DragSessionView() = default;
 
     virtual void addDraggables(const DraggableList& draggables, bool isRestoration) = 0;
@@ -37,6 +52,16 @@ public:
 
     // Items dragged out of the shelf right now.
     virtual bool hasDraggedOutItems() const = 0;
+
+    // A one-line editor over the shelf, filled with `text`. `done` runs once: with the text on Enter,
+    // with none when the user gives up (Escape, or the editor loses the focus).
+    virtual void editInline(const QString& text,
+                            std::function<void(const std::optional<QString>& text)> done) = 0;
+    // Opens the action menu at the pointer, now that it is ready.
+    virtual void showActionsMenu(const ActionsControllerMenu& menu) = 0;
+    // Covers the shelf with a search field and the list under it until one is chosen or it is dismissed.
+    virtual void presentSearch(const SearchRequest& request) = 0;
+    virtual void dismissSearch() = 0;
 };
 
 // What a shelf view reports; the shelf's coordinator answers.
@@ -74,6 +99,13 @@ public:
     virtual void didDragItems(const DragEvent& event, bool hasMoved) = 0;
     virtual void didSelectCloseButton(bool alternateModifier) = 0;
     virtual void didSelectRestoreButton() = 0;
+    // A right click or the menu button: the shelf answers with `showActionsMenu` once the menu is ready.
+    virtual void didRequestActionsMenu() = 0;
+    // A row of the action menu (an action or an operation row) was chosen.
+    virtual void didChooseActionsMenuEntry(const ActionMenuEntry& entry) = 0;
+    virtual void didCloseActionsMenu() = 0;
+    // The user typed on the shelf: the search opens with the text.
+    virtual void didTypeToSearch(const QString& text) = 0;
 };
 
 } // namespace Vantrope

@@ -84,8 +84,7 @@ QPointF SessionController::originFor(const DragSessionSource& source) const
             others.append(coordinator->window().frame());
         }
     }
-    const auto stored =
-        m_dependencies.preferences.value(PreferenceKeys::defaultShelfLocation);
+    const auto stored = m_dependencies.preferences.value(PreferenceKeys::defaultShelfLocation);
     const auto location = SettingsItem::shelfLocation(stored).value_or(SettingsItem::ShelfLocation::topRight);
 
     if (source.is<DragSessionSource::Gesture>()) {
@@ -115,8 +114,9 @@ std::shared_ptr<DragSessionCoordinator> SessionController::startSession(DragSess
     auto itemsController =
         std::make_unique<DragSessionItemsController>(m_dependencies.clock, m_dependencies.fileWatcher);
     const DragSessionCoordinator::Dependencies dependencies{
-        m_dependencies.sessionStore, m_dependencies.preferences, m_dependencies.userInterface,
-        m_dependencies.messages,     m_dependencies.clipboard,   m_dependencies.clock};
+        m_dependencies.sessionStore,   m_dependencies.preferences, m_dependencies.userInterface,
+        m_dependencies.messages,       m_dependencies.clipboard,   m_dependencies.clock,
+        m_dependencies.desktopActions, m_dependencies.copyText,    m_dependencies.openPreferences};
     auto coordinator = std::make_shared<DragSessionCoordinator>(std::move(source), newLabel(),
                                                                 std::move(itemsController), dependencies);
     coordinator->setDelegate(this);
@@ -126,6 +126,30 @@ std::shared_ptr<DragSessionCoordinator> SessionController::startSession(DragSess
     setCoordinators(std::move(list));
     Q_EMIT sessionsChanged();
     return coordinator;
+}
+
+std::shared_ptr<DragSessionCoordinator> SessionController::coordinator(const QString& identifier) const
+{
+    for (const auto& shelf : coordinators()) {
+        if (shelf->id().compare(identifier, Qt::CaseInsensitive) == 0 && !shelf->isStopping()) {
+            return shelf;
+        }
+    }
+    return nullptr;
+}
+
+std::shared_ptr<DragSessionCoordinator> SessionController::lastUsedCoordinator() const
+{
+    std::shared_ptr<DragSessionCoordinator> newest;
+    for (const auto& shelf : coordinators()) {
+        if (shelf->isStopping()) {
+            continue;
+        }
+        if (!newest || shelf->lastUsed() >= newest->lastUsed()) {
+            newest = shelf;
+        }
+    }
+    return newest;
 }
 
 void SessionController::gestureBegan(std::optional<QPointF> point)

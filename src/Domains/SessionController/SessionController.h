@@ -16,6 +16,7 @@
 
 namespace Vantrope {
 
+class DesktopActions;
 class FileWatcher;
 class MessageWindowCenter;
 class PersistentDragSessionStore;
@@ -45,6 +46,10 @@ public:
         const PasteboardSource& clipboard;
         Clock& clock;
         FileWatcher& fileWatcher;
+        // What every shelf offers beside its own actions; none in tests that don't care.
+        DesktopActions* desktopActions = nullptr;
+        std::function<void(const QString& text)> copyText = {};
+        std::function<void()> openPreferences = {};
     };
 
     explicit SessionController(const Dependencies& dependencies, QObject* parent = nullptr);
@@ -54,6 +59,9 @@ public:
     QList<std::shared_ptr<DragSessionCoordinator>> coordinators() const;
 
     std::shared_ptr<DragSessionCoordinator> startSession(DragSessionSource source);
+    std::shared_ptr<DragSessionCoordinator> coordinator(const QString& identifier) const;
+    // The shelf the user touched last (opened, dropped on, acted on); the newest open one otherwise.
+    std::shared_ptr<DragSessionCoordinator> lastUsedCoordinator() const;
 
     // The gesture recognizer's two ends: a shake or modifier drag began at a point, the drag ended.
     void gestureBegan(std::optional<QPointF> point);

@@ -3,6 +3,8 @@
 #include "ApplicationDBusInterface.h"
 #include "SessionBusAddress.h"
 
+#include <climits>
+#include <limits>
 #include <QDBusArgument>
 #include <QDBusConnection>
 #include <QDBusConnectionInterface>
@@ -46,7 +48,8 @@ bool ApplicationDBusClient::isAgentRunning() const
 }
 
 std::expected<QVariantList, Error> ApplicationDBusClient::call(const QString& method,
-                                                               const QVariantList& arguments) const
+                                                               const QVariantList& arguments,
+                                                               std::optional<std::chrono::milliseconds> timeout) const
 {
     QDBusConnection bus = QDBusConnection::sessionBus();
     if (!bus.isConnected()) {
@@ -61,7 +64,10 @@ std::expected<QVariantList, Error> ApplicationDBusClient::call(const QString& me
     message.setArguments(arguments);
     // Nothing may be started on the caller's behalf: "not running" is an answer.
     message.setAutoStartService(false);
-    const QDBusMessage reply = bus.call(message, QDBus::Block, int(m_timeout.count()));
+    const std::chrono::milliseconds wait = timeout.value_or(m_timeout);
+    // The bus takes milliseconds as an int; longer than that is as good as no limit.
+    const QDBusMessage reply = bus.call(
+        message, QDBus::Block, int(std::min<std::chrono::milliseconds::rep>(wait.count(), INT_MAX)));
     if (reply.type() == QDBusMessage::ReplyMessage) {
         return reply.arguments();
     }
@@ -79,7 +85,7 @@ std::expected<QVariantList, Error> ApplicationDBusClient::call(const QString& me
         }
         return std::unexpected(Error{
             Error::Kind::noAnswer, QStringLiteral("Vantrope is running but did not answer within %1 seconds")
-                                       .arg(std::chrono::duration<double>(m_timeout).count())});
+                                       .arg(std::chrono::duration<double>(wait).count())});
     }
     if (name.startsWith(ApplicationDBusInterface::errorName(QString()))) {
         return std::unexpected(Error{Error::Kind::refused, reply.errorMessage()});
@@ -89,9 +95,10 @@ std::expected<QVariantList, Error> ApplicationDBusClient::call(const QString& me
 }
 
 std::expected<QString, Error> ApplicationDBusClient::callForString(const QString& method,
-                                                                   const QVariantList& arguments) const
+                                                                   const QVariantList& arguments,
+                                                                   std::optional<std::chrono::milliseconds> timeout) const
 {
-    const auto values = call(method, arguments);
+    const auto values = call(method, arguments, timeout);
     if (!values) {
         return std::unexpected(values.error());
     }
@@ -164,6 +171,31 @@ std::expected<QList<ShelfSummary>, Error> ApplicationDBusClient::shelves() const
         result.append(shelf);
     }
     return result;
+}
+
+std::expected<QList<ShelfActionSummary>, Error>
+ApplicationDBusClient::shelfActions(const QString& shelf) const
+{
+    // Preparing the items of a large shelf reads every file once.
+    const auto values = call(QStringLiteral("ListActions"), {shelf}, std::max(m_timeout, std::chrono::milliseconds(60000)));
+    if (!values) {
+        return std::unexpected(values.error());
+    }
+    QList<ShelfActionSummary> result;
+    if (values->isEmpty()) {
+        return result;
+    }
+    for (const QVariantMap& entry : qdbus_cast<QList<QVariantMap>>(values->first())) {
+        result.append({entry.value(QStringLiteral("identifier")).toString(),
+                       entry.value(QStringLiteral("title")).toString()});
+    }
+    return result;
+}
+
+std::expected<QString, Error> ApplicationDBusClient::runAction(const QString& shelf,
+                                                               const QString& action) const
+{
+    return callForString(QStringLiteral("RunAction"), {shelf, action}, std::chrono::milliseconds::max());
 }
 
 } // namespace Vantrope

@@ -2,6 +2,7 @@
 
 #include "ApplicationRequestHandler.h"
 
+#include <optional>
 #include <chrono>
 #include <expected>
 #include <QVariantList>
@@ -39,10 +40,17 @@ public:
     // Returns once the agent has left the bus.
     std::expected<void, Error> quit() const;
     std::expected<QList<ShelfSummary>, Error> shelves() const;
+    // An empty shelf identifier asks for the shelf used last.
+    std::expected<QList<ShelfActionSummary>, Error> shelfActions(const QString& shelf) const;
+    // Waits for the action to end, however long that takes (an upload may take minutes).
+    std::expected<QString, Error> runAction(const QString& shelf, const QString& action) const;
 
 private:
-    std::expected<QVariantList, Error> call(const QString& method, const QVariantList& arguments = {}) const;
-    std::expected<QString, Error> callForString(const QString& method, const QVariantList& arguments) const;
+    // Without a timeout, the client's own.
+    std::expected<QVariantList, Error> call(const QString& method, const QVariantList& arguments = {},
+                                            std::optional<std::chrono::milliseconds> timeout = std::nullopt) const;
+    std::expected<QString, Error> callForString(const QString& method, const QVariantList& arguments,
+                                                std::optional<std::chrono::milliseconds> timeout = std::nullopt) const;
 
     std::chrono::milliseconds m_timeout;
 };

@@ -27,6 +27,10 @@ QString errorSuffix(ApplicationRequestHandler::Error::Kind kind)
         return QStringLiteral("UnknownShelf");
     case Kind::noRecentShelf:
         return QStringLiteral("NoRecentShelf");
+    case Kind::noShelf:
+        return QStringLiteral("NoShelf");
+    case Kind::actionFailed:
+        return QStringLiteral("ActionFailed");
     case Kind::invalidArguments:
         break;
     }
@@ -177,6 +181,53 @@ QList<QVariantMap> ApplicationDBusService::ListShelves()
         result.append(entry);
     }
     return result;
+}
+
+QList<QVariantMap> ApplicationDBusService::ListActions(const QString& shelf)
+{
+    if (!ready() || !calledFromDBus()) {
+        return {};
+    }
+    // Answered once the shelf's items are prepared, which takes a moment for a large shelf.
+    setDelayedReply(true);
+    m_handler->shelfActions(
+        shelf,
+        [connection = connection(), request = message()](
+            const std::expected<QList<ShelfActionSummary>, ApplicationRequestHandler::Error>& actions) {
+            if (!actions) {
+                connection.send(request.createErrorReply(
+                    ApplicationDBusInterface::errorName(errorSuffix(actions.error().kind)),
+                    actions.error().message));
+                return;
+            }
+            QList<QVariantMap> entries;
+            for (const ShelfActionSummary& action : *actions) {
+                entries.append({{QStringLiteral("identifier"), action.identifier},
+                                {QStringLiteral("title"), action.title}});
+            }
+            connection.send(request.createReply(QVariant::fromValue(entries)));
+        });
+    return {};
+}
+
+QString ApplicationDBusService::RunAction(const QString& shelf, const QString& action)
+{
+    if (!ready() || !calledFromDBus()) {
+        return {};
+    }
+    setDelayedReply(true);
+    m_handler->runAction(shelf, action,
+                         [connection = connection(), request = message()](
+                             const std::expected<QString, ApplicationRequestHandler::Error>& result) {
+                             if (!result) {
+                                 connection.send(request.createErrorReply(
+                                     ApplicationDBusInterface::errorName(errorSuffix(result.error().kind)),
+                                     result.error().message));
+                                 return;
+                             }
+                             connection.send(request.createReply(*result));
+                         });
+    return {};
 }
 
 } // namespace Vantrope

@@ -45,6 +45,10 @@ public Q_SLOTS:
     void Quit();
     // Each shelf: "identifier" (s), "name" (s, absent without one), "color" (s), "pinned" (b), "items" (as).
     QList<QVariantMap> ListShelves();
+    // Each action: "identifier" (s), "title" (s). An empty shelf identifier means the shelf used last.
+    QList<QVariantMap> ListActions(const QString& shelf);
+    // Answers once the action has ended, with its link or message (maybe empty), or an error.
+    QString RunAction(const QString& shelf, const QString& action);
 
 private:
     // False, and nothing to do, once the caller who waits for the answer has left the bus: a request

@@ -19,12 +19,28 @@ struct ShelfSummary {
     QStringList items;
 };
 
+// One action on offer for a shelf's items.
+struct ShelfActionSummary {
+    QString identifier;
+    QString title;
+};
+
 // What a running Vantrope does for other programs over its D-Bus interface and for its own command
 // line: adding files to a shelf, open-file requests, reopen and the automation intents.
 class ApplicationRequestHandler {
 public:
     struct Error {
-        enum class Kind { missingFile, unreadableFile, unknownShelf, noRecentShelf, invalidArguments };
+        enum class Kind {
+            missingFile,
+            unreadableFile,
+            unknownShelf,
+            noRecentShelf,
+            invalidArguments,
+            // No shelf is open to act on.
+            noShelf,
+            // The action was refused or failed; `message` says why.
+            actionFailed,
+        };
         Kind kind = Kind::invalidArguments;
         QString message;
     };
@@ -42,6 +58,14 @@ public:
     virtual void closeAll(std::function<void()> done) = 0;
     virtual void quit() = 0;
     virtual QList<ShelfSummary> shelves() const = 0;
+    // The actions on offer for the items of the shelf with this identifier, or of the shelf used last for
+    // an empty one. `done` runs once the items are prepared.
+    virtual void
+    shelfActions(const QString& shelf,
+                 std::function<void(const std::expected<QList<ShelfActionSummary>, Error>&)> done) = 0;
+    // Runs one of them; `done` gets what it left (a link or a message, maybe empty) once it has ended.
+    virtual void runAction(const QString& shelf, const QString& action,
+                           std::function<void(const std::expected<QString, Error>&)> done) = 0;
 };
 
 } // namespace Vantrope

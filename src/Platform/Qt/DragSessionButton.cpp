@@ -55,6 +55,15 @@ void DragSessionButton::paintEvent(QPaintEvent*)
         painter.drawLine(centre + QPointF(-r, r), centre + QPointF(r, -r));
         return;
     }
+    if (m_glyph == Glyph::menu) {
+        // Three dots: the shelf's action menu.
+        painter.setPen(Qt::NoPen);
+        painter.setBrush(ink);
+        for (const double dx : {-r * 1.3, 0.0, r * 1.3}) {
+            painter.drawEllipse(centre + QPointF(dx, 0), 1.4, 1.4);
+        }
+        return;
+    }
     // An arrow turning back on itself: bring back the last shelf.
     const QRectF arc(centre.x() - r * 1.2, centre.y() - r * 1.2, r * 2.4, r * 2.4);
     QPainterPath path;

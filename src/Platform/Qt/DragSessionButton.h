@@ -8,7 +8,7 @@ namespace Vantrope {
 class DragSessionButton final : public QAbstractButton {
     Q_OBJECT
 public:
-    enum class Glyph { close, restore };
+    enum class Glyph { close, restore, menu };
 
     static constexpr int diameter = 20;
 

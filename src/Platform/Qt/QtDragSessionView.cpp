@@ -3,13 +3,16 @@
 #include "Domains/DragSession/DragSessionLogging.h"
 #include "Domains/DragSession/MessageWindowCenter.h"
 #include "DragSessionButton.h"
+#include "DragSessionInlineEditor.h"
 #include "DragSessionOverlayView.h"
+#include "DragSessionSearchView.h"
 #include "DragSessionStackView.h"
 #include "Libraries/Core/Localized.h"
 #include "Models/Draggable/DraggableFile.h"
 #include "Models/Draggable/DraggablePromise.h"
 #include "OutboundDragData.h"
 #include "Preferences/Preferences.h"
+#include "QtActionsMenu.h"
 
 #ifdef WITH_X11
 #include "Platform/X11/X11DirectSaveSource.h"
@@ -19,8 +22,12 @@
 #include <chrono>
 #include <memory>
 #include <QApplication>
+#include <QContextMenuEvent>
 #include <QCursor>
 #include <QDrag>
+#include <QKeyEvent>
+#include <QLineEdit>
+#include <QMenu>
 #include <QMimeData>
 #include <QMouseEvent>
 #include <QPainter>
@@ -79,11 +86,15 @@ QtDragSessionView::QtDragSessionView(const Dependencies& dependencies, QWidget* 
 {
     setAttribute(Qt::WA_TranslucentBackground);
     setMouseTracking(true);
+    // Typing on a shelf opens its search.
+    setFocusPolicy(Qt::StrongFocus);
 
     m_dropView = new DragSessionInboundDropView(m_delegate, this);
     m_stack = new DragSessionStackView(m_dropView);
     m_closeButton = new DragSessionButton(DragSessionButton::Glyph::close, m_dropView);
     m_restoreButton = new DragSessionButton(DragSessionButton::Glyph::restore, m_dropView);
+    m_menuButton = new DragSessionButton(DragSessionButton::Glyph::menu, m_dropView);
+    m_menuButton->setToolTip(Localized("shelf.actions.tooltip", "Actions"));
     m_shareView = new DragSessionOverlayView(m_dropView);
     m_messageView = new DragSessionOverlayView(m_dropView);
     m_closeButton->setToolTip(Localized("shelf.close.tooltip", "Close Shelf (Alt: empty it)"));
@@ -108,6 +119,8 @@ QtDragSessionView::QtDragSessionView(const Dependencies& dependencies, QWidget* 
     });
     connect(m_restoreButton, &QAbstractButton::clicked, this,
             [this] { m_delegate.didSelectRestoreButton(); });
+    connect(m_menuButton, &QAbstractButton::clicked, this,
+            [this] { requestActionsMenu(m_menuButton->geometry().bottomLeft() + m_dropView->pos()); });
 
     connect(&dependencies.messages, &MessageWindowCenter::messageShown, this,
             &QtDragSessionView::showMessage);
@@ -259,6 +272,16 @@ void QtDragSessionView::layoutChildren()
     const QRectF card = cardRect();
     m_closeButton->move(int(card.left() + 7), int(card.top() + 7));
     m_restoreButton->move(int(card.right() - 7 - DragSessionButton::diameter), int(card.top() + 7));
+    // Where the restore button sits on an empty shelf; the two never show together.
+    m_menuButton->move(m_restoreButton->pos());
+    if (m_searchView) {
+        m_searchView->setGeometry(card.adjusted(6, 6, -6, -6).toAlignedRect());
+    }
+    if (m_inlineEditor) {
+        m_inlineEditor->setGeometry(int(card.left() + 10),
+                                    int(card.bottom() - 10 - m_inlineEditor->sizeHint().height()),
+                                    int(card.width() - 20), m_inlineEditor->sizeHint().height());
+    }
     const int width = int(card.width() - 12);
     for (DragSessionOverlayView* overlay : {m_shareView, m_messageView}) {
         const int height = qMin(overlay->heightForWidth(width), int(card.height() - 12));
@@ -275,6 +298,9 @@ void QtDragSessionView::updateChrome()
     m_closeButton->setVisible(m_permanentClose || m_hovering);
     m_restoreButton->setVisible(m_stack->draggables().isEmpty() && !m_highlighted &&
                                 (m_permanentClose || m_hovering));
+    m_menuButton->setDark(dark);
+    m_menuButton->setVisible(!m_stack->draggables().isEmpty() && !m_highlighted &&
+                             (m_hovering || m_actionsMenu));
     update();
 }
 
@@ -430,6 +456,140 @@ void QtDragSessionView::changeEvent(QEvent* event)
         updateChrome();
     }
     QWidget::changeEvent(event);
+}
+
+DragSessionInlineEditor* QtDragSessionView::inlineEditor() const
+{
+    return m_inlineEditor;
+}
+
+DragSessionSearchView* QtDragSessionView::searchView() const
+{
+    return m_searchView;
+}
+
+void QtDragSessionView::contextMenuEvent(QContextMenuEvent* event)
+{
+    requestActionsMenu(event->pos());
+    event->accept();
+}
+
+void QtDragSessionView::requestActionsMenu(const QPoint& position)
+{
+    if (m_stack->draggables().isEmpty() || m_actionsMenu) {
+        return;
+    }
+    m_menuRequestPosition = mapToGlobal(position);
+    m_delegate.didRequestActionsMenu();
+}
+
+void QtDragSessionView::showActionsMenu(const ActionsControllerMenu& menu)
+{
+    if (m_actionsMenu) {
+        return;
+    }
+    const QPoint position = m_menuRequestPosition.value_or(QCursor::pos());
+    m_menuRequestPosition.reset();
+    QPointer<QtDragSessionView> self(this);
+    QMenu* qmenu = QtActionsMenu::build(menu, this, [self](const ActionMenuEntry& entry) {
+        if (self) {
+            self->m_delegate.didChooseActionsMenuEntry(entry);
+        }
+    });
+    m_actionsMenu = qmenu;
+    connect(qmenu, &QMenu::aboutToHide, this, [this, qmenu] {
+        // Deleted once the chosen row has been handled, which comes after the menu hides.
+        qmenu->deleteLater();
+        QTimer::singleShot(0, this, [this] {
+            updateChrome();
+            m_delegate.didCloseActionsMenu();
+        });
+    });
+    qmenu->popup(position);
+    updateChrome();
+}
+
+void QtDragSessionView::editInline(const QString& text,
+                                   std::function<void(const std::optional<QString>&)> done)
+{
+    if (m_inlineEditor) {
+        m_inlineEditor->giveUp();
+    }
+    auto* editor = new DragSessionInlineEditor(text, std::move(done), this);
+    m_inlineEditor = editor;
+    layoutChildren();
+    editor->show();
+    editor->raise();
+    window()->activateWindow();
+    editor->setFocus(Qt::OtherFocusReason);
+}
+
+void QtDragSessionView::keyPressEvent(QKeyEvent* event)
+{
+    // A search that has not opened by then is not coming (the items could not be read).
+    constexpr qint64 searchOpeningTimeout = 3000;
+    const QString text = event->text();
+    const bool typing = !text.isEmpty() && text.at(0).isPrint() && !text.at(0).isSpace() &&
+                        !(event->modifiers() & (Qt::ControlModifier | Qt::AltModifier | Qt::MetaModifier));
+    if (typing && !m_stack->draggables().isEmpty() && !m_searchView && !m_inlineEditor) {
+        // The search opens once the actions are known; what is typed meanwhile is kept for its field.
+        const bool waiting = !m_pendingSearchText.isEmpty() && m_searchRequested.isValid() &&
+                             m_searchRequested.elapsed() < searchOpeningTimeout;
+        if (waiting) {
+            m_pendingSearchText += text;
+        } else {
+            m_pendingSearchText = text;
+            m_searchRequested.start();
+            m_delegate.didTypeToSearch(text);
+        }
+        event->accept();
+        return;
+    }
+    QWidget::keyPressEvent(event);
+}
+
+void QtDragSessionView::presentSearch(const SearchRequest& request)
+{
+    if (m_searchView) {
+        m_searchView->close();
+    }
+    QPointer<QtDragSessionView> self(this);
+    SearchRequest shown = request;
+    if (!m_pendingSearchText.isEmpty()) {
+        shown.initialText = std::exchange(m_pendingSearchText, QString());
+    }
+    shown.dismiss = [self, dismiss = request.dismiss] {
+        if (self) {
+            self->m_interactionEnabled = true;
+        }
+        if (dismiss) {
+            dismiss();
+        }
+    };
+    shown.select = [self, select = request.select](const QString& identifier) {
+        if (self) {
+            self->m_interactionEnabled = true;
+        }
+        if (select) {
+            select(identifier);
+        }
+    };
+    auto* search = new DragSessionSearchView(std::move(shown), this);
+    m_searchView = search;
+    m_interactionEnabled = false;
+    layoutChildren();
+    search->show();
+    search->raise();
+    window()->activateWindow();
+    search->field().setFocus(Qt::OtherFocusReason);
+}
+
+void QtDragSessionView::dismissSearch()
+{
+    if (m_searchView) {
+        m_searchView->close();
+    }
+    m_interactionEnabled = true;
 }
 
 void QtDragSessionView::mousePressEvent(QMouseEvent* event)

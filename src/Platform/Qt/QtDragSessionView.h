@@ -4,6 +4,9 @@
 #include "Domains/DragSession/Message.h"
 #include "DragSessionInboundDropView.h"
 
+#include <QElapsedTimer>
+#include <QMenu>
+#include <QPointer>
 #include <QVariantAnimation>
 #include <QWidget>
 
@@ -11,6 +14,8 @@ namespace Vantrope {
 
 class Clock;
 class DragSessionButton;
+class DragSessionInlineEditor;
+class DragSessionSearchView;
 class DragSessionOverlayView;
 class DragSessionStackView;
 class MessageWindowCenter;
@@ -51,6 +56,18 @@ public:
     void refreshDraggable(const DraggablePtr& draggable) override;
     void endInboundDrop() override;
     bool hasDraggedOutItems() const override { return m_hasDraggedOutItems; }
+    void editInline(const QString& text, std::function<void(const std::optional<QString>&)> done) override;
+    void showActionsMenu(const ActionsControllerMenu& menu) override;
+    void presentSearch(const SearchRequest& request) override;
+    void dismissSearch() override;
+    DragSessionSearchView* searchView() const;
+
+    // The open action menu or inline editor, if any.
+    QMenu* actionsMenu() const { return m_actionsMenu; }
+    DragSessionInlineEditor* inlineEditor() const;
+    DragSessionButton& menuButton() const { return *m_menuButton; }
+    // Asks for the action menu as a right click at `position` (in this view) does.
+    void requestActionsMenu(const QPoint& position);
 
     // Off while a search or panel covers the shelf: nothing can be dragged out then.
     void setInteractionEnabled(bool enabled) { m_interactionEnabled = enabled; }
@@ -78,6 +95,8 @@ protected:
     void leaveEvent(QEvent* event) override;
     void mousePressEvent(QMouseEvent* event) override;
     void changeEvent(QEvent* event) override;
+    void contextMenuEvent(QContextMenuEvent* event) override;
+    void keyPressEvent(QKeyEvent* event) override;
 
 private:
     QRectF cardRect() const;
@@ -102,6 +121,15 @@ private:
     DragSessionStackView* m_stack = nullptr;
     DragSessionButton* m_closeButton = nullptr;
     DragSessionButton* m_restoreButton = nullptr;
+    DragSessionButton* m_menuButton = nullptr;
+    QPointer<QMenu> m_actionsMenu;
+    QPointer<DragSessionInlineEditor> m_inlineEditor;
+    QPointer<DragSessionSearchView> m_searchView;
+    // Typed while the search is being opened: it goes into the field once it stands.
+    QString m_pendingSearchText;
+    QElapsedTimer m_searchRequested;
+    // Where the menu was asked for, in global coordinates; it opens there once it is ready.
+    std::optional<QPoint> m_menuRequestPosition;
     DragSessionOverlayView* m_messageView = nullptr;
     DragSessionOverlayView* m_shareView = nullptr;
     DragSessionLabel m_label;
