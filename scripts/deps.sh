@@ -1,4 +1,6 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: GPL-3.0-or-later
+# SPDX-FileCopyrightText: 2026 The Vantrope developers
 # Installs the Debian packages Vantrope needs that are missing. Usage: scripts/deps.sh [build|test|bench]...
 set -euo pipefail
 

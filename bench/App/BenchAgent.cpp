@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// SPDX-FileCopyrightText: 2026 The Vantrope developers
 // startup_to_tray_ms: from starting the program to its tray icon docking in a tray host (median of 5
 // starts with preferences already written, as every start but the first).
 // idle_rss_mb: resident memory of the running agent with two shelves open, after it settled.

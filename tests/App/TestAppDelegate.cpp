@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// SPDX-FileCopyrightText: 2026 The Vantrope developers
 #include "App/AppDelegate.h"
 #include "App/Launcher.h"
 #include "App/MenuItemController.h"

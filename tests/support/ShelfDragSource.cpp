@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// SPDX-FileCopyrightText: 2026 The Vantrope developers
 // A window that starts one real drag of a chosen kind when pressed and moved, for the tests that drop
 // things on a shelf with X input. It prints "ready X Y" (its centre in root coordinates) once placed,
 // then "drag started" and "drag finished ACTION" around the drag.

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// SPDX-FileCopyrightText: 2026 The Vantrope developers
 // A minimal system tray host for tests: owns the tray selection of screen 0 and embeds every icon that
 // asks to dock, printing "docked <window> <pid>" for each so a test can see who docked.
 #include <cstdio>

@@ -1,4 +1,6 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: GPL-3.0-or-later
+# SPDX-FileCopyrightText: 2026 The Vantrope developers
 # Runs a command on a virtual X display of its own (Xvfb) with a window manager (openbox) and a private
 # D-Bus session bus, then tears all of it down. Usage: with-display.sh COMMAND [ARGS...]
 set -uo pipefail

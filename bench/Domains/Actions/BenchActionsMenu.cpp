@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// SPDX-FileCopyrightText: 2026 The Vantrope developers
 // Prints how long a shelf of 1,000 files takes from its last item to a ready action menu, with the
 // desktop's real actions (applications through GIO, share targets), as "name value unit" lines.
 

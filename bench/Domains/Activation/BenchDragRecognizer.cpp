@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// SPDX-FileCopyrightText: 2026 The Vantrope developers
 // recognizer_event_ns: the recognizer's cost for one drag event, delivered through the monitor, from a
 // window whose owner is already known and a shake that keeps turning but never completes.
 

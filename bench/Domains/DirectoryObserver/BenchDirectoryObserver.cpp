@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// SPDX-FileCopyrightText: 2026 The Vantrope developers
 // Prints what a watched folder costs, as "name value unit" lines: one listing pass over a large folder,
 // and the passes and CPU time that a burst of new files takes.
 

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// SPDX-FileCopyrightText: 2026 The Vantrope developers
 // Figures for a drop of 10,000 files: building the items from the pasteboard and validating them, then
 // adding them to a shelf until every one is bookmarked and watched.
 #include "Domains/DragSession/DraggablePasteboardReader.h"

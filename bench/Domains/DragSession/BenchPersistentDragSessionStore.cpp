@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// SPDX-FileCopyrightText: 2026 The Vantrope developers
 // Prints how long writing and reading the recent shelves takes for 10 shelves of 1,000 files each,
 // as "name value unit" lines: wall-clock medians, and the process CPU time beside them, which stays
 // meaningful on a busy machine.

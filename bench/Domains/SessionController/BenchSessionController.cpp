@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// SPDX-FileCopyrightText: 2026 The Vantrope developers
 // The cost of deciding whether a shake opens a shelf while 50 shelves are open.
 #include "Domains/DragSession/MessageWindowCenter.h"
 #include "Domains/DragSession/PersistentDragSessionStore.h"

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// SPDX-FileCopyrightText: 2026 The Vantrope developers
 // Prints how long resolving a file bookmark takes, as "name value unit" lines.
 
 #include "Libraries/Core/FileBookmark.h"

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// SPDX-FileCopyrightText: 2026 The Vantrope developers
 // drop_1000_to_view_ms: from the drop of 1,000 files on a shelf until every item is on the pile and the
 // pile is drawn (median of 5). Drops of 30 items or more are read after a fixed pause of half a second,
 // which this figure includes; drop_1000_work_ms is the same without the pause.

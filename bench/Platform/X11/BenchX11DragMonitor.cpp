@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// SPDX-FileCopyrightText: 2026 The Vantrope developers
 // x11_monitor_event_us: wall time the X11 monitor spends on one motion event during a left-button drag,
 // pointer query included, with real input from xdotool on a virtual display of its own.
 // x11_monitor_idle_cpu_ms_per_min: the process's CPU time while no button is down and the pointer moves

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// SPDX-FileCopyrightText: 2026 The Vantrope developers
 #include "Domains/DirectoryObserver/DirectoryObserverFilter.h"
 #include "Domains/DirectoryObserver/SizeItemMatcherInput.h"
 #include "support/TestSupport.h"

@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// SPDX-FileCopyrightText: 2026 The Vantrope developers
 #include "Domains/DragSession/PersistentDragSessionFetchController.h"
 #include "Domains/DragSession/PersistentDragSessionStore.h"
 #include "Libraries/Core/FileBookmark.h"

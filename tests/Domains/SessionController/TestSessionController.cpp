@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// SPDX-FileCopyrightText: 2026 The Vantrope developers
 #include "Libraries/Core/ManualClock.h"
 #include "Models/Draggable/DraggablePromise.h"
 #include "Models/Pasteboard/PasteboardTypes.h"

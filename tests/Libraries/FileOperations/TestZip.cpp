@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// SPDX-FileCopyrightText: 2026 The Vantrope developers
 #include "Libraries/FileOperations/ArchiveOutputFile.h"
 #include "Libraries/FileOperations/Zip.h"
 #include "support/TestSupport.h"

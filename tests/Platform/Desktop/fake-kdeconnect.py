@@ -1,4 +1,6 @@
 #!/usr/bin/python3
+# SPDX-License-Identifier: GPL-3.0-or-later
+# SPDX-FileCopyrightText: 2026 The Vantrope developers
 # A stand-in for the KDE Connect daemon on the session bus: three devices (one paired and reachable, one
 # paired but away, one reachable but not paired), their names, and a share plugin that appends
 # "DEVICE URL" lines to the file named by the first argument. Prints "ready" once it owns its name.

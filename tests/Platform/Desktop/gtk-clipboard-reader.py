@@ -1,4 +1,6 @@
 #!/usr/bin/python3
+# SPDX-License-Identifier: GPL-3.0-or-later
+# SPDX-FileCopyrightText: 2026 The Vantrope developers
 # Reads the clipboard as a GTK program does and prints what it finds, each value as hex:
 #   targets T1 T2 ...
 #   data TARGET HEX      (for text/uri-list and x-special/gnome-copied-files)

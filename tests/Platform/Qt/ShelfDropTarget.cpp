@@ -1,3 +1,5 @@
+// SPDX-License-Identifier: GPL-3.0-or-later
+// SPDX-FileCopyrightText: 2026 The Vantrope developers
 // A window that takes drops the way a file manager does, for the tests that drag a shelf's items out.
 // It prints "ready X Y" (its centre in root coordinates) once placed and, for each drop, "dropped ACTION"
 // followed by one line per offered type: "type NAME BYTES-AS-PERCENT-ENCODING".

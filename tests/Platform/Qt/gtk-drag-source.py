@@ -1,4 +1,6 @@
 #!/usr/bin/python3
+# SPDX-License-Identifier: GPL-3.0-or-later
+# SPDX-FileCopyrightText: 2026 The Vantrope developers
 # A GTK 3 window that starts one real drag when pressed and moved, for the tests that drop things on a
 # shelf with X input: GTK names its drag types differently from Qt (UTF8_STRING, text/plain;charset=utf-8,
 # STRING...). It prints "ready X Y" (its centre in root coordinates) once placed, then "drag started" and

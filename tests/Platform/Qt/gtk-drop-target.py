@@ -1,4 +1,6 @@
 #!/usr/bin/python3
+# SPDX-License-Identifier: GPL-3.0-or-later
+# SPDX-FileCopyrightText: 2026 The Vantrope developers
 # A GTK 3 window that takes file drops as GTK programs do (it asks for text/uri-list only), for the tests
 # that drag a shelf's items out. It prints "ready X Y" (its centre in root coordinates) once placed and,
 # for a drop, "dropped ACTION", "type TYPE BYTES-AS-PERCENT-ENCODING" and "end".

@@ -1,3 +1,5 @@
+# SPDX-License-Identifier: GPL-3.0-or-later
+# SPDX-FileCopyrightText: 2026 The Vantrope developers
 # What the GTK helper programs of the shelf tests share: a window with one area to drag from or drop on,
 # and the lines they print for the test.
 import gi

@@ -1,4 +1,6 @@
 #!/usr/bin/python3
+# SPDX-License-Identifier: GPL-3.0-or-later
+# SPDX-FileCopyrightText: 2026 The Vantrope developers
 # An XDND drag source that, like Chromium and some other toolkits, only considers the top-level windows
 # that were mapped when its drag began: a window mapped later is invisible to it, a window that moves
 # is found where it is now. It drags one file.

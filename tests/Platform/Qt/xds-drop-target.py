@@ -1,4 +1,6 @@
 #!/usr/bin/python3
+# SPDX-License-Identifier: GPL-3.0-or-later
+# SPDX-FileCopyrightText: 2026 The Vantrope developers
 # A drop target that takes a file through X Direct Save, as file managers do: it reads the suggested
 # name from the source window's XdndDirectSave0 property, writes the URI of a file in its folder there
 # and asks the source to save it. It prints "ready X Y" (its window's centre in root coordinates), then
