@@ -6,10 +6,10 @@
 #include "DesktopLogging.h"
 
 #include <QDBusConnection>
-#include <QDBusConnectionInterface>
 #include <QDBusMessage>
 #include <QDir>
 #include <QFileInfo>
+#include <QThreadPool>
 
 namespace Vantrope {
 
@@ -18,11 +18,17 @@ namespace {
 bool showItems(const QList<QUrl>& urls)
 {
     QDBusConnection bus = QDBusConnection::sessionBus();
-    if (!bus.isConnected() || !bus.interface()) {
+    if (!bus.isConnected()) {
         return false;
     }
-    // Asking who owns the name does not start a file manager that is only activatable.
-    if (!bus.interface()->isServiceRegistered(FileManagerReveal::serviceName).value()) {
+    // Asking who owns the name does not start a file manager that is only activatable. Asked with a
+    // plain message rather than the connection's interface object, which belongs to the main thread.
+    QDBusMessage owner = QDBusMessage::createMethodCall(
+        QStringLiteral("org.freedesktop.DBus"), QStringLiteral("/org/freedesktop/DBus"),
+        QStringLiteral("org.freedesktop.DBus"), QStringLiteral("NameHasOwner"));
+    owner << FileManagerReveal::serviceName;
+    const QDBusMessage owned = bus.call(owner, QDBus::Block, 2000);
+    if (owned.type() != QDBusMessage::ReplyMessage || !owned.arguments().value(0).toBool()) {
         return false;
     }
     QStringList uris;
@@ -69,6 +75,17 @@ std::expected<void, FileManagerReveal::Error> FileManagerReveal::reveal(const QL
         }
     }
     return {};
+}
+
+void FileManagerReveal::revealInBackground(const QList<QUrl>& urls,
+                                           std::function<void(const Result&)> completion)
+{
+    QThreadPool::globalInstance()->start([urls, completion = std::move(completion)] {
+        const Result result = reveal(urls);
+        if (completion) {
+            completion(result);
+        }
+    });
 }
 
 } // namespace Vantrope

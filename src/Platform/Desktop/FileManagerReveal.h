@@ -3,6 +3,7 @@
 #pragma once
 
 #include <expected>
+#include <functional>
 #include <QList>
 #include <QString>
 #include <QUrl>
@@ -20,7 +21,14 @@ public:
 
     static inline const QString serviceName = QStringLiteral("org.freedesktop.FileManager1");
 
-    static std::expected<void, Error> reveal(const QList<QUrl>& urls);
+    using Result = std::expected<void, Error>;
+
+    // Blocks while the file manager answers (at most ten seconds); for tests and worker threads.
+    static Result reveal(const QList<QUrl>& urls);
+    // The same on a worker thread, so that a file manager that hangs never holds up a shelf. The
+    // completion, if any, is called on that thread.
+    static void revealInBackground(const QList<QUrl>& urls,
+                                   std::function<void(const Result&)> completion = {});
 };
 
 } // namespace Vantrope

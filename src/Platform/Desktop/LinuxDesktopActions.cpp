@@ -27,11 +27,12 @@ LinuxDesktopActions::~LinuxDesktopActions() = default;
 ActionList LinuxDesktopActions::makeItemActions()
 {
     const auto reveal = [](const QList<QUrl>& urls) {
-        const auto revealed = FileManagerReveal::reveal(urls);
-        if (!revealed) {
-            qCWarning(lcDesktop).noquote()
-                << QStringLiteral("The archive could not be shown: ") + revealed.error().description;
-        }
+        FileManagerReveal::revealInBackground(urls, [](const FileManagerReveal::Result& revealed) {
+            if (!revealed) {
+                qCWarning(lcDesktop).noquote()
+                    << QStringLiteral("The archive could not be shown: ") + revealed.error().description;
+            }
+        });
     };
     return {
         std::make_shared<OpenFileAction>(),         std::make_shared<OpenWithAction>(),

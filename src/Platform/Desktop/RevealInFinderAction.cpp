@@ -7,7 +7,6 @@
 #include "Libraries/Core/Localized.h"
 
 #include <algorithm>
-#include <QCoreApplication>
 
 namespace Vantrope {
 
@@ -37,13 +36,13 @@ bool RevealInFinderAction::canPerform(const ActionItemList& items) const
 
 void RevealInFinderAction::perform(const ActionItemList& items, ProgressHandler, Completion completion)
 {
-    const auto revealed = FileManagerReveal::reveal(actionItemUrls(items));
-    const Result result =
-        revealed ? Result(ActionResultContext{})
-                 : Result(std::unexpected(ActionError::underlying(revealed.error().description)));
     // The shelf hears of the end after this call has returned, as with every other action.
-    QMetaObject::invokeMethod(
-        QCoreApplication::instance(), [completion, result] { completion(result); }, Qt::QueuedConnection);
+    FileManagerReveal::revealInBackground(
+        actionItemUrls(items), [completion](const FileManagerReveal::Result& revealed) {
+            completion(revealed
+                           ? Result(ActionResultContext{})
+                           : Result(std::unexpected(ActionError::underlying(revealed.error().description))));
+        });
 }
 
 } // namespace Vantrope

@@ -8,6 +8,8 @@
 
 #include <QDBusConnection>
 #include <QDBusConnectionInterface>
+#include <QDir>
+#include <QElapsedTimer>
 #include <QProcess>
 #include <QStandardPaths>
 #include <QTest>
@@ -140,6 +142,48 @@ private Q_SLOTS:
         QVERIFY(revealed.error().description.contains(u"https://example.org/a.txt"_s));
         QTest::qWait(300);
         QCOMPARE(m_desktop->recorded(), QStringList());
+    }
+
+    // A file manager that takes the call and never answers costs a worker thread, not the shelf: the
+    // action returns at once, and ends by opening the folders once that file manager has gone.
+    void aFileManagerThatHangsHoldsNothingUp()
+    {
+        QProcess hung;
+        hung.setProcessChannelMode(QProcess::ForwardedErrorChannel);
+        hung.start(u"/usr/bin/python3"_s, {u"-c"_s, uR"(import sys, time, dbus, dbus.service
+from dbus.mainloop.glib import DBusGMainLoop
+from gi.repository import GLib
+DBusGMainLoop(set_as_default=True)
+class Manager(dbus.service.Object):
+    @dbus.service.method("org.freedesktop.FileManager1", in_signature="ass")
+    def ShowItems(self, uris, startup):
+        time.sleep(60)
+name = dbus.service.BusName("org.freedesktop.FileManager1", dbus.SessionBus())
+Manager(dbus.SessionBus(), "/org/freedesktop/FileManager1")
+print("ready", flush=True)
+GLib.MainLoop().run()
+)"_s});
+        QVERIFY(hung.waitForReadyRead(10000));
+        QCOMPARE(hung.readLine().trimmed(), QByteArray("ready"));
+        QVERIFY(fileManagerOnBus());
+
+        RevealInFinderAction action;
+        QList<Action::Result> results;
+        QElapsedTimer timer;
+        timer.start();
+        action.perform(items({u"a.txt"_s}), {},
+                       [&results](const Action::Result& result) { results.append(result); });
+        QVERIFY2(timer.elapsed() < 500, qPrintable(QString::number(timer.elapsed())));
+        QTest::qWait(500);
+        QCOMPARE(results.size(), 0);
+
+        hung.kill();
+        QVERIFY(hung.waitForFinished(5000));
+        QTRY_COMPARE_WITH_TIMEOUT(results.size(), 1, 15000);
+        QVERIFY(results.first().has_value());
+        QTRY_COMPARE(m_desktop->recorded().size(), 1);
+        QCOMPARE(QDir(Test::DesktopTestEnvironment::asPaths(m_desktop->recorded()).first()), QDir(m_files));
+        m_desktop->clearRecorded();
     }
 
     void thunarShowsTheFiles()
