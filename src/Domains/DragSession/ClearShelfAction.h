@@ -2,28 +2,26 @@
 // SPDX-FileCopyrightText: 2026 The Vantrope developers
 #pragma once
 
-#include "Domains/Actions/Action.h"
-
-#include <functional>
+#include "Domains/Actions/ActionIdentifiers.h"
+#include "Libraries/Core/Localized.h"
+#include "ShelfCommandAction.h"
 
 namespace Vantrope {
 
-// ClearShelfAction0
-class ClearShelfAction final : public Action {
+// Empties the shelf.
+class ClearShelfAction final : public ShelfCommandAction {
 public:
-    using Handler = std::function<void()>;
+    explicit ClearShelfAction(std::function<void()> handler)
+        : ShelfCommandAction(ActionCategory::supplementary, ActionIdentifiers::clearShelf,
+                             QStringLiteral("edit-clear-all"), true,
+                             [handler = std::move(handler)](const ActionItemList&) {
+                                 if (handler) {
+                                     handler();
+                                 }
+                             })
+    {}
 
-    explicit ClearShelfAction(Handler handler);
-
-    ActionCategory category() const override { return ActionCategory::supplementary; }
-    QString identifier() const override;
-    QString iconName() const override { return QStringLiteral("edit-clear-all"); }
-    QString title() const override;
-    bool canPerform(const ActionItemList& items) const override;
-    void perform(const ActionItemList& items, ProgressHandler progress, Completion completion) override;
-
-private:
-    Handler m_handler;
+    QString title() const override { return Localized("action.clear-shelf.title", "Clear Shelf"); }
 };
 
 } // namespace Vantrope

@@ -2,28 +2,26 @@
 // SPDX-FileCopyrightText: 2026 The Vantrope developers
 #pragma once
 
-#include "Domains/Actions/Action.h"
-
-#include <functional>
+#include "Domains/Actions/ActionIdentifiers.h"
+#include "Libraries/Core/Localized.h"
+#include "ShelfCommandAction.h"
 
 namespace Vantrope {
 
-// PreferencesAction0
-class PreferencesAction final : public Action {
+// Opens the settings window.
+class PreferencesAction final : public ShelfCommandAction {
 public:
-    using Handler = std::function<void()>;
+    explicit PreferencesAction(std::function<void()> handler)
+        : ShelfCommandAction(ActionCategory::supplementary, ActionIdentifiers::preferences,
+                             QStringLiteral("preferences-system"), false,
+                             [handler = std::move(handler)](const ActionItemList&) {
+                                 if (handler) {
+                                     handler();
+                                 }
+                             })
+    {}
 
-    explicit PreferencesAction(Handler handler);
-
-    ActionCategory category() const override { return ActionCategory::supplementary; }
-    QString identifier() const override;
-    QString iconName() const override { return QStringLiteral("preferences-system"); }
-    QString title() const override;
-    bool canPerform(const ActionItemList& items) const override;
-    void perform(const ActionItemList& items, ProgressHandler progress, Completion completion) override;
-
-private:
-    Handler m_handler;
+    QString title() const override { return Localized("action.preferences.title", "Preferences…"); }
 };
 
 } // namespace Vantrope

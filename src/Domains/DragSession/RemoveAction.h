@@ -2,28 +2,23 @@
 // SPDX-FileCopyrightText: 2026 The Vantrope developers
 #pragma once
 
-#include "Domains/Actions/Action.h"
-
-#include <functional>
+#include "Libraries/Core/Localized.h"
+#include "ShelfCommandAction.h"
 
 namespace Vantrope {
 
-// RemoveAction0
-class RemoveAction final : public Action {
+// Takes the items off the shelf; their files stay where they are.
+class RemoveAction final : public ShelfCommandAction {
 public:
-    using Handler = std::function<void(const ActionItemList& items)>;
+    explicit RemoveAction(Handler handler)
+        : ShelfCommandAction(ActionCategory::shelf, QStringLiteral("drag_session_stack_remove"),
+                             QStringLiteral("list-remove"), false, std::move(handler))
+    {}
 
-    explicit RemoveAction(Handler handler);
-
-    ActionCategory category() const override { return ActionCategory::shelf; }
-    QString identifier() const override;
-    QString iconName() const override { return QStringLiteral("list-remove"); }
-    QString title() const override;
-    bool canPerform(const ActionItemList& items) const override;
-    void perform(const ActionItemList& items, ProgressHandler progress, Completion completion) override;
-
-private:
-    Handler m_handler;
+    QString title() const override
+    {
+        return Localized("action.remove-from-stack.title", "Remove from Shelf");
+    }
 };
 
 } // namespace Vantrope
