@@ -5,6 +5,7 @@
 #include <fcntl.h>
 #include <linux/capability.h>
 #include <QDir>
+#include <QDirIterator>
 #include <QFile>
 #include <QFileInfo>
 #include <QMutex>
@@ -105,6 +106,16 @@ QByteArray readFile(const QString& path)
         return {};
     }
     return file.readAll();
+}
+
+QStringList filesUnder(const QString& folder)
+{
+    QStringList files;
+    QDirIterator it(folder, QDir::Files | QDir::Hidden, QDirIterator::Subdirectories);
+    while (it.hasNext()) {
+        files.append(it.next());
+    }
+    return files;
 }
 
 bool runXdotool(const QStringList& arguments, int timeoutMilliseconds)

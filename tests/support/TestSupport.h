@@ -34,6 +34,15 @@ void isolateStandardPaths();
 
 bool writeFile(const QString& path, const QByteArray& data);
 QByteArray readFile(const QString& path);
+// Every file below `folder`, hidden ones too, as paths.
+QStringList filesUnder(const QString& folder);
+
+// The description of a failed result, for QVERIFY2; empty for a success. QVERIFY2 builds its message
+// even when the check passes, so the error may only be read on failure.
+template<typename Result> QByteArray failureText(const Result& result)
+{
+    return result ? QByteArray() : result.error().description().toUtf8();
+}
 
 // Runs xdotool with `arguments` (a PointerScript's, say) while this thread's event loop goes on, so the
 // program under test answers the input as it comes. True when xdotool finished in time and succeeded.

@@ -6,7 +6,6 @@
 #include "support/TestSupport.h"
 
 #include <QDir>
-#include <QDirIterator>
 #include <QSignalSpy>
 #include <QTemporaryDir>
 #include <QTest>
@@ -16,19 +15,7 @@ using Strategy = ActionItemsAssembler::Strategy;
 
 Q_DECLARE_METATYPE(ActionItemsAssembler::Strategy)
 
-namespace {
-
-QStringList filesUnder(const QString& folder)
-{
-    QStringList files;
-    QDirIterator it(folder, QDir::Files | QDir::Hidden, QDirIterator::Subdirectories);
-    while (it.hasNext()) {
-        files.append(it.next());
-    }
-    return files;
-}
-
-} // namespace
+using Vantrope::Test::filesUnder;
 
 // Zipping before an action runs, with real files and folders and an archiver that writes real files.
 class TestActionItemsAssembler final : public QObject {

@@ -15,7 +15,6 @@
 #include <atomic>
 #include <chrono>
 #include <QDir>
-#include <QDirIterator>
 #include <QSemaphore>
 #include <QTemporaryDir>
 #include <QTest>
@@ -25,6 +24,7 @@ using namespace Vantrope;
 using namespace std::chrono_literals;
 using std::chrono::milliseconds;
 using Vantrope::Test::describeMenu;
+using Vantrope::Test::filesUnder;
 
 namespace {
 
@@ -152,16 +152,6 @@ QStringList searchIdentifiers(const ActionsController& controller)
         result.append(element.item.identifier);
     }
     return result;
-}
-
-QStringList filesUnder(const QString& folder)
-{
-    QStringList files;
-    QDirIterator it(folder, QDir::Files, QDirIterator::Subdirectories);
-    while (it.hasNext()) {
-        files.append(it.next());
-    }
-    return files;
 }
 
 } // namespace

@@ -13,16 +13,6 @@ using namespace Vantrope;
 using namespace Qt::StringLiterals;
 using Kind = FileBookmark::Error::Kind;
 
-namespace {
-
-// QVERIFY2 builds its message even when the check passes, so the error may only be read on failure.
-template<typename Result> QByteArray failure(const Result& result)
-{
-    return result ? QByteArray() : result.error().description().toUtf8();
-}
-
-} // namespace
-
 class TestFileBookmark final : public QObject {
     Q_OBJECT
 
@@ -111,7 +101,7 @@ private Q_SLOTS:
             QCOMPARE(resolution.error().path, m_original);
             return;
         }
-        QVERIFY2(resolution.has_value(), failure(resolution).constData());
+        QVERIFY2(resolution.has_value(), Test::failureText(resolution).constData());
         const QString path = expected.startsWith(u"<trash>"_s) ? trashed + expected.mid(7) : home(expected);
         QCOMPARE(resolution->url, QUrl::fromLocalFile(path));
         QCOMPARE(resolution->isStale, stale);
@@ -147,7 +137,7 @@ private Q_SLOTS:
             QVERIFY(!resolution.has_value());
             QCOMPARE(resolution.error().kind, Kind::unreadable);
         } else {
-            QVERIFY2(resolution.has_value(), failure(resolution).constData());
+            QVERIFY2(resolution.has_value(), Test::failureText(resolution).constData());
             QCOMPARE(resolution->url, QUrl::fromLocalFile(home(expected)));
         }
     }
