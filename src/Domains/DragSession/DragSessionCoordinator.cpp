@@ -18,8 +18,8 @@
 #include "PersistentDragSession.h"
 #include "PersistentDragSessionStore.h"
 #include "Preferences/Preferences.h"
-#include "PreferencesAction.h"
 #include "Preferences/SettingsItem.h"
+#include "PreferencesAction.h"
 #include "RemoveAction.h"
 #include "RenameAction.h"
 
@@ -165,11 +165,16 @@ void DragSessionCoordinator::playAttention()
 
 void DragSessionCoordinator::setLabel(const DragSessionLabel& label)
 {
+    const bool pinChanged = label.pinned != m_label.pinned;
     m_label = label;
     // Whoever typed it (popover, editor, script), the title is one line of sane length.
     m_label.name = label.name ? DragSessionLabel::cleanName(*label.name) : std::nullopt;
     refreshLabel();
     throttleSave();
+    if (pinChanged && m_actionsController) {
+        // Search offers pin or unpin by the state.
+        m_actionsController->reloadSupplementarySearchElements();
+    }
 }
 
 void DragSessionCoordinator::refreshLabel()
@@ -1161,18 +1166,17 @@ bool DragSessionCoordinator::showSettingsPopover()
     markUsed();
     m_isSettingsPopoverOpen = true;
     const QPointer self(this);
-    m_view->presentSettings(DragSessionView::SettingsRequest{
-        m_label,
-        [self](const DragSessionLabel& label) {
-            if (self && !self->m_hasStopped) {
-                self->setLabel(label);
-            }
-        },
-        [self] {
-            if (self) {
-                self->m_isSettingsPopoverOpen = false;
-            }
-        }});
+    m_view->presentSettings(DragSessionView::SettingsRequest{m_label,
+                                                             [self](const DragSessionLabel& label) {
+                                                                 if (self && !self->m_hasStopped) {
+                                                                     self->setLabel(label);
+                                                                 }
+                                                             },
+                                                             [self] {
+                                                                 if (self) {
+                                                                     self->m_isSettingsPopoverOpen = false;
+                                                                 }
+                                                             }});
     return true;
 }
 
@@ -1180,8 +1184,9 @@ void DragSessionCoordinator::performDoubleClickAction()
 {
     markUsed();
     using DoubleClick = SettingsItem::DoubleClick;
-    const DoubleClick setting = SettingsItem::doubleClick(m_preferences.value(PreferenceKeys::doubleClickAction))
-                                    .value_or(DoubleClick::showInFileManager);
+    const DoubleClick setting =
+        SettingsItem::doubleClick(m_preferences.value(PreferenceKeys::doubleClickAction))
+            .value_or(DoubleClick::showInFileManager);
     QString identifier;
     switch (setting) {
     case DoubleClick::showInFileManager:

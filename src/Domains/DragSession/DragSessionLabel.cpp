@@ -55,8 +55,8 @@ std::optional<QString> DragSessionLabel::cleanName(QStringView name)
         const bool breaks = c == u'\n' || c == u'\r' || c == u'\t' || c == u'\v' || c == u'\f' ||
                             category == QChar::Separator_Line || category == QChar::Separator_Paragraph;
         if (breaks) {
-            // "a\r\nb" is one gap, not two.
-            pendingSpace = !line.isEmpty();
+            // "a\r\nb" is one gap, not two, and so is "a \nb".
+            pendingSpace = !line.isEmpty() && !line.back().isSpace();
             continue;
         }
         if (category == QChar::Other_Control || (line.isEmpty() && c.isSpace())) {

@@ -74,9 +74,9 @@ std::optional<ActionMenuEntry> DragSessionSettingsAction::makeMenuEntry(const st
         return std::nullopt;
     }
     // A named shelf shows its name here, so the row says which shelf the settings are of.
-    const QString shown = m_label.name ? Localized("action.shelf-settings.named", "Settings of “%1”…")
-                                             .arg(*m_label.name)
-                                       : Localized("action.shelf-settings.row", "Shelf Settings…");
+    const QString shown =
+        m_label.name ? Localized("action.shelf-settings.named", "Settings of “%1”…").arg(*m_label.name)
+                     : Localized("action.shelf-settings.row", "Shelf Settings…");
     return ActionMenuEntry{ActionMenuEntry::ActionRow{action, shown, iconName(), true}};
 }
 

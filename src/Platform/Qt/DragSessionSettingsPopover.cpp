@@ -5,6 +5,7 @@
 #include "Domains/DragSession/DragSessionSettingsAction.h"
 #include "Libraries/Core/Localized.h"
 
+#include <algorithm>
 #include <QCheckBox>
 #include <QGuiApplication>
 #include <QHBoxLayout>
@@ -118,17 +119,19 @@ DragSessionSettingsPopover::DragSessionSettingsPopover(const DragSessionLabel& l
     layout->addLayout(swatches);
 
     layout->addSpacing(4);
-    m_alwaysShowColor = new QCheckBox(Localized("shelf-settings.always-show-color", "Always show the colour"), this);
+    m_alwaysShowColor =
+        new QCheckBox(Localized("shelf-settings.always-show-color", "Always show the colour"), this);
     m_alwaysShowColor->setChecked(label.colorVisibility == DragSessionLabel::ColorVisibility::always);
     connect(m_alwaysShowColor, &QCheckBox::toggled, this, [this](bool always) {
         DragSessionLabel changed = m_label;
-        changed.colorVisibility =
-            always ? DragSessionLabel::ColorVisibility::always : DragSessionLabel::ColorVisibility::onMouseOver;
+        changed.colorVisibility = always ? DragSessionLabel::ColorVisibility::always
+                                         : DragSessionLabel::ColorVisibility::onMouseOver;
         change(changed);
     });
     layout->addWidget(m_alwaysShowColor);
 
-    m_pinned = new QCheckBox(Localized("shelf-settings.pinned", "Pinned: keep it among the recent shelves"), this);
+    m_pinned =
+        new QCheckBox(Localized("shelf-settings.pinned", "Pinned: keep it among the recent shelves"), this);
     m_pinned->setChecked(label.pinned);
     connect(m_pinned, &QCheckBox::toggled, this, [this](bool pinned) {
         DragSessionLabel changed = m_label;
@@ -137,7 +140,8 @@ DragSessionSettingsPopover::DragSessionSettingsPopover(const DragSessionLabel& l
     });
     layout->addWidget(m_pinned);
 
-    m_keepInDesktop = new QCheckBox(Localized("shelf-settings.keep-in-desktop", "Keep in this desktop"), this);
+    m_keepInDesktop =
+        new QCheckBox(Localized("shelf-settings.keep-in-desktop", "Keep in this desktop"), this);
     m_keepInDesktop->setChecked(label.keepInOwnSpace);
     connect(m_keepInDesktop, &QCheckBox::toggled, this, [this](bool keep) {
         DragSessionLabel changed = m_label;
@@ -193,10 +197,13 @@ void DragSessionSettingsPopover::anchorAt(const QPoint& anchor)
     }
     if (screen) {
         const QRect available = screen->availableGeometry();
-        topLeft.setX(std::clamp(topLeft.x(), available.left(), std::max(available.left(), available.right() - width())));
-        topLeft.setY(std::clamp(topLeft.y(), available.top(), std::max(available.top(), available.bottom() - height())));
+        topLeft.setX(std::clamp(topLeft.x(), available.left(),
+                                std::max(available.left(), available.right() - width())));
+        topLeft.setY(std::clamp(topLeft.y(), available.top(),
+                                std::max(available.top(), available.bottom() - height())));
     }
-    m_arrowX = std::clamp(anchor.x() - topLeft.x(), int(radius) + arrowHeight, width() - int(radius) - arrowHeight);
+    m_arrowX =
+        std::clamp(anchor.x() - topLeft.x(), int(radius) + arrowHeight, width() - int(radius) - arrowHeight);
     move(topLeft);
     update();
 }

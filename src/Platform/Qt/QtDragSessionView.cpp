@@ -607,7 +607,10 @@ void QtDragSessionView::mousePressEvent(QMouseEvent* event)
     }
     if (m_interactionEnabled && grabberHitRect().contains(event->position().toPoint())) {
         event->accept();
-        m_delegate.didSelectLabelGrabber();
+        // The click on the grabber that closed the popover reaches the grabber too; it means "close".
+        if (!m_settingsClosed.isValid() || m_settingsClosed.elapsed() > 250) {
+            m_delegate.didSelectLabelGrabber();
+        }
         return;
     }
     // The card is the handle by which the shelf is moved.
@@ -783,7 +786,11 @@ void QtDragSessionView::presentSettings(const SettingsRequest& request)
                     change(label);
                 }
             });
-    connect(popover, &DragSessionSettingsPopover::closed, this, [this, closed = request.closed] {
+    connect(popover, &DragSessionSettingsPopover::closed, this, [this, popover, closed = request.closed] {
+        if (m_settingsPopover == popover) {
+            m_settingsPopover.clear();
+        }
+        m_settingsClosed.start();
         updateChrome();
         if (closed) {
             closed();

@@ -5,6 +5,7 @@
 #include "Domains/DragSession/DragSessionView.h"
 #include "Domains/DragSession/Message.h"
 #include "DragSessionInboundDropView.h"
+#include "DragSessionSettingsPopover.h"
 
 #include <QElapsedTimer>
 #include <QMenu>
@@ -18,7 +19,6 @@ class Clock;
 class DragSessionButton;
 class DragSessionInlineEditor;
 class DragSessionSearchView;
-class DragSessionSettingsPopover;
 class DragSessionOverlayView;
 class DragSessionStackView;
 class MessageWindowCenter;
@@ -137,6 +137,7 @@ private:
     QPointer<DragSessionInlineEditor> m_inlineEditor;
     QPointer<DragSessionSearchView> m_searchView;
     QPointer<DragSessionSettingsPopover> m_settingsPopover;
+    QElapsedTimer m_settingsClosed;
     // Typed while the search is being opened: it goes into the field once it stands.
     QString m_pendingSearchText;
     QElapsedTimer m_searchRequested;
