@@ -439,13 +439,14 @@ private Q_SLOTS:
         QTRY_VERIFY((frame = m_agent->shelfGeometry()).isValid());
         // The grabber is the bar at the top of the card.
         const QPoint grabber(frame.center().x(), frame.top() + 15);
+        const QStringList before = visibleWindows();
         QCOMPARE(m_agent
                      ->runTool(QStringLiteral("xdotool"),
                                {QStringLiteral("mousemove"), QString::number(grabber.x()),
                                 QString::number(grabber.y()), QStringLiteral("click"), QStringLiteral("1")})
                      .exitCode,
                  0);
-        QTRY_VERIFY(popoverShown());
+        QTRY_VERIFY(popoverShown(before));
         QCOMPARE(m_agent->runTool(QStringLiteral("xdotool"), {QStringLiteral("type"), QStringLiteral("Trip")})
                      .exitCode,
                  0);
@@ -454,7 +455,7 @@ private Q_SLOTS:
             m_agent->runTool(QStringLiteral("xdotool"), {QStringLiteral("key"), QStringLiteral("Escape")})
                 .exitCode,
             0);
-        QTRY_VERIFY(!popoverShown());
+        QTRY_VERIFY(!popoverShown(before));
         const auto titled = m_agent->runTool(QStringLiteral("xdotool"),
                                              {QStringLiteral("search"), QStringLiteral("--onlyvisible"),
                                               QStringLiteral("--name"), QStringLiteral("^Trip$")});
@@ -501,21 +502,22 @@ private:
 
     QJsonObject label() { return m_agent->list().at(0).toObject().value(QStringLiteral("label")).toObject(); }
 
-    // A window of the agent other than its shelf is up: the popover.
-    bool popoverShown()
+    QStringList visibleWindows()
     {
         const auto windows =
             m_agent->runTool(QStringLiteral("xdotool"),
                              {QStringLiteral("search"), QStringLiteral("--onlyvisible"),
                               QStringLiteral("--pid"), QString::number(m_agent->process().processId())});
+        return QString::fromLatin1(windows.output).split(u'\n', Qt::SkipEmptyParts);
+    }
+
+    // A window of the agent that was not there before is up, below the shelf's top: the popover.
+    bool popoverShown(const QStringList& before)
+    {
         const QRect shelf = m_agent->shelfGeometry();
-        for (const QByteArray& window : windows.output.split('\n')) {
-            if (window.isEmpty()) {
-                continue;
-            }
-            const QRect frame = m_agent->windowGeometry(QString::fromLatin1(window));
-            // Below the grabber, not the shelf itself, nor the tray item.
-            if (frame.isValid() && frame != shelf && frame.width() > 100 && frame.top() > shelf.top()) {
+        for (const QString& window : visibleWindows()) {
+            const QRect frame = m_agent->windowGeometry(window);
+            if (!before.contains(window) && frame.isValid() && frame.top() > shelf.top()) {
                 return true;
             }
         }

@@ -17,6 +17,10 @@
 #include <QScreen>
 #include <QVBoxLayout>
 
+#ifdef WITH_X11
+#include "Platform/X11/X11WindowHints.h"
+#endif
+
 namespace Vantrope {
 
 namespace {
@@ -205,6 +209,7 @@ void DragSessionSettingsPopover::anchorAt(const QPoint& anchor)
     m_arrowX =
         std::clamp(anchor.x() - topLeft.x(), int(radius) + arrowHeight, width() - int(radius) - arrowHeight);
     move(topLeft);
+    applyShape();
     update();
 }
 
@@ -213,10 +218,8 @@ bool DragSessionSettingsPopover::isDark() const
     return darkPalette(*this);
 }
 
-void DragSessionSettingsPopover::paintEvent(QPaintEvent*)
+QPainterPath DragSessionSettingsPopover::outline() const
 {
-    QPainter painter(this);
-    painter.setRenderHint(QPainter::Antialiasing);
     const QRectF card = QRectF(rect()).adjusted(0.5, arrowHeight + 0.5, -0.5, -0.5);
     QPainterPath path;
     path.addRoundedRect(card, radius, radius);
@@ -225,11 +228,39 @@ void DragSessionSettingsPopover::paintEvent(QPaintEvent*)
     arrow.lineTo(m_arrowX, 0.5);
     arrow.lineTo(m_arrowX + arrowHeight, card.top() + 1);
     arrow.closeSubpath();
-    path = path.united(arrow);
+    return path.united(arrow);
+}
+
+void DragSessionSettingsPopover::applyShape()
+{
+#ifdef WITH_X11
+    const bool composited =
+        QGuiApplication::platformName() != QStringLiteral("xcb") || X11WindowHints::hasCompositingManager();
+#else
+    const bool composited = true;
+#endif
+    // Without a compositing manager nothing shows through: the window is cut to the outline instead.
+    if (composited) {
+        clearMask();
+    } else {
+        setMask(QRegion(outline().toFillPolygon().toPolygon()));
+    }
+}
+
+void DragSessionSettingsPopover::showEvent(QShowEvent* event)
+{
+    QWidget::showEvent(event);
+    applyShape();
+}
+
+void DragSessionSettingsPopover::paintEvent(QPaintEvent*)
+{
+    QPainter painter(this);
+    painter.setRenderHint(QPainter::Antialiasing);
     const bool dark = isDark();
     painter.setPen(QPen(dark ? QColor(255, 255, 255, 50) : QColor(0, 0, 0, 45), 1));
     painter.setBrush(palette().color(QPalette::Window));
-    painter.drawPath(path);
+    painter.drawPath(outline());
 }
 
 void DragSessionSettingsPopover::keyPressEvent(QKeyEvent* event)

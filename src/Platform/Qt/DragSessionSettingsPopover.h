@@ -5,6 +5,7 @@
 #include "Domains/DragSession/DragSessionLabel.h"
 
 #include <QAbstractButton>
+#include <QPainterPath>
 #include <QWidget>
 
 class QCheckBox;
@@ -58,8 +59,12 @@ protected:
     void paintEvent(QPaintEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
     void hideEvent(QHideEvent* event) override;
+    void showEvent(QShowEvent* event) override;
 
 private:
+    // The card and its arrow.
+    QPainterPath outline() const;
+    void applyShape();
     void change(const DragSessionLabel& label);
     void nameEdited(const QString& text);
     bool isDark() const;
