@@ -142,9 +142,6 @@ private Q_SLOTS:
         row("remove names an item once",
             {QStringLiteral("remove"), QStringLiteral("a"), QStringLiteral("./a")},
             "remove [/work/dir/a] shelf=");
-        row("remove on a shelf, option last",
-            {QStringLiteral("remove"), QStringLiteral("1"), QStringLiteral("--shelf=S")},
-            "remove [1] shelf=S");
         row("remove a dashed name after --",
             {QStringLiteral("remove"), QStringLiteral("--"), QStringLiteral("--pin")},
             "remove [/work/dir/--pin] shelf=");
@@ -162,7 +159,6 @@ private Q_SLOTS:
         row("a name may start with a dash",
             {QStringLiteral("label"), QStringLiteral("--name"), QStringLiteral("--unpin")},
             "label shelf= name=[--unpin]");
-        row("unpin", {QStringLiteral("label"), QStringLiteral("--unpin")}, "label shelf= unpin");
         row("pin and unpin", {QStringLiteral("label"), QStringLiteral("--pin"), QStringLiteral("--unpin")},
             "invalid: \"--pin\" and \"--unpin\" exclude each other");
         row("label without a change", {QStringLiteral("label")},
@@ -171,11 +167,6 @@ private Q_SLOTS:
             "invalid: \"--name\" needs a name (\"\" removes the name)");
         row("--color without a colour", {QStringLiteral("label"), QStringLiteral("--color=")},
             "invalid: \"--color\" needs a colour, such as \"blue\"");
-        row("label takes no operand", {QStringLiteral("label"), QStringLiteral("--pin"), QStringLiteral("x")},
-            "invalid: \"label\" takes no arguments");
-        row("--name belongs to label",
-            {QStringLiteral("remove"), QStringLiteral("--name"), QStringLiteral("x")},
-            "invalid: unknown argument \"--name\"; see \"vantrope --help\"");
         row("help wins over a command", {QStringLiteral("add"), QStringLiteral("-h")}, "help");
         row("help after -- is a file",
             {QStringLiteral("add"), QStringLiteral("--"), QStringLiteral("--help")}, "add /work/dir/--help");

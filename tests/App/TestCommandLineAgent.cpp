@@ -391,16 +391,6 @@ private Q_SLOTS:
         QCOMPARE(m_agent->list().at(0).toObject(), before);
     }
 
-    void removeAndLabelWithoutAShelf()
-    {
-        QVERIFY(m_agent->start());
-        for (const QStringList& arguments : {strings({"remove", "1"}), strings({"label", "--pin"})}) {
-            const auto result = m_agent->run(arguments);
-            QCOMPARE(result.exitCode, 1);
-            QCOMPARE(result.error, QStringLiteral("vantrope: no shelf is open\n"));
-        }
-    }
-
     void labelChangesOnlyWhatIsGiven()
     {
         const QString shelf = shelfOfThree();
