@@ -217,8 +217,11 @@ private Q_SLOTS:
                 palette.setColor(QPalette::ButtonText, QColor(0xe6, 0xe6, 0xe6));
                 QApplication::setPalette(palette);
             }
-            DragSessionSettingsPopover* popover = openByClick();
-            QVERIFY(popover);
+            // Opened without X input, so that this also runs at any scale factor.
+            QVERIFY(m_shelf->showSettingsPopover());
+            QTRY_VERIFY(shelfView(*m_shelf).settingsPopover() &&
+                        shelfView(*m_shelf).settingsPopover()->isVisible());
+            DragSessionSettingsPopover* popover = shelfView(*m_shelf).settingsPopover();
             QTest::qWait(300);
             const QRect area = shelfWindow(*m_shelf)
                                    .widget()
@@ -237,8 +240,6 @@ private Q_SLOTS:
             popover->close();
             QTRY_VERIFY(!m_shelf->isSettingsPopoverOpen());
             QApplication::setPalette(original);
-            // A click on the grabber just after a close is taken as part of that close.
-            QTest::qWait(300);
         }
     }
 
