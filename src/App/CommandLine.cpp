@@ -49,32 +49,62 @@ CommandLine::Request CommandLine::parse(const QStringList& arguments, const QStr
     bool optionsEnded = false;
     bool json = false;
     std::optional<QString> shelf;
+    SetLabel label;
     for (qsizetype index = 0; index < rest.size(); ++index) {
         const QString& argument = rest[index];
-        const bool shelfCommand = command == QStringLiteral("actions") || command == QStringLiteral("run");
+        const bool shelfCommand = command == QStringLiteral("actions") || command == QStringLiteral("run") ||
+                                  command == QStringLiteral("remove") || command == QStringLiteral("label");
+        const bool labelCommand = command == QStringLiteral("label");
+        // "--name N" or "--name=N"; none when `argument` is not `option`.
+        const auto valueOf = [&](const QString& option) -> std::optional<std::optional<QString>> {
+            if (argument == option) {
+                if (index + 1 >= rest.size()) {
+                    return std::optional<QString>();
+                }
+                return std::optional<QString>(rest[++index]);
+            }
+            if (argument.startsWith(option + QLatin1Char('='))) {
+                return std::optional<QString>(argument.mid(option.size() + 1));
+            }
+            return std::nullopt;
+        };
         if (!optionsEnded && argument == QStringLiteral("--")) {
             optionsEnded = true;
         } else if (!optionsEnded && isOption(argument)) {
+            std::optional<std::optional<QString>> value;
             if ((command == QStringLiteral("list") || command == QStringLiteral("actions")) &&
                 argument == QStringLiteral("--json")) {
                 json = true;
-            } else if (shelfCommand && argument == QStringLiteral("--shelf")) {
-                if (index + 1 >= rest.size() || rest[index + 1].isEmpty()) {
+            } else if (shelfCommand && (value = valueOf(QStringLiteral("--shelf")))) {
+                if (!*value || (*value)->isEmpty()) {
                     return Invalid{QStringLiteral("\"--shelf\" needs a shelf identifier")};
                 }
-                shelf = rest[++index];
-            } else if (shelfCommand && argument.startsWith(QStringLiteral("--shelf="))) {
-                shelf = argument.mid(8);
-                if (shelf->isEmpty()) {
-                    return Invalid{QStringLiteral("\"--shelf\" needs a shelf identifier")};
+                shelf = **value;
+            } else if (labelCommand && (value = valueOf(QStringLiteral("--name")))) {
+                if (!*value) {
+                    return Invalid{QStringLiteral("\"--name\" needs a name (\"\" removes the name)")};
                 }
+                label.name = **value;
+            } else if (labelCommand && (value = valueOf(QStringLiteral("--color")))) {
+                if (!*value || (*value)->isEmpty()) {
+                    return Invalid{QStringLiteral("\"--color\" needs a colour, such as \"blue\"")};
+                }
+                label.color = **value;
+            } else if (labelCommand &&
+                       (argument == QStringLiteral("--pin") || argument == QStringLiteral("--unpin"))) {
+                const bool pin = argument == QStringLiteral("--pin");
+                if (label.pinned && *label.pinned != pin) {
+                    return Invalid{QStringLiteral("\"--pin\" and \"--unpin\" exclude each other")};
+                }
+                label.pinned = pin;
             } else {
                 return unknownArgument(argument);
             }
         } else if (command.isEmpty() && operands.isEmpty() && !optionsEnded &&
                    QStringList{QStringLiteral("add"), QStringLiteral("new"), QStringLiteral("open-recent"),
                                QStringLiteral("close-all"), QStringLiteral("quit"), QStringLiteral("list"),
-                               QStringLiteral("actions"), QStringLiteral("run")}
+                               QStringLiteral("actions"), QStringLiteral("run"), QStringLiteral("remove"),
+                               QStringLiteral("label")}
                        .contains(argument)) {
             command = argument;
         } else {
@@ -132,6 +162,33 @@ CommandLine::Request CommandLine::parse(const QStringList& arguments, const QStr
         }
         return RunAction{operands.first(), shelf.value_or(QString())};
     }
+    if (command == QStringLiteral("remove")) {
+        if (operands.isEmpty()) {
+            return Invalid{QStringLiteral(
+                "\"remove\" needs at least one item: its number or its path as \"vantrope list\" shows it")};
+        }
+        QStringList items;
+        for (const QString& operand : std::as_const(operands)) {
+            bool number = false;
+            operand.toLongLong(&number);
+            // Numbers and addresses stand as they are; a path is the file's, wherever the caller stands.
+            if (number || operand.isEmpty() || operand.contains(QStringLiteral("://"))) {
+                items.append(operand);
+            } else {
+                items.append(QDir::cleanPath(base.absoluteFilePath(operand)));
+            }
+        }
+        items.removeDuplicates();
+        return RemoveItems{items, shelf.value_or(QString())};
+    }
+    if (command == QStringLiteral("label")) {
+        if (!label.name && !label.color && !label.pinned) {
+            return Invalid{
+                QStringLiteral("\"label\" needs at least one of --name, --color, --pin and --unpin")};
+        }
+        label.shelf = shelf.value_or(QString());
+        return noOperands(label);
+    }
     return noOperands(List{json});
 }
 
@@ -182,6 +239,15 @@ QString CommandLine::helpText()
         "last)\n"
         "  run ACTION [--shelf ID]\n"
         "                       run one of those actions and print its result (a link or a message)\n"
+        "  remove ITEM... [--shelf ID]\n"
+        "                       take items off a shelf (not off the disk; default: the shelf used last);\n"
+        "                       ITEM is the item's number in the shelf's list, from 1, or its path as\n"
+        "                       \"list\" shows it. One unknown item and nothing is removed\n"
+        "  label [--shelf ID] [--name NAME] [--color COLOR] [--pin|--unpin]\n"
+        "                       rename, recolour, pin or unpin a shelf (default: the shelf used last);\n"
+        "                       --name \"\" removes the name.\n"
+        "                       Colours: monochrome orange yellow green turquoise blue pink coral khaki\n"
+        "                       spring\n"
         "  quit                 end Vantrope\n"
         "\n"
         "Options:\n"

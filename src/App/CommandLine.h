@@ -46,8 +46,21 @@ public:
         QString action;
         QString shelf;
     };
+    // Takes items off a shelf. Each item is its position in the shelf's list (from 1), or the item as
+    // `list` prints it; a relative path is made absolute here.
+    struct RemoveItems {
+        QStringList items;
+        QString shelf;
+    };
+    // Changes the label of a shelf; what is not given stays.
+    struct SetLabel {
+        QString shelf;
+        std::optional<QString> name;
+        std::optional<QString> color;
+        std::optional<bool> pinned;
+    };
     using Request = std::variant<RunAgent, ShowHelp, ShowVersion, Invalid, AddFiles, NewShelf, OpenRecent,
-                                 CloseAll, Quit, List, ListActions, RunAction>;
+                                 CloseAll, Quit, List, ListActions, RunAction, RemoveItems, SetLabel>;
 
     // Usage mistakes exit with this, failures at run time with 1.
     static constexpr int usageExitCode = 2;

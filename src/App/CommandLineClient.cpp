@@ -43,51 +43,65 @@ CommandLineClient::CommandLineClient(const ApplicationDBusClient& client)
 
 CommandLineClient::Outcome CommandLineClient::run(const CommandLine::Request& request) const
 {
-    return std::visit(Overloaded{
-                          [this](const CommandLine::AddFiles& add) -> Outcome {
-                              if (const auto problem = CommandLine::firstUnusable(add.files)) {
-                                  return {1, {}, problem->message};
-                              }
-                              QList<QByteArray> paths;
-                              for (const QString& file : add.files) {
-                                  paths.append(LocalFileName::encode(file));
-                              }
-                              return printing(m_client.addFiles(paths));
-                          },
-                          [this](const CommandLine::NewShelf&) { return printing(m_client.newShelf()); },
-                          [this](const CommandLine::OpenRecent& open) {
-                              return printing(m_client.openRecent(open.identifier));
-                          },
-                          [this](const CommandLine::CloseAll&) { return printing(m_client.closeAll()); },
-                          [this](const CommandLine::Quit&) { return printing(m_client.quit()); },
-                          [this](const CommandLine::List& list) -> Outcome {
-                              const auto shelves = m_client.shelves();
-                              if (!shelves) {
-                                  return failure(shelves.error());
-                              }
-                              return {0, list.json ? listJson(*shelves) : listText(*shelves), {}};
-                          },
-                          [this](const CommandLine::ListActions& list) -> Outcome {
-                              const auto actions = m_client.shelfActions(list.shelf);
-                              if (!actions) {
-                                  return failure(actions.error());
-                              }
-                              return {0, list.json ? actionsJson(*actions) : actionsText(*actions), {}};
-                          },
-                          [this](const CommandLine::RunAction& run) -> Outcome {
-                              const auto result = m_client.runAction(run.shelf, run.action);
-                              if (!result) {
-                                  return failure(result.error());
-                              }
-                              return {0, result->isEmpty() ? QString() : *result + QLatin1Char('\n'), {}};
-                          },
-                          [](const auto&) -> Outcome {
-                              return {CommandLine::usageExitCode,
-                                      {},
-                                      QStringLiteral("this is no command for a running agent")};
-                          },
-                      },
-                      request);
+    return std::visit(
+        Overloaded{
+            [this](const CommandLine::AddFiles& add) -> Outcome {
+                if (const auto problem = CommandLine::firstUnusable(add.files)) {
+                    return {1, {}, problem->message};
+                }
+                QList<QByteArray> paths;
+                for (const QString& file : add.files) {
+                    paths.append(LocalFileName::encode(file));
+                }
+                return printing(m_client.addFiles(paths));
+            },
+            [this](const CommandLine::NewShelf&) { return printing(m_client.newShelf()); },
+            [this](const CommandLine::OpenRecent& open) {
+                return printing(m_client.openRecent(open.identifier));
+            },
+            [this](const CommandLine::CloseAll&) { return printing(m_client.closeAll()); },
+            [this](const CommandLine::Quit&) { return printing(m_client.quit()); },
+            [this](const CommandLine::List& list) -> Outcome {
+                const auto shelves = m_client.shelves();
+                if (!shelves) {
+                    return failure(shelves.error());
+                }
+                return {0, list.json ? listJson(*shelves) : listText(*shelves), {}};
+            },
+            [this](const CommandLine::ListActions& list) -> Outcome {
+                const auto actions = m_client.shelfActions(list.shelf);
+                if (!actions) {
+                    return failure(actions.error());
+                }
+                return {0, list.json ? actionsJson(*actions) : actionsText(*actions), {}};
+            },
+            [this](const CommandLine::RunAction& run) -> Outcome {
+                const auto result = m_client.runAction(run.shelf, run.action);
+                if (!result) {
+                    return failure(result.error());
+                }
+                return {0, result->isEmpty() ? QString() : *result + QLatin1Char('\n'), {}};
+            },
+            [this](const CommandLine::RemoveItems& remove) -> Outcome {
+                const auto removed = m_client.removeItems(remove.shelf, remove.items);
+                if (!removed) {
+                    return failure(removed.error());
+                }
+                QString text;
+                for (const QString& item : *removed) {
+                    text += printable(item) + QLatin1Char('\n');
+                }
+                return {0, text, {}};
+            },
+            [this](const CommandLine::SetLabel& label) -> Outcome {
+                return printing(m_client.changeLabel(label.shelf, {label.name, label.color, label.pinned}));
+            },
+            [](const auto&) -> Outcome {
+                return {
+                    CommandLine::usageExitCode, {}, QStringLiteral("this is no command for a running agent")};
+            },
+        },
+        request);
 }
 
 QString CommandLineClient::listJson(const QList<ShelfSummary>& shelves)

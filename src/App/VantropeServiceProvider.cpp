@@ -148,6 +148,22 @@ void VantropeServiceProvider::quit()
     m_appDelegate.terminate();
 }
 
+namespace {
+
+// A shelf's items as scripts see them: those with an address, by local path or by the address.
+QList<std::pair<QString, DraggablePtr>> listedItems(const DragSessionCoordinator& coordinator)
+{
+    QList<std::pair<QString, DraggablePtr>> listed;
+    for (const DraggablePtr& item : coordinator.itemsController().items()) {
+        if (const auto url = item->url()) {
+            listed.append({url->isLocalFile() ? url->toLocalFile() : url->toString(), item});
+        }
+    }
+    return listed;
+}
+
+} // namespace
+
 QList<ShelfSummary> VantropeServiceProvider::shelves() const
 {
     QList<ShelfSummary> result;
@@ -161,10 +177,8 @@ QList<ShelfSummary> VantropeServiceProvider::shelves() const
                            DragSessionLabelColor::rawValue(label.color.id()),
                            label.pinned,
                            {}};
-        for (const DraggablePtr& item : coordinator->itemsController().items()) {
-            if (const auto url = item->url()) {
-                shelf.items.append(url->isLocalFile() ? url->toLocalFile() : url->toString());
-            }
+        for (const auto& [listed, item] : listedItems(*coordinator)) {
+            shelf.items.append(listed);
         }
         result.append(shelf);
     }
@@ -236,6 +250,91 @@ void VantropeServiceProvider::runAction(const QString& shelf, const QString& act
             done(QString());
         }
     });
+}
+
+std::expected<QStringList, VantropeServiceProvider::Error>
+VantropeServiceProvider::removeItems(const QString& shelf, const QStringList& items)
+{
+    const auto coordinator = shelfFor(shelf);
+    if (!coordinator) {
+        return std::unexpected(coordinator.error());
+    }
+    if (items.isEmpty()) {
+        return std::unexpected(Error{Error::Kind::invalidArguments, QStringLiteral("no item was named")});
+    }
+    const auto listed = listedItems(**coordinator);
+    DraggableList chosen;
+    QStringList removed;
+    // Every name is checked before anything goes: a typo must not leave half of a removal done.
+    for (const QString& item : items) {
+        qsizetype found = -1;
+        bool isNumber = false;
+        const qlonglong position = item.toLongLong(&isNumber);
+        if (isNumber) {
+            if (position < 1 || position > listed.size()) {
+                return std::unexpected(
+                    Error{Error::Kind::unknownItem,
+                          listed.isEmpty()
+                              ? QStringLiteral("shelf %1 has no items, so it has no item %2")
+                                    .arg((*coordinator)->id(), item)
+                              : QStringLiteral("shelf %1 has no item %2; its items are numbered 1 to %3")
+                                    .arg((*coordinator)->id(), item)
+                                    .arg(listed.size())});
+            }
+            found = position - 1;
+        } else {
+            for (qsizetype index = 0; index < listed.size(); ++index) {
+                if (listed[index].first == item) {
+                    found = index;
+                    break;
+                }
+            }
+            if (found < 0) {
+                return std::unexpected(
+                    Error{Error::Kind::unknownItem,
+                          QStringLiteral("shelf %1 holds no item \"%2\"").arg((*coordinator)->id(), item)});
+            }
+        }
+        if (!chosen.contains(listed[found].second)) {
+            chosen.append(listed[found].second);
+            removed.append(listed[found].first);
+        }
+    }
+    (*coordinator)->removeDraggables(chosen);
+    return removed;
+}
+
+std::expected<QString, VantropeServiceProvider::Error>
+VantropeServiceProvider::changeLabel(const QString& shelf, const LabelChange& change)
+{
+    const auto coordinator = shelfFor(shelf);
+    if (!coordinator) {
+        return std::unexpected(coordinator.error());
+    }
+    DragSessionLabel label = (*coordinator)->label();
+    if (change.color) {
+        const auto color = DragSessionLabelColor::identifier(*change.color);
+        if (!color) {
+            QStringList known;
+            for (const auto identifier : DragSessionLabelColor::allIdentifiers()) {
+                known.append(DragSessionLabelColor::rawValue(identifier));
+            }
+            return std::unexpected(Error{Error::Kind::invalidArguments,
+                                         QStringLiteral("there is no colour \"%1\"; the colours are %2")
+                                             .arg(*change.color, known.join(QStringLiteral(", ")))});
+        }
+        label.color = DragSessionLabelColor(*color);
+        // Chosen on purpose, as in the settings: automatic recolouring leaves it alone.
+        label.userDefined = true;
+    }
+    if (change.name) {
+        label.name = *change.name;
+    }
+    if (change.pinned) {
+        label.pinned = *change.pinned;
+    }
+    (*coordinator)->setLabel(label);
+    return (*coordinator)->id();
 }
 
 } // namespace Vantrope

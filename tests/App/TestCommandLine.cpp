@@ -50,6 +50,22 @@ QString describe(const CommandLine::Request& request)
             [](const CommandLine::RunAction& run) -> QString {
                 return QStringLiteral("run-action ") + run.action + QStringLiteral(" shelf=") + run.shelf;
             },
+            [](const CommandLine::RemoveItems& remove) -> QString {
+                return QStringLiteral("remove [%1] shelf=%2").arg(remove.items.join(u'|'), remove.shelf);
+            },
+            [](const CommandLine::SetLabel& label) -> QString {
+                QString text = QStringLiteral("label shelf=") + label.shelf;
+                if (label.name) {
+                    text += QStringLiteral(" name=[%1]").arg(*label.name);
+                }
+                if (label.color) {
+                    text += QStringLiteral(" color=") + *label.color;
+                }
+                if (label.pinned) {
+                    text += *label.pinned ? QStringLiteral(" pin") : QStringLiteral(" unpin");
+                }
+                return text;
+            },
         },
         request);
 }
@@ -119,6 +135,38 @@ private Q_SLOTS:
             "invalid: unknown argument \"--shelf\"; see \"vantrope --help\"");
         row("run --json is refused", {QStringLiteral("run"), QStringLiteral("x"), QStringLiteral("--json")},
             "invalid: unknown argument \"--json\"; see \"vantrope --help\"");
+        row("remove by number, path and address",
+            {QStringLiteral("remove"), QStringLiteral("2"), QStringLiteral("sub/../a.txt"),
+             QStringLiteral("/tmp/b"), QStringLiteral("https://x.org/a")},
+            "remove [2|/work/dir/a.txt|/tmp/b|https://x.org/a] shelf=");
+        row("remove names an item once",
+            {QStringLiteral("remove"), QStringLiteral("a"), QStringLiteral("./a")},
+            "remove [/work/dir/a] shelf=");
+        row("remove a dashed name after --",
+            {QStringLiteral("remove"), QStringLiteral("--"), QStringLiteral("--pin")},
+            "remove [/work/dir/--pin] shelf=");
+        row("remove without items",
+            {QStringLiteral("remove"), QStringLiteral("--shelf"), QStringLiteral("S")},
+            "invalid: \"remove\" needs at least one item: its number or its path as \"vantrope list\" shows "
+            "it");
+        row("label everything",
+            {QStringLiteral("label"), QStringLiteral("--name"), QStringLiteral("Two words"),
+             QStringLiteral("--color=blue"), QStringLiteral("--pin"), QStringLiteral("--shelf"),
+             QStringLiteral("S")},
+            "label shelf=S name=[Two words] color=blue pin");
+        row("an empty name is a name to remove", {QStringLiteral("label"), QStringLiteral("--name=")},
+            "label shelf= name=[]");
+        row("a name may start with a dash",
+            {QStringLiteral("label"), QStringLiteral("--name"), QStringLiteral("--unpin")},
+            "label shelf= name=[--unpin]");
+        row("pin and unpin", {QStringLiteral("label"), QStringLiteral("--pin"), QStringLiteral("--unpin")},
+            "invalid: \"--pin\" and \"--unpin\" exclude each other");
+        row("label without a change", {QStringLiteral("label")},
+            "invalid: \"label\" needs at least one of --name, --color, --pin and --unpin");
+        row("--name without a name", {QStringLiteral("label"), QStringLiteral("--name")},
+            "invalid: \"--name\" needs a name (\"\" removes the name)");
+        row("--color without a colour", {QStringLiteral("label"), QStringLiteral("--color=")},
+            "invalid: \"--color\" needs a colour, such as \"blue\"");
         row("help wins over a command", {QStringLiteral("add"), QStringLiteral("-h")}, "help");
         row("help after -- is a file",
             {QStringLiteral("add"), QStringLiteral("--"), QStringLiteral("--help")}, "add /work/dir/--help");

@@ -309,7 +309,211 @@ private Q_SLOTS:
         }
     }
 
+    void removeTakesNamedItemsOff_data()
+    {
+        QTest::addColumn<QStringList>("arguments");
+        QTest::addColumn<QStringList>("left");
+        QTest::newRow("by number") << strings({"remove", "2"}) << strings({"a.txt", "c.txt"});
+        QTest::newRow("by path") << strings({"remove", "@c.txt"}) << strings({"a.txt", "b.txt"});
+        QTest::newRow("by a path relative to the caller")
+            << strings({"remove", "b.txt"}) << strings({"a.txt", "c.txt"});
+        QTest::newRow("the same item twice")
+            << strings({"remove", "1", "@a.txt"}) << strings({"b.txt", "c.txt"});
+        QTest::newRow("several, on the named shelf")
+            << strings({"remove", "3", "1", "--shelf", "%shelf"}) << strings({"b.txt"});
+        QTest::newRow("all of them") << strings({"remove", "1", "2", "3"}) << QStringList();
+    }
+
+    void removeTakesNamedItemsOff()
+    {
+        QFETCH(QStringList, arguments);
+        QFETCH(QStringList, left);
+        const QString shelf = shelfOfThree();
+        const auto removed = m_agent->run(expand(arguments, shelf), m_agent->home());
+        QCOMPARE(removed.exitCode, 0);
+        QCOMPARE(removed.error, QString());
+        QStringList expected;
+        for (const QString& name : std::as_const(left)) {
+            expected.append(m_agent->path(name));
+        }
+        QJsonArray items = m_agent->items(0);
+        QStringList remaining;
+        for (const QJsonValue& item : std::as_const(items)) {
+            remaining.append(item.toString());
+        }
+        QCOMPARE(remaining, expected);
+        // What was printed is what went.
+        QCOMPARE(removed.text().split(u'\n', Qt::SkipEmptyParts).size(), 3 - left.size());
+        // Off the shelf, not off the disk.
+        for (const char* name : {"a.txt", "b.txt", "c.txt"}) {
+            QVERIFY(QFile::exists(file(name)));
+        }
+    }
+
+    void removeAndLabelRefuseBadInput_data()
+    {
+        QTest::addColumn<QStringList>("arguments");
+        QTest::addColumn<QString>("error");
+        QTest::newRow("a number past the end")
+            << strings({"remove", "4"})
+            << "vantrope: shelf %shelf has no item 4; its items are numbered 1 to 3\n";
+        QTest::newRow("zero") << strings({"remove", "0"})
+                              << "vantrope: shelf %shelf has no item 0; its items are numbered 1 to 3\n";
+        QTest::newRow("one unknown path among good ones removes nothing")
+            << strings({"remove", "1", "@nowhere.txt", "2"})
+            << "vantrope: shelf %shelf holds no item \"@nowhere.txt\"\n";
+        QTest::newRow("remove on an unknown shelf")
+            << strings({"remove", "1", "--shelf", "NOPE"})
+            << "vantrope: no open shelf has the identifier \"NOPE\"\n";
+        QTest::newRow("an unknown colour")
+            << strings({"label", "--color", "purple", "--name", "lost"})
+            << "vantrope: there is no colour \"purple\"; the colours are monochrome, orange, yellow, green, "
+               "turquoise, blue, pink, coral, khaki, spring\n";
+        QTest::newRow("a colour's title is no identifier")
+            << strings({"label", "--color", "Blue"})
+            << "vantrope: there is no colour \"Blue\"; the colours are monochrome, orange, yellow, green, "
+               "turquoise, blue, pink, coral, khaki, spring\n";
+        QTest::newRow("label on an unknown shelf") << strings({"label", "--pin", "--shelf", "NOPE"})
+                                                   << "vantrope: no open shelf has the identifier \"NOPE\"\n";
+    }
+
+    void removeAndLabelRefuseBadInput()
+    {
+        QFETCH(QStringList, arguments);
+        QFETCH(QString, error);
+        const QString shelf = shelfOfThree();
+        const QJsonObject before = m_agent->list().at(0).toObject();
+        const auto result = m_agent->run(expand(arguments, shelf));
+        QCOMPARE(result.exitCode, 1);
+        QCOMPARE(result.error, expand({error}, shelf).first());
+        QCOMPARE(result.output, QByteArray());
+        // Nothing changed: no item went, the label is as it was.
+        QCOMPARE(m_agent->list().at(0).toObject(), before);
+    }
+
+    void labelChangesOnlyWhatIsGiven()
+    {
+        const QString shelf = shelfOfThree();
+        const auto labelled = m_agent->run({QStringLiteral("label"), QStringLiteral("--name"),
+                                            QStringLiteral("  Tax\nreturn 2026 "), QStringLiteral("--color"),
+                                            QStringLiteral("khaki"), QStringLiteral("--pin")});
+        QCOMPARE(labelled.exitCode, 0);
+        QCOMPARE(labelled.text(), shelf);
+        QCOMPARE(label(), (QJsonObject{{QStringLiteral("name"), QStringLiteral("Tax return 2026")},
+                                       {QStringLiteral("color"), QStringLiteral("khaki")},
+                                       {QStringLiteral("pinned"), true}}));
+
+        QCOMPARE(m_agent->run({QStringLiteral("label"), QStringLiteral("--unpin")}).exitCode, 0);
+        QCOMPARE(label().value(QStringLiteral("pinned")), QJsonValue(false));
+        QCOMPARE(label().value(QStringLiteral("name")), QJsonValue(QStringLiteral("Tax return 2026")));
+        QCOMPARE(label().value(QStringLiteral("color")), QJsonValue(QStringLiteral("khaki")));
+
+        // A page pasted as a name is cut to one line of 256 characters.
+        const QString page = QString(2000, u'x') + QStringLiteral("\n") + QString(2000, u'y');
+        QCOMPARE(m_agent->run({QStringLiteral("label"), QStringLiteral("--name"), page}).exitCode, 0);
+        QCOMPARE(label().value(QStringLiteral("name")).toString(), QString(256, u'x'));
+
+        QCOMPARE(m_agent->run({QStringLiteral("label"), QStringLiteral("--name=")}).exitCode, 0);
+        QCOMPARE(label().value(QStringLiteral("name")), QJsonValue(QJsonValue::Null));
+    }
+
+    // The settings popover opened by a real click on the shelf's colour grabber: the name typed there is
+    // the window's title, and the shelf keeps it through a restart of the agent.
+    void popoverNameIsTheTitleAndOutlivesTheAgent()
+    {
+        QVERIFY(m_agent->start());
+        const auto added = m_agent->run({QStringLiteral("add"), file("a.txt")});
+        QCOMPARE(added.exitCode, 0);
+        const QString shelf = added.text();
+        QRect frame;
+        QTRY_VERIFY((frame = m_agent->shelfGeometry()).isValid());
+        // The grabber is the bar at the top of the card.
+        const QPoint grabber(frame.center().x(), frame.top() + 15);
+        const QStringList before = visibleWindows();
+        QCOMPARE(m_agent
+                     ->runTool(QStringLiteral("xdotool"),
+                               {QStringLiteral("mousemove"), QString::number(grabber.x()),
+                                QString::number(grabber.y()), QStringLiteral("click"), QStringLiteral("1")})
+                     .exitCode,
+                 0);
+        QTRY_VERIFY(popoverShown(before));
+        QCOMPARE(m_agent->runTool(QStringLiteral("xdotool"), {QStringLiteral("type"), QStringLiteral("Trip")})
+                     .exitCode,
+                 0);
+        QTRY_COMPARE(label().value(QStringLiteral("name")), QJsonValue(QStringLiteral("Trip")));
+        QCOMPARE(
+            m_agent->runTool(QStringLiteral("xdotool"), {QStringLiteral("key"), QStringLiteral("Escape")})
+                .exitCode,
+            0);
+        QTRY_VERIFY(!popoverShown(before));
+        const auto titled = m_agent->runTool(QStringLiteral("xdotool"),
+                                             {QStringLiteral("search"), QStringLiteral("--onlyvisible"),
+                                              QStringLiteral("--name"), QStringLiteral("^Trip$")});
+        QCOMPARE(titled.exitCode, 0);
+        QVERIFY(!titled.text().isEmpty());
+
+        QCOMPARE(m_agent->run({QStringLiteral("quit")}).exitCode, 0);
+        QVERIFY(m_agent->process().waitForFinished(5000));
+        QVERIFY(m_agent->start());
+        const auto reopened = m_agent->run({QStringLiteral("open-recent")});
+        QCOMPARE(reopened.exitCode, 0);
+        QCOMPARE(reopened.text(), shelf);
+        QCOMPARE(label().value(QStringLiteral("name")), QJsonValue(QStringLiteral("Trip")));
+    }
+
 private:
+    // A shelf with a.txt, b.txt and c.txt on a started agent; its identifier.
+    QString shelfOfThree()
+    {
+        if (!m_agent->start()) {
+            return {};
+        }
+        writeFile(file("b.txt"), "b");
+        writeFile(file("c.txt"), "c");
+        const auto added = m_agent->run({QStringLiteral("add"), file("a.txt"), file("b.txt"), file("c.txt")});
+        return added.exitCode == 0 ? added.text() : QString();
+    }
+
+    // "@name" is that file in the agent's home, "%shelf" the shelf's identifier.
+    QStringList expand(const QStringList& arguments, const QString& shelf) const
+    {
+        QStringList expanded;
+        for (QString argument : arguments) {
+            argument.replace(QStringLiteral("%shelf"), shelf);
+            argument.replace(QStringLiteral("\"@"),
+                             QStringLiteral("\"") + m_agent->home() + QLatin1Char('/'));
+            if (argument.startsWith(u'@')) {
+                argument = m_agent->path(argument.mid(1));
+            }
+            expanded.append(argument);
+        }
+        return expanded;
+    }
+
+    QJsonObject label() { return m_agent->list().at(0).toObject().value(QStringLiteral("label")).toObject(); }
+
+    QStringList visibleWindows()
+    {
+        const auto windows =
+            m_agent->runTool(QStringLiteral("xdotool"),
+                             {QStringLiteral("search"), QStringLiteral("--onlyvisible"),
+                              QStringLiteral("--pid"), QString::number(m_agent->process().processId())});
+        return QString::fromLatin1(windows.output).split(u'\n', Qt::SkipEmptyParts);
+    }
+
+    // A window of the agent that was not there before is up, below the shelf's top: the popover.
+    bool popoverShown(const QStringList& before)
+    {
+        const QRect shelf = m_agent->shelfGeometry();
+        for (const QString& window : visibleWindows()) {
+            const QRect frame = m_agent->windowGeometry(window);
+            if (!before.contains(window) && frame.isValid() && frame.top() > shelf.top()) {
+                return true;
+            }
+        }
+        return false;
+    }
+
     static QStringList identifiers(const QByteArray& json)
     {
         QStringList result;

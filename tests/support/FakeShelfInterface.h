@@ -9,6 +9,7 @@
 #include <functional>
 #include <optional>
 #include <QList>
+#include <utility>
 
 namespace Vantrope::Test {
 
@@ -71,6 +72,13 @@ public:
     void showActionsMenu(const ActionsControllerMenu& menu) override { m_shownMenus.append(menu); }
     void presentSearch(const SearchRequest& request) override { m_search = request; }
     void dismissSearch() override { m_search.reset(); }
+    void presentSettings(const SettingsRequest& request) override { m_settings = request; }
+    void dismissSettings() override
+    {
+        if (auto settings = std::exchange(m_settings, std::nullopt); settings && settings->closed) {
+            settings->closed();
+        }
+    }
 
     // Answers the open inline editor as the user would; false when none is open.
     bool finishInlineEdit(const std::optional<QString>& text)
@@ -95,6 +103,7 @@ public:
     std::function<void(const std::optional<QString>&)> m_editDone;
     QList<ActionsControllerMenu> m_shownMenus;
     std::optional<SearchRequest> m_search;
+    std::optional<SettingsRequest> m_settings;
 };
 
 class FakeShelfInterface final : public DragSessionUserInterface {

@@ -18,6 +18,7 @@
 #include "PersistentDragSession.h"
 #include "PersistentDragSessionStore.h"
 #include "Preferences/Preferences.h"
+#include "Preferences/SettingsItem.h"
 #include "PreferencesAction.h"
 #include "RemoveAction.h"
 #include "RenameAction.h"
@@ -164,9 +165,16 @@ void DragSessionCoordinator::playAttention()
 
 void DragSessionCoordinator::setLabel(const DragSessionLabel& label)
 {
+    const bool pinChanged = label.pinned != m_label.pinned;
     m_label = label;
+    // Whoever typed it (popover, editor, script), the title is one line of sane length.
+    m_label.name = label.name ? DragSessionLabel::cleanName(*label.name) : std::nullopt;
     refreshLabel();
     throttleSave();
+    if (pinChanged && m_actionsController) {
+        // Search offers pin or unpin by the state.
+        m_actionsController->reloadSupplementarySearchElements();
+    }
 }
 
 void DragSessionCoordinator::refreshLabel()
@@ -250,6 +258,9 @@ void DragSessionCoordinator::teardown(const std::function<void()>& completion)
     }
     m_hasStopped = true;
     m_saveThrottler.cancel();
+    if (m_isSettingsPopoverOpen) {
+        m_view->dismissSettings();
+    }
     m_itemsController->removeAllItems();
     if (m_actionsController) {
         // Its run ends without telling a shelf that is gone.
@@ -435,29 +446,14 @@ ActionList DragSessionCoordinator::makeActions()
             self->m_view->removeAllDraggables(true);
         }
     }));
-    auto settings = std::make_shared<DragSessionSettingsAction>(
-        m_label, [self](const DragSessionSettingsAction::Choice& choice) {
-            if (!self) {
-                return;
+    auto settings = std::make_shared<DragSessionSettingsAction>(m_label, [self] {
+        // Run from the menu, which has just closed: the popover opens once it is gone.
+        DispatchQueue::main().async([self] {
+            if (self) {
+                self->showSettingsPopover();
             }
-            if (choice.color) {
-                DragSessionLabel label = self->m_label;
-                label.color = DragSessionLabelColor(*choice.color);
-                label.userDefined = true;
-                self->setLabel(label);
-                return;
-            }
-            self->m_view->editInline(
-                self->m_label.name.value_or(QString()), [self](const std::optional<QString>& name) {
-                    if (!self || !name) {
-                        return;
-                    }
-                    DragSessionLabel label = self->m_label;
-                    const QString trimmed = name->trimmed();
-                    label.name = trimmed.isEmpty() ? std::nullopt : std::optional(trimmed);
-                    self->setLabel(label);
-                });
         });
+    });
     m_settingsAction = settings;
     actions.append(settings);
     actions.append(std::make_shared<PreferencesAction>([self] {
@@ -1151,5 +1147,114 @@ void DragSessionCoordinator::showMessage(const QString& text, Message::Icon icon
 {
     m_messages.show(m_window->windowNumber(), Message::plain(icon, text), duration);
 }
+
+// The settings popover and the double click.
+
+bool DragSessionCoordinator::showSettingsPopover()
+{
+    if (m_hasStopped || m_isStopping) {
+        return false;
+    }
+    if (isOutlineOpen()) {
+        qCInfo(lcDragSession) << "Not opening the settings while the item list is open";
+        return false;
+    }
+    if (m_isSettingsPopoverOpen) {
+        qCInfo(lcDragSession) << "The settings are open already";
+        return false;
+    }
+    markUsed();
+    m_isSettingsPopoverOpen = true;
+    const QPointer self(this);
+    m_view->presentSettings(DragSessionView::SettingsRequest{m_label,
+                                                             [self](const DragSessionLabel& label) {
+                                                                 if (self && !self->m_hasStopped) {
+                                                                     self->setLabel(label);
+                                                                 }
+                                                             },
+                                                             [self] {
+                                                                 if (self) {
+                                                                     self->m_isSettingsPopoverOpen = false;
+                                                                 }
+                                                             }});
+    return true;
+}
+
+void DragSessionCoordinator::performDoubleClickAction()
+{
+    markUsed();
+    using DoubleClick = SettingsItem::DoubleClick;
+    const DoubleClick setting =
+        SettingsItem::doubleClick(m_preferences.value(PreferenceKeys::doubleClickAction))
+            .value_or(DoubleClick::showInFileManager);
+    QString identifier;
+    switch (setting) {
+    case DoubleClick::showInFileManager:
+        identifier = ActionIdentifiers::revealInFileManager;
+        break;
+    case DoubleClick::open:
+        identifier = ActionIdentifiers::openFile;
+        break;
+    case DoubleClick::preview:
+        identifier = ActionIdentifiers::preview;
+        break;
+    case DoubleClick::none:
+        return;
+    }
+    if (m_doubleClickPerformer) {
+        qCInfo(lcDragSession) << "The last double click's action is still running";
+        return;
+    }
+    if (!m_desktopActions) {
+        qCWarning(lcDragSession) << "No desktop actions for a double click";
+        return;
+    }
+    ActionItemList items;
+    for (const DraggablePtr& draggable : m_itemsController->items()) {
+        const auto url = draggable->url();
+        if (!url || !url->isLocalFile()) {
+            continue;
+        }
+        if (auto item = ActionItem::fromFile(*url)) {
+            items.append(*item);
+        }
+    }
+    if (items.isEmpty()) {
+        qCInfo(lcDragSession) << "No files to act on for a double click";
+        return;
+    }
+    ActionPtr action;
+    for (const ActionPtr& candidate : m_desktopActions->makeItemActions()) {
+        if (candidate && candidate->identifier() == identifier) {
+            action = candidate;
+            break;
+        }
+    }
+    if (!action || !action->canPerform(items)) {
+        qCInfo(lcDragSession).noquote() << QStringLiteral("\"%1\" cannot act on these items").arg(identifier);
+        return;
+    }
+    m_doubleClickPerformer = action;
+    const QPointer self(this);
+    action->perform(
+        items, [](double, const std::optional<QString>&) {},
+        [self, action](const Action::Result& result) {
+            // Completions may come from any thread.
+            DispatchQueue::main().async([self, action, result] {
+                if (!self) {
+                    return;
+                }
+                if (self->m_doubleClickPerformer == action) {
+                    self->m_doubleClickPerformer.reset();
+                }
+                if (!result && result.error().kind() != ActionError::Kind::canceled) {
+                    self->showMessage(result.error().description(), Message::Icon::warning,
+                                      failureMessageDuration);
+                }
+            });
+        });
+}
+
+// End of the settings popover and the double click.
 
 } // namespace Vantrope

@@ -150,6 +150,22 @@ public:
     void didCloseActionsMenu() override;
     void didTypeToSearch(const QString& text) override { showSearch(text); }
 
+    // The settings popover, the double click and removal by scripts.
+    // Opens the shelf's settings popover; false when it is refused: the item list or the popover is open.
+    bool showSettingsPopover();
+    bool isSettingsPopoverOpen() const { return m_isSettingsPopoverOpen; }
+    // The item list fills this in.
+    bool isOutlineOpen() const { return false; }
+    // Does to the shelf's files what the double-click setting says.
+    void performDoubleClickAction();
+    // The action a double click started, held until it ends.
+    const ActionPtr& doubleClickPerformer() const { return m_doubleClickPerformer; }
+    // Takes these items off the shelf (not off the disk).
+    void removeDraggables(const DraggableList& draggables) { removeItems(draggables); }
+    void didSelectLabelGrabber() override { showSettingsPopover(); }
+    void didDoubleClickItems() override { performDoubleClickAction(); }
+    // End of the settings popover, the double click and removal by scripts.
+
     // ActionsControllerDelegate
     void didStartPreparingAction(const ActionPtr& action, ActionsController& actionsController) override;
     void didStartPerformingAction(const ActionPtr& action, ActionsController& actionsController) override;
@@ -227,6 +243,11 @@ private:
     bool m_isSearchShown = false;
     // Runs started by scripts, told how they end.
     QList<std::pair<std::weak_ptr<Action>, RunCompletion>> m_runCompletions;
+
+    // The settings popover and the double click.
+    bool m_isSettingsPopoverOpen = false;
+    ActionPtr m_doubleClickPerformer;
+    // End of the settings popover and the double click.
 };
 
 } // namespace Vantrope

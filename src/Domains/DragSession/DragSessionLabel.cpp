@@ -2,6 +2,8 @@
 // SPDX-FileCopyrightText: 2026 The Vantrope developers
 #include "DragSessionLabel.h"
 
+#include <algorithm>
+
 namespace Vantrope {
 
 namespace {
@@ -41,6 +43,48 @@ DragSessionLabel DragSessionLabel::gray(bool keepInOwnSpace)
     label.color = DragSessionLabelColor(DragSessionLabelColor::Identifier::monochrome);
     label.keepInOwnSpace = keepInOwnSpace;
     return label;
+}
+
+std::optional<QString> DragSessionLabel::cleanName(QStringView name)
+{
+    QString line;
+    line.reserve(std::min(name.size(), maximumNameLength + 1));
+    bool pendingSpace = false;
+    for (const QChar c : name) {
+        const auto category = c.category();
+        const bool breaks = c == u'\n' || c == u'\r' || c == u'\t' || c == u'\v' || c == u'\f' ||
+                            category == QChar::Separator_Line || category == QChar::Separator_Paragraph;
+        if (breaks) {
+            // "a\r\nb" is one gap, not two, and so is "a \nb".
+            pendingSpace = !line.isEmpty() && !line.back().isSpace();
+            continue;
+        }
+        if (category == QChar::Other_Control || (line.isEmpty() && c.isSpace())) {
+            continue;
+        }
+        if (pendingSpace && !c.isSpace()) {
+            line += u' ';
+        }
+        pendingSpace = false;
+        line += c;
+        if (line.size() > maximumNameLength + 1) {
+            break;
+        }
+    }
+    line = line.trimmed();
+    if (line.size() > maximumNameLength) {
+        // Never keep half of a surrogate pair.
+        qsizetype cut = maximumNameLength;
+        if (line.at(cut - 1).isHighSurrogate()) {
+            --cut;
+        }
+        line.truncate(cut);
+        line = line.trimmed();
+    }
+    if (line.isEmpty()) {
+        return std::nullopt;
+    }
+    return line;
 }
 
 QString DragSessionLabel::rawValue(ColorVisibility visibility)

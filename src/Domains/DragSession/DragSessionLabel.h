@@ -32,8 +32,16 @@ struct DragSessionLabel final {
     std::optional<QString> name;
     bool pinned = false;
 
+    // Longer names are cut here: a title is one line on a small window, and a pasted page must not
+    // end up in every save of the shelf.
+    static constexpr qsizetype maximumNameLength = 256;
+
     // The label of a shelf while labels are turned off: gray and nameless.
     static DragSessionLabel gray(bool keepInOwnSpace);
+
+    // A name as the shelf keeps it: one line (line breaks and tabs become spaces), trimmed, at most
+    // `maximumNameLength` characters. Nothing left means no name.
+    static std::optional<QString> cleanName(QStringView name);
 
     static QString rawValue(ColorVisibility visibility);
     static std::optional<ColorVisibility> colorVisibilityFromRawValue(QStringView rawValue);

@@ -6,27 +6,19 @@
 
 namespace Vantrope {
 
-DragSessionSettingsAction::DragSessionSettingsAction(DragSessionLabel label, Handler handler,
-                                                     std::optional<Choice> choice)
+DragSessionSettingsAction::DragSessionSettingsAction(DragSessionLabel label, Handler handler)
     : m_label(std::move(label))
     , m_handler(std::move(handler))
-    , m_choice(choice)
 {}
 
 QString DragSessionSettingsAction::identifier() const
 {
-    if (!m_choice) {
-        return QStringLiteral("drag_session_settings");
-    }
-    if (!m_choice->color) {
-        return QStringLiteral("drag_session_settings_name");
-    }
-    return QStringLiteral("drag_session_settings_color_") + DragSessionLabelColor::rawValue(*m_choice->color);
+    return QStringLiteral("drag_session_settings");
 }
 
 QString DragSessionSettingsAction::iconName() const
 {
-    return m_choice ? QString() : QStringLiteral("configure");
+    return QStringLiteral("configure");
 }
 
 QString DragSessionSettingsAction::colorTitle(DragSessionLabelColor::Identifier color)
@@ -59,13 +51,7 @@ QString DragSessionSettingsAction::colorTitle(DragSessionLabelColor::Identifier 
 
 QString DragSessionSettingsAction::title() const
 {
-    if (!m_choice) {
-        return Localized("action.shelf-settings.title", "Shelf Settings");
-    }
-    if (!m_choice->color) {
-        return Localized("action.shelf-settings.name", "Name…");
-    }
-    return colorTitle(*m_choice->color);
+    return Localized("action.shelf-settings.title", "Shelf Settings");
 }
 
 bool DragSessionSettingsAction::canPerform(const ActionItemList&) const
@@ -75,9 +61,8 @@ bool DragSessionSettingsAction::canPerform(const ActionItemList&) const
 
 void DragSessionSettingsAction::perform(const ActionItemList&, ProgressHandler, Completion completion)
 {
-    // From search the whole settings row names the shelf, the one setting that needs typing.
     if (m_handler) {
-        m_handler(m_choice.value_or(Choice{}));
+        m_handler();
     }
     completion(ActionResultContext{});
 }
@@ -88,25 +73,11 @@ std::optional<ActionMenuEntry> DragSessionSettingsAction::makeMenuEntry(const st
     if (!action) {
         return std::nullopt;
     }
-    if (m_choice) {
-        return ActionMenuEntry{ActionMenuEntry::ActionRow{action, title(), iconName(), true}};
-    }
-    ActionMenuEntry::Submenu submenu;
-    submenu.title = m_label.name.value_or(title());
-    submenu.iconName = iconName();
-    submenu.menuTitle = title();
-    const auto row = [this](const Choice& choice, std::optional<bool> checked) {
-        auto rowAction = std::make_shared<DragSessionSettingsAction>(m_label, m_handler, choice);
-        ActionMenuEntry::ActionRow entry{rowAction, rowAction->title(), rowAction->iconName(), true};
-        entry.checked = checked;
-        return ActionMenuEntry{entry};
-    };
-    submenu.entries.push_back(row(Choice{}, std::nullopt));
-    submenu.entries.push_back(ActionMenuEntry{ActionMenuEntry::Separator{}});
-    for (const auto color : DragSessionLabelColor::allIdentifiers()) {
-        submenu.entries.push_back(row(Choice{color}, m_label.color.id() == color));
-    }
-    return ActionMenuEntry{std::move(submenu)};
+    // A named shelf shows its name here, so the row says which shelf the settings are of.
+    const QString shown =
+        m_label.name ? Localized("action.shelf-settings.named", "Settings of “%1”…").arg(*m_label.name)
+                     : Localized("action.shelf-settings.row", "Shelf Settings…");
+    return ActionMenuEntry{ActionMenuEntry::ActionRow{action, shown, iconName(), true}};
 }
 
 } // namespace Vantrope

@@ -11,28 +11,21 @@
 
 namespace Vantrope {
 
-// The shelf's own settings in the menu: a submenu with a row that names the shelf and one row per label
-// colour. Each row is an instance of this action with its own choice.
+// The shelf's own settings in the menu and in search: one row that opens the shelf's settings popover.
 class DragSessionSettingsAction final : public Action, public ActionMenuItemProvider {
 public:
-    // No colour: the name.
-    struct Choice {
-        std::optional<DragSessionLabelColor::Identifier> color;
-    };
-    using Handler = std::function<void(const Choice& choice)>;
+    using Handler = std::function<void()>;
 
-    DragSessionSettingsAction(DragSessionLabel label, Handler handler, std::optional<Choice> choice = {});
+    DragSessionSettingsAction(DragSessionLabel label, Handler handler);
 
-    // The shelf's label changed; the next menu shows it.
+    // The shelf's label changed; the next menu shows its name.
     void setLabel(const DragSessionLabel& label) { m_label = label; }
     const DragSessionLabel& label() const { return m_label; }
-    const std::optional<Choice>& choice() const { return m_choice; }
 
     ActionCategory category() const override { return ActionCategory::supplementary; }
     QString identifier() const override;
     QString iconName() const override;
     QString title() const override;
-    bool isSearchable() const override { return !m_choice; }
     const ActionMenuItemProvider* menuItemProvider() const override { return this; }
     bool canPerform(const ActionItemList& items) const override;
     void perform(const ActionItemList& items, ProgressHandler progress, Completion completion) override;
@@ -45,7 +38,6 @@ public:
 private:
     DragSessionLabel m_label;
     Handler m_handler;
-    std::optional<Choice> m_choice;
 };
 
 } // namespace Vantrope

@@ -64,6 +64,19 @@ public:
     // Covers the shelf with a search field and the list under it until one is chosen or it is dismissed.
     virtual void presentSearch(const SearchRequest& request) = 0;
     virtual void dismissSearch() = 0;
+
+    // The settings popover.
+    struct SettingsRequest {
+        DragSessionLabel label;
+        // Each change the user makes, as the whole new label.
+        std::function<void(const DragSessionLabel& label)> change;
+        // Runs once, when the popover has closed for whatever reason.
+        std::function<void()> closed;
+    };
+    // Opens the shelf's settings, anchored on the colour grabber.
+    virtual void presentSettings(const SettingsRequest& request) = 0;
+    virtual void dismissSettings() = 0;
+    // End of the settings popover.
 };
 
 // What a shelf view reports; the shelf's coordinator answers.
@@ -108,6 +121,13 @@ public:
     virtual void didCloseActionsMenu() = 0;
     // The user typed on the shelf: the search opens with the text.
     virtual void didTypeToSearch(const QString& text) = 0;
+
+    // The settings popover and the double click.
+    // A click on the colour grabber.
+    virtual void didSelectLabelGrabber() = 0;
+    // A double click on the pile of items.
+    virtual void didDoubleClickItems() = 0;
+    // End of the settings popover and the double click.
 };
 
 } // namespace Vantrope

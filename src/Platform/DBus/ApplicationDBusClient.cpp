@@ -200,4 +200,31 @@ std::expected<QString, Error> ApplicationDBusClient::runAction(const QString& sh
     return callForString(QStringLiteral("RunAction"), {shelf, action}, std::chrono::milliseconds::max());
 }
 
+std::expected<QStringList, Error> ApplicationDBusClient::removeItems(const QString& shelf,
+                                                                     const QStringList& items) const
+{
+    const auto values = call(QStringLiteral("RemoveItems"), {shelf, items});
+    if (!values) {
+        return std::unexpected(values.error());
+    }
+    return values->isEmpty() ? QStringList() : values->first().toStringList();
+}
+
+std::expected<QString, Error>
+ApplicationDBusClient::changeLabel(const QString& shelf,
+                                   const ApplicationRequestHandler::LabelChange& change) const
+{
+    QVariantMap changes;
+    if (change.name) {
+        changes.insert(QStringLiteral("name"), *change.name);
+    }
+    if (change.color) {
+        changes.insert(QStringLiteral("color"), *change.color);
+    }
+    if (change.pinned) {
+        changes.insert(QStringLiteral("pinned"), *change.pinned);
+    }
+    return callForString(QStringLiteral("SetLabel"), {shelf, changes});
+}
+
 } // namespace Vantrope

@@ -46,6 +46,11 @@ public:
     std::expected<QList<ShelfActionSummary>, Error> shelfActions(const QString& shelf) const;
     // Waits for the action to end, however long that takes (an upload may take minutes).
     std::expected<QString, Error> runAction(const QString& shelf, const QString& action) const;
+    // The removed items as the agent lists them.
+    std::expected<QStringList, Error> removeItems(const QString& shelf, const QStringList& items) const;
+    // The shelf's identifier.
+    std::expected<QString, Error> changeLabel(const QString& shelf,
+                                              const ApplicationRequestHandler::LabelChange& change) const;
 
 private:
     // Without a timeout, the client's own.

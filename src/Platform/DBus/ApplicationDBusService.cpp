@@ -33,6 +33,8 @@ QString errorSuffix(ApplicationRequestHandler::Error::Kind kind)
         return QStringLiteral("NoShelf");
     case Kind::actionFailed:
         return QStringLiteral("ActionFailed");
+    case Kind::unknownItem:
+        return QStringLiteral("UnknownItem");
     case Kind::invalidArguments:
         break;
     }
@@ -230,6 +232,42 @@ QString ApplicationDBusService::RunAction(const QString& shelf, const QString& a
                              connection.send(request.createReply(*result));
                          });
     return {};
+}
+
+QStringList ApplicationDBusService::RemoveItems(const QString& shelf, const QStringList& items)
+{
+    if (!ready()) {
+        return {};
+    }
+    const auto removed = m_handler->removeItems(shelf, items);
+    if (!removed) {
+        refuse(removed.error());
+        return {};
+    }
+    return *removed;
+}
+
+QString ApplicationDBusService::SetLabel(const QString& shelf, const QVariantMap& changes)
+{
+    if (!ready()) {
+        return {};
+    }
+    ApplicationRequestHandler::LabelChange change;
+    for (auto entry = changes.cbegin(); entry != changes.cend(); ++entry) {
+        const QMetaType type = entry.value().metaType();
+        if (entry.key() == QStringLiteral("name") && type.id() == QMetaType::QString) {
+            change.name = entry.value().toString();
+        } else if (entry.key() == QStringLiteral("color") && type.id() == QMetaType::QString) {
+            change.color = entry.value().toString();
+        } else if (entry.key() == QStringLiteral("pinned") && type.id() == QMetaType::Bool) {
+            change.pinned = entry.value().toBool();
+        } else {
+            return refuse({ApplicationRequestHandler::Error::Kind::invalidArguments,
+                           QStringLiteral("\"%1\" is no label setting of this type").arg(entry.key())});
+        }
+    }
+    const auto changed = m_handler->changeLabel(shelf, change);
+    return changed ? *changed : refuse(changed.error());
 }
 
 } // namespace Vantrope

@@ -51,6 +51,10 @@ public Q_SLOTS:
     QList<QVariantMap> ListActions(const QString& shelf);
     // Answers once the action has ended, with its link or message (maybe empty), or an error.
     QString RunAction(const QString& shelf, const QString& action);
+    // Removes items (positions from 1 or the items as ListShelves gives them); returns those removed.
+    QStringList RemoveItems(const QString& shelf, const QStringList& items);
+    // Changes the label: "name" (s, empty to remove it), "color" (s), "pinned" (b); returns the shelf.
+    QString SetLabel(const QString& shelf, const QVariantMap& changes);
 
 private:
     // False, and nothing to do, once the caller who waits for the answer has left the bus: a request

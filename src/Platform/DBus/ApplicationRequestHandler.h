@@ -42,6 +42,8 @@ public:
             noShelf,
             // The action was refused or failed; `message` says why.
             actionFailed,
+            // No item of the shelf answers to what was named.
+            unknownItem,
         };
         Kind kind = Kind::invalidArguments;
         QString message;
@@ -68,6 +70,22 @@ public:
     // Runs one of them; `done` gets what it left (a link or a message, maybe empty) once it has ended.
     virtual void runAction(const QString& shelf, const QString& action,
                            std::function<void(const std::expected<QString, Error>&)> done) = 0;
+
+    // Removal and labels for scripts.
+    // Takes items off a shelf (never off the disk). Each item is its position in the shelf's `items` of
+    // `shelves()`, counted from 1, or the item as listed there. All or nothing: when one names no item,
+    // none is removed. Returns the removed items as listed.
+    virtual std::expected<QStringList, Error> removeItems(const QString& shelf, const QStringList& items) = 0;
+    // What a script changes of a shelf's label; what is absent stays. An empty name removes the name.
+    struct LabelChange {
+        std::optional<QString> name;
+        // A colour's identifier, "blue" or "monochrome".
+        std::optional<QString> color;
+        std::optional<bool> pinned;
+    };
+    // Returns the shelf's identifier.
+    virtual std::expected<QString, Error> changeLabel(const QString& shelf, const LabelChange& change) = 0;
+    // End of removal and labels for scripts.
 };
 
 } // namespace Vantrope

@@ -377,4 +377,16 @@ void DragSessionStackView::mouseReleaseEvent(QMouseEvent* event)
     }
 }
 
+void DragSessionStackView::mouseDoubleClickEvent(QMouseEvent* event)
+{
+    if (event->button() != Qt::LeftButton || m_draggables.isEmpty()) {
+        event->ignore();
+        return;
+    }
+    // The second press of a double click starts no drag, even if the hand moves a little after it.
+    m_pressed = false;
+    event->accept();
+    Q_EMIT doubleClicked();
+}
+
 } // namespace Vantrope

@@ -46,6 +46,8 @@ public:
 
 Q_SIGNALS:
     void dragRequested(const QPoint& pressPosition);
+    // A double click on the pile.
+    void doubleClicked();
     void countChanged();
 
 protected:
@@ -53,6 +55,7 @@ protected:
     void mousePressEvent(QMouseEvent* event) override;
     void mouseMoveEvent(QMouseEvent* event) override;
     void mouseReleaseEvent(QMouseEvent* event) override;
+    void mouseDoubleClickEvent(QMouseEvent* event) override;
 
 private:
     struct Picture {

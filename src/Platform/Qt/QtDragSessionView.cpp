@@ -8,6 +8,7 @@
 #include "DragSessionInlineEditor.h"
 #include "DragSessionOverlayView.h"
 #include "DragSessionSearchView.h"
+#include "DragSessionSettingsPopover.h"
 #include "DragSessionStackView.h"
 #include "Libraries/Core/Localized.h"
 #include "Models/Draggable/DraggableFile.h"
@@ -111,6 +112,11 @@ QtDragSessionView::QtDragSessionView(const Dependencies& dependencies, QWidget* 
     connect(m_dropView, &DragSessionInboundDropView::exited, this, &QtDragSessionView::endInboundDrop);
 
     connect(m_stack, &DragSessionStackView::dragRequested, this, &QtDragSessionView::mouseDragged);
+    connect(m_stack, &DragSessionStackView::doubleClicked, this, [this] {
+        if (m_interactionEnabled && m_shareState.isNone()) {
+            m_delegate.didDoubleClickItems();
+        }
+    });
     connect(m_stack, &DragSessionStackView::countChanged, this, [this] {
         updateCaption();
         updateChrome();
@@ -599,6 +605,14 @@ void QtDragSessionView::mousePressEvent(QMouseEvent* event)
     if (event->button() != Qt::LeftButton) {
         return;
     }
+    if (m_interactionEnabled && grabberHitRect().contains(event->position().toPoint())) {
+        event->accept();
+        // The click on the grabber that closed the popover reaches the grabber too; it means "close".
+        if (!m_settingsClosed.isValid() || m_settingsClosed.elapsed() > 250) {
+            m_delegate.didSelectLabelGrabber();
+        }
+        return;
+    }
     // The card is the handle by which the shelf is moved.
     if (QWindow* handle = window()->windowHandle(); handle && handle->startSystemMove()) {
         return;
@@ -749,5 +763,53 @@ void QtDragSessionView::paintEvent(QPaintEvent*)
     }
     paintTitle(painter, card);
 }
+
+// The settings popover and the double click.
+
+QRect QtDragSessionView::grabberHitRect() const
+{
+    // Wider and taller than the grabber itself: it is a thin bar, and a near miss should still open.
+    const QRectF card = cardRect();
+    return QRectF(card.center().x() - grabberWidth, card.top(), grabberWidth * 2, 20).toAlignedRect();
+}
+
+void QtDragSessionView::presentSettings(const SettingsRequest& request)
+{
+    if (m_settingsPopover) {
+        return;
+    }
+    auto* popover = new DragSessionSettingsPopover(request.label, this);
+    m_settingsPopover = popover;
+    connect(popover, &DragSessionSettingsPopover::labelChanged, this,
+            [change = request.change](const DragSessionLabel& label) {
+                if (change) {
+                    change(label);
+                }
+            });
+    connect(popover, &DragSessionSettingsPopover::closed, this, [this, popover, closed = request.closed] {
+        if (m_settingsPopover == popover) {
+            m_settingsPopover.clear();
+        }
+        m_settingsClosed.start();
+        updateChrome();
+        if (closed) {
+            closed();
+        }
+    });
+    const QRect hit = grabberHitRect();
+    popover->anchorAt(mapToGlobal(QPoint(hit.center().x(), int(cardRect().top()) + 16)));
+    popover->show();
+    popover->nameField().setFocus(Qt::PopupFocusReason);
+    updateChrome();
+}
+
+void QtDragSessionView::dismissSettings()
+{
+    if (m_settingsPopover) {
+        m_settingsPopover->close();
+    }
+}
+
+// End of the settings popover and the double click.
 
 } // namespace Vantrope

@@ -5,6 +5,7 @@
 #include "Domains/DragSession/DragSessionView.h"
 #include "Domains/DragSession/Message.h"
 #include "DragSessionInboundDropView.h"
+#include "DragSessionSettingsPopover.h"
 
 #include <QElapsedTimer>
 #include <QMenu>
@@ -63,6 +64,14 @@ public:
     void presentSearch(const SearchRequest& request) override;
     void dismissSearch() override;
     DragSessionSearchView* searchView() const;
+
+    // The settings popover and the double click.
+    void presentSettings(const SettingsRequest& request) override;
+    void dismissSettings() override;
+    DragSessionSettingsPopover* settingsPopover() const { return m_settingsPopover; }
+    // Where a click opens the settings: around the colour grabber, in this view's coordinates.
+    QRect grabberHitRect() const;
+    // End of the settings popover and the double click.
 
     // The open action menu or inline editor, if any.
     QMenu* actionsMenu() const { return m_actionsMenu; }
@@ -127,6 +136,8 @@ private:
     QPointer<QMenu> m_actionsMenu;
     QPointer<DragSessionInlineEditor> m_inlineEditor;
     QPointer<DragSessionSearchView> m_searchView;
+    QPointer<DragSessionSettingsPopover> m_settingsPopover;
+    QElapsedTimer m_settingsClosed;
     // Typed while the search is being opened: it goes into the field once it stands.
     QString m_pendingSearchText;
     QElapsedTimer m_searchRequested;

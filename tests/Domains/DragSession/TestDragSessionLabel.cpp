@@ -237,6 +237,44 @@ private Q_SLOTS:
         }
         QVERIFY(someOrderDiffers);
     }
+
+    void namesAreKeptToOneShortLine_data()
+    {
+        QTest::addColumn<QString>("typed");
+        QTest::addColumn<OptionalName>("kept");
+        const QString emoji = u"\U0001F600"_s;
+        QTest::newRow("plain") << u"Invoices"_s << OptionalName(u"Invoices"_s);
+        QTest::newRow("spaces around") << u"  Invoices \t"_s << OptionalName(u"Invoices"_s);
+        QTest::newRow("inner spaces stay") << u"a  b"_s << OptionalName(u"a  b"_s);
+        QTest::newRow("line breaks of every kind") << u"one\ntwo\r\nthree\rfour\u2028five\u2029six"_s
+                                                   << OptionalName(u"one two three four five six"_s);
+        QTest::newRow("blank lines are one gap") << u"one\n\n\n\ntwo"_s << OptionalName(u"one two"_s);
+        QTest::newRow("a break beside a space adds none") << u"one \ntwo"_s << OptionalName(u"one two"_s);
+        QTest::newRow("control characters go") << u"a\u0007b\u001bc"_s << OptionalName(u"abc"_s);
+        QTest::newRow("nothing but breaks") << u"\n\r\n \t"_s << OptionalName();
+        QTest::newRow("empty") << QString() << OptionalName();
+        QTest::newRow("4,000 characters") << QString(4000, u'x') << OptionalName(QString(256, u'x'));
+        QTest::newRow("exactly the limit") << QString(256, u'x') << OptionalName(QString(256, u'x'));
+        QTest::newRow("leading spaces do not count")
+            << (QString(300, u' ') + u"name"_s) << OptionalName(u"name"_s);
+        QTest::newRow("a pair is not split at the limit")
+            << (QString(255, u'x') + emoji + u"tail"_s) << OptionalName(QString(255, u'x'));
+        QTest::newRow("a pair within the limit stays")
+            << (QString(254, u'x') + emoji + u"tail"_s) << OptionalName(QString(254, u'x') + emoji);
+        QTest::newRow("no trailing space after the cut")
+            << (QString(255, u'x') + u" yz"_s) << OptionalName(QString(255, u'x'));
+    }
+
+    void namesAreKeptToOneShortLine()
+    {
+        QFETCH(QString, typed);
+        QFETCH(OptionalName, kept);
+        QCOMPARE(DragSessionLabel::cleanName(typed), kept);
+        if (kept) {
+            // What is kept is kept as it is.
+            QCOMPARE(DragSessionLabel::cleanName(*kept), kept);
+        }
+    }
 };
 
 QTEST_GUILESS_MAIN(TestDragSessionLabel)
