@@ -71,6 +71,11 @@ public:
     void showActionsMenu(const ActionsControllerMenu& menu) override { m_shownMenus.append(menu); }
     void presentSearch(const SearchRequest& request) override { m_search = request; }
     void dismissSearch() override { m_search.reset(); }
+    void presentOutline(DragSessionContentOutlineCoordinator& outline) override
+    {
+        m_outline = &outline;
+        ++m_outlinesPresented;
+    }
 
     // Answers the open inline editor as the user would; false when none is open.
     bool finishInlineEdit(const std::optional<QString>& text)
@@ -95,6 +100,8 @@ public:
     std::function<void(const std::optional<QString>&)> m_editDone;
     QList<ActionsControllerMenu> m_shownMenus;
     std::optional<SearchRequest> m_search;
+    DragSessionContentOutlineCoordinator* m_outline = nullptr;
+    int m_outlinesPresented = 0;
 };
 
 class FakeShelfInterface final : public DragSessionUserInterface {

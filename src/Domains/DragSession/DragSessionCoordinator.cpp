@@ -105,6 +105,9 @@ DragSessionCoordinator::DragSessionCoordinator(DragSessionSource source, const D
 DragSessionCoordinator::~DragSessionCoordinator()
 {
     m_saveThrottler.cancel();
+    if (m_outlineCoordinator) {
+        m_outlineCoordinator->setView(nullptr);
+    }
     if (m_actionsController) {
         m_actionsController->setDelegate(nullptr);
     }
@@ -155,6 +158,9 @@ void DragSessionCoordinator::appendItems(const DraggableList& draggables, bool i
     markUsed();
     m_itemsController->addItems(draggables);
     m_view->addDraggables(draggables, isRestoration);
+    if (m_outlineCoordinator) {
+        m_outlineCoordinator->appendItems(draggables);
+    }
 }
 
 void DragSessionCoordinator::playAttention()
@@ -250,6 +256,9 @@ void DragSessionCoordinator::teardown(const std::function<void()>& completion)
     }
     m_hasStopped = true;
     m_saveThrottler.cancel();
+    if (m_outlineCoordinator) {
+        m_outlineCoordinator->close();
+    }
     m_itemsController->removeAllItems();
     if (m_actionsController) {
         // Its run ends without telling a shelf that is gone.
@@ -270,6 +279,7 @@ void DragSessionCoordinator::teardown(const std::function<void()>& completion)
 void DragSessionCoordinator::clear()
 {
     m_pasteboardController.reset();
+    dropFromOutline(m_itemsController->items());
     m_itemsController->removeAllItems();
     m_label.pinned = false;
     refreshLabel();
@@ -537,6 +547,7 @@ DraggableList DragSessionCoordinator::draggablesFor(const ActionItemList& items)
 
 void DragSessionCoordinator::removeItems(const DraggableList& draggables)
 {
+    dropFromOutline(draggables);
     for (const DraggablePtr& draggable : draggables) {
         m_view->removeDraggable(draggable);
         m_itemsController->remove(draggable);
@@ -604,6 +615,9 @@ void DragSessionCoordinator::renameItem(const ActionItem& item, const Action::Co
         if (auto replacement = DraggableFile::make(QUrl::fromLocalFile(*renamed))) {
             const bool held = self->m_itemsController->items().contains(file);
             if (held) {
+                if (self->m_outlineCoordinator) {
+                    self->m_outlineCoordinator->replaceItem(file, replacement);
+                }
                 self->m_itemsController->remove(file);
                 self->m_itemsController->addItems({replacement});
                 self->m_view->replaceDraggable(file, replacement);
@@ -690,7 +704,7 @@ void DragSessionCoordinator::availableActions(std::function<void(const Available
 
 void DragSessionCoordinator::showSearch(const QString& text)
 {
-    if (m_isSearchShown) {
+    if (m_isSearchShown || isOutlineOpen()) {
         return;
     }
     ActionsController* controller = ensureActionsController();
@@ -1077,6 +1091,7 @@ void DragSessionCoordinator::didSelectRestoreButton()
 
 void DragSessionCoordinator::failReceiving(const DraggablePtr& draggable, const DraggableError& error)
 {
+    dropFromOutline({draggable});
     m_view->removeDraggable(draggable);
     m_itemsController->remove(draggable);
     throttleSave();
@@ -1096,6 +1111,7 @@ void DragSessionCoordinator::handleDeletedItems(
         return;
     }
     for (const auto& context : contexts) {
+        dropFromOutline({context.draggable});
         m_view->removeDraggable(context.draggable);
         m_itemsController->remove(context.draggable);
     }
@@ -1114,6 +1130,9 @@ void DragSessionCoordinator::handleChangedItem(const DragSessionItemsController:
     auto replacement = DraggableFile::make(context.newUrl);
     if (!replacement) {
         return;
+    }
+    if (m_outlineCoordinator) {
+        m_outlineCoordinator->replaceItem(context.draggable, replacement);
     }
     m_itemsController->remove(context.draggable);
     m_itemsController->addItems({replacement});
@@ -1134,6 +1153,7 @@ void DragSessionCoordinator::replaceContent(const QList<QUrl>& urls)
             << "Was required to reload content but it failed, so we will just show the initial content";
         return;
     }
+    dropFromOutline(m_itemsController->items());
     m_itemsController->removeAllItems();
     m_view->removeAllDraggables(false);
     qCInfo(lcDragSession).noquote()
@@ -1151,5 +1171,149 @@ void DragSessionCoordinator::showMessage(const QString& text, Message::Icon icon
 {
     m_messages.show(m_window->windowNumber(), Message::plain(icon, text), duration);
 }
+
+// --- Item list ---
+
+void DragSessionCoordinator::didTypeToSearch(const QString& text)
+{
+    // Keys belong to the list while it is open.
+    if (isOutlineOpen()) {
+        return;
+    }
+    showSearch(text);
+}
+
+bool DragSessionCoordinator::openOutline()
+{
+    if (isOutlineOpen() || isSettingsPopoverOpen()) {
+        qCInfo(lcDragSession) << "Refusing to open the item list: a list or the settings popover is open";
+        return false;
+    }
+    if (m_isStopping || m_itemsController->items().isEmpty()) {
+        return false;
+    }
+    markUsed();
+    m_outlineCoordinator = std::make_unique<DragSessionContentOutlineCoordinator>(m_itemsController->items(),
+                                                                                  m_preferences, *this);
+    m_view->presentOutline(*m_outlineCoordinator);
+    return true;
+}
+
+void DragSessionCoordinator::dropFromOutline(const DraggableList& items)
+{
+    if (m_outlineCoordinator && !items.isEmpty()) {
+        m_outlineCoordinator->dropItems(items);
+    }
+}
+
+void DragSessionCoordinator::outlineDidRemoveItems(DragSessionContentOutlineCoordinator& outline,
+                                                   const DraggableList& items, bool all)
+{
+    markUsed();
+    // The shelf changes in steps here; the action machinery is rebuilt once, for the end result.
+    m_supressItemPreparationOnItemsUpdate = true;
+    if (all) {
+        m_view->removeAllDraggables(true);
+        m_itemsController->removeAllItems();
+        m_label.pinned = false;
+        refreshLabel();
+        throttleSave();
+        outline.close();
+    } else {
+        for (const DraggablePtr& item : items) {
+            m_view->removeDraggable(item);
+            m_itemsController->remove(item);
+        }
+        throttleSave();
+    }
+    m_supressItemPreparationOnItemsUpdate = false;
+    prepareActionsIfNeeded(m_itemsController->items());
+}
+
+DraggablePtr DragSessionCoordinator::outlineDidRenameItem(DragSessionContentOutlineCoordinator&,
+                                                          const DraggablePtr& item, const QString& path)
+{
+    auto replacement = DraggableFile::make(QUrl::fromLocalFile(path));
+    if (!replacement || !m_itemsController->items().contains(item)) {
+        return replacement;
+    }
+    m_itemsController->remove(item);
+    m_itemsController->addItems({replacement});
+    m_view->replaceDraggable(item, replacement);
+    throttleSave();
+    return replacement;
+}
+
+void DragSessionCoordinator::outlineDidDragItems(DragSessionContentOutlineCoordinator&,
+                                                 const DraggableList& items, bool moved)
+{
+    markUsed();
+    const DraggableList& held = m_itemsController->items();
+    const bool everything =
+        !held.isEmpty() && std::all_of(held.cbegin(), held.cend(),
+                                       [&items](const DraggablePtr& item) { return items.contains(item); });
+    if (everything) {
+        // The whole shelf went out: the same as dragging the pile.
+        didDragItems({true, DragEvent::Kind::ended}, moved);
+        return;
+    }
+    if (moved) {
+        for (const DraggablePtr& item : items) {
+            m_view->removeDraggable(item);
+            m_itemsController->remove(item);
+        }
+    }
+    saveSession();
+    m_preferences.setValue(PreferenceKeys::numberOfDrops, m_preferences.value(PreferenceKeys::numberOfDrops) + 1);
+}
+
+ActionList DragSessionCoordinator::outlineActions(DragSessionContentOutlineCoordinator&,
+                                                  const DraggableList& items)
+{
+    ActionList actions;
+    if (m_desktopActions) {
+        for (const ActionPtr& action : m_desktopActions->makeItemActions()) {
+            if (action) {
+                actions.append(action);
+            }
+        }
+    }
+    const QPointer self(this);
+    for (const auto context : {MoveToNewShelfAction::Context::move, MoveToNewShelfAction::Context::copy}) {
+        actions.append(std::make_shared<MoveToNewShelfAction>(
+            context, [self, items](MoveToNewShelfAction::Context context, const ActionItemList&) {
+                if (!self || !self->m_delegate) {
+                    return;
+                }
+                if (context == MoveToNewShelfAction::Context::move) {
+                    self->removeItems(items);
+                }
+                self->m_delegate->openNewSession(items, self->m_window->screen());
+            }));
+    }
+    return actions;
+}
+
+ActionsController::Services DragSessionCoordinator::outlineActionServices(DragSessionContentOutlineCoordinator&)
+{
+    ActionsController::Services services;
+    if (m_desktopActions) {
+        services.archiver = m_desktopActions->archiver();
+    }
+    return services;
+}
+
+void DragSessionCoordinator::outlineDidClose(DragSessionContentOutlineCoordinator& outline)
+{
+    if (m_outlineCoordinator.get() != &outline) {
+        return;
+    }
+    // Often called from inside the list's own handlers: it goes once they have returned.
+    DispatchQueue::main().async(
+        [closed = std::shared_ptr<DragSessionContentOutlineCoordinator>(std::move(m_outlineCoordinator))] {});
+    m_view->updateHoverState(m_window->containsMouse());
+}
+
+// --- End of item list ---
 
 } // namespace Vantrope

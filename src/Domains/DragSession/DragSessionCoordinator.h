@@ -5,6 +5,7 @@
 #include "Domains/Actions/ActionsController.h"
 #include "Domains/Actions/ActionsControllerDelegate.h"
 #include "DragSessionActionState.h"
+#include "DragSessionContentOutlineCoordinator.h"
 #include "DragSessionDropIntake.h"
 #include "DragSessionItemsController.h"
 #include "DragSessionLabel.h"
@@ -44,7 +45,8 @@ public:
 // the view and the items, answers what the view reports and keeps the shelf's saved copy up to date.
 class DragSessionCoordinator final : public QObject,
                                      public DragSessionViewDelegate,
-                                     public ActionsControllerDelegate {
+                                     public ActionsControllerDelegate,
+                                     public DragSessionContentOutlineCoordinatorDelegate {
     Q_OBJECT
 public:
     struct Dependencies {
@@ -148,7 +150,28 @@ public:
     void didRequestActionsMenu() override;
     void didChooseActionsMenuEntry(const ActionMenuEntry& entry) override;
     void didCloseActionsMenu() override;
-    void didTypeToSearch(const QString& text) override { showSearch(text); }
+    void didTypeToSearch(const QString& text) override;
+
+    // --- Item list ---
+    // Opens the list of the shelf's items; false when it is refused (a list or the settings popover is
+    // open already, or the shelf is empty or stopping).
+    bool openOutline();
+    bool isOutlineOpen() const { return m_outlineCoordinator != nullptr; }
+    DragSessionContentOutlineCoordinator* outlineCoordinator() const { return m_outlineCoordinator.get(); }
+    void didRequestOutline() override { openOutline(); }
+
+    // DragSessionContentOutlineCoordinatorDelegate
+    void outlineDidRemoveItems(DragSessionContentOutlineCoordinator& outline, const DraggableList& items,
+                               bool all) override;
+    DraggablePtr outlineDidRenameItem(DragSessionContentOutlineCoordinator& outline, const DraggablePtr& item,
+                                      const QString& path) override;
+    void outlineDidDragItems(DragSessionContentOutlineCoordinator& outline, const DraggableList& items,
+                             bool moved) override;
+    ActionList outlineActions(DragSessionContentOutlineCoordinator& outline,
+                              const DraggableList& items) override;
+    ActionsController::Services outlineActionServices(DragSessionContentOutlineCoordinator& outline) override;
+    void outlineDidClose(DragSessionContentOutlineCoordinator& outline) override;
+    // --- End of item list ---
 
     // ActionsControllerDelegate
     void didStartPreparingAction(const ActionPtr& action, ActionsController& actionsController) override;
@@ -192,6 +215,12 @@ private:
     void handleChangedItem(const DragSessionItemsController::ItemChangeContext& context);
     void showMessage(const QString& text, Message::Icon icon, Clock::Duration duration);
     void teardown(const std::function<void()>& completion);
+    // --- Item list ---
+    // Items that left the shelf by another way than the list leave the list too.
+    void dropFromOutline(const DraggableList& items);
+    // The settings popover work fills this in; until then no popover is ever open.
+    bool isSettingsPopoverOpen() const { return false; }
+    // --- End of item list ---
 
     const QString m_id;
     const DragSessionSource m_source;
@@ -227,6 +256,9 @@ private:
     bool m_isSearchShown = false;
     // Runs started by scripts, told how they end.
     QList<std::pair<std::weak_ptr<Action>, RunCompletion>> m_runCompletions;
+    // --- Item list ---
+    std::unique_ptr<DragSessionContentOutlineCoordinator> m_outlineCoordinator;
+    // --- End of item list ---
 };
 
 } // namespace Vantrope

@@ -17,6 +17,8 @@ class QMimeData;
 
 namespace Vantrope {
 
+class DragSessionContentOutlineCoordinator;
+
 // The content of a shelf window: the pile of items, its buttons and states. It shows what it is told
 // and reports what the user does to its `DragSessionViewDelegate`.
 class DragSessionView {
@@ -64,6 +66,12 @@ public:
     // Covers the shelf with a search field and the list under it until one is chosen or it is dismissed.
     virtual void presentSearch(const SearchRequest& request) = 0;
     virtual void dismissSearch() = 0;
+
+    // --- Item list ---
+    // Opens the list of the shelf's items below its disclosure control; the panel reports to `outline`
+    // and gives itself to it as its view. The list closes through `outline`.
+    virtual void presentOutline(DragSessionContentOutlineCoordinator& outline) = 0;
+    // --- End of item list ---
 };
 
 // What a shelf view reports; the shelf's coordinator answers.
@@ -108,6 +116,11 @@ public:
     virtual void didCloseActionsMenu() = 0;
     // The user typed on the shelf: the search opens with the text.
     virtual void didTypeToSearch(const QString& text) = 0;
+
+    // --- Item list ---
+    // The disclosure control or the item count was clicked: the list of items opens, unless refused.
+    virtual void didRequestOutline() = 0;
+    // --- End of item list ---
 };
 
 } // namespace Vantrope

@@ -16,6 +16,7 @@ namespace Vantrope {
 
 class Clock;
 class DragSessionButton;
+class DragSessionOutlinePanel;
 class DragSessionInlineEditor;
 class DragSessionSearchView;
 class DragSessionOverlayView;
@@ -63,6 +64,15 @@ public:
     void presentSearch(const SearchRequest& request) override;
     void dismissSearch() override;
     DragSessionSearchView* searchView() const;
+
+    // --- Item list ---
+    void presentOutline(DragSessionContentOutlineCoordinator& outline) override;
+    // The disclosure control that opens the item list, and the list while it is open.
+    DragSessionButton& outlineButton() const { return *m_outlineButton; }
+    DragSessionOutlinePanel* outlinePanel() const;
+    // Where the item count is drawn; a click on it opens the list too.
+    QRectF countRect() const;
+    // --- End of item list ---
 
     // The open action menu or inline editor, if any.
     QMenu* actionsMenu() const { return m_actionsMenu; }
@@ -125,6 +135,10 @@ private:
     DragSessionButton* m_restoreButton = nullptr;
     DragSessionButton* m_menuButton = nullptr;
     QPointer<QMenu> m_actionsMenu;
+    // --- Item list ---
+    DragSessionButton* m_outlineButton = nullptr;
+    QPointer<DragSessionOutlinePanel> m_outlinePanel;
+    // --- End of item list ---
     QPointer<DragSessionInlineEditor> m_inlineEditor;
     QPointer<DragSessionSearchView> m_searchView;
     // Typed while the search is being opened: it goes into the field once it stands.
