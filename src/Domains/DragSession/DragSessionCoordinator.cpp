@@ -1127,6 +1127,11 @@ void DragSessionCoordinator::handleDeletedItems(
 
 void DragSessionCoordinator::handleChangedItem(const DragSessionItemsController::ItemChangeContext& context)
 {
+    // The report may come after the shelf let go of the item itself (it renamed the file, or the item
+    // was removed): adding its new place now would put the file on the shelf twice.
+    if (!m_itemsController->items().contains(context.draggable)) {
+        return;
+    }
     auto replacement = DraggableFile::make(context.newUrl);
     if (!replacement) {
         return;

@@ -13,8 +13,6 @@ namespace Vantrope {
 
 namespace {
 
-constexpr int listRowHeight = 44;
-
 void paintPicture(QPainter& painter, const QVariant& picture, const QRect& area, double ratio)
 {
     if (picture.canConvert<QIcon>() && picture.userType() == QMetaType::QIcon) {

@@ -15,6 +15,7 @@ public:
 
     static constexpr int listPicture = 32;
     static constexpr int gridPicture = 64;
+    static constexpr int listRowHeight = 44;
     static constexpr QSize gridCell{108, 104};
 
     explicit DragSessionOutlineItemDelegate(QObject* parent = nullptr);

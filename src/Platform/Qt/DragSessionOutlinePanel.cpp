@@ -21,6 +21,7 @@
 #include <QMenu>
 #include <QPainter>
 #include <QScreen>
+#include <QScrollBar>
 #include <QTimer>
 #include <QToolButton>
 #include <QVBoxLayout>
@@ -141,13 +142,18 @@ void DragSessionOutlinePanel::popUp(const QRect& control)
     }
     const QRect available = screen->availableGeometry();
     QSize size = preferredSize;
-    if (parentWidget()) {
-        size.setWidth(std::max(size.width(), parentWidget()->window()->width()));
+    const QWidget* shelf = parentWidget() ? parentWidget()->window() : nullptr;
+    if (shelf) {
+        size.setWidth(std::max(size.width(), shelf->width()));
     }
-    QPoint origin(control.center().x() - size.width() / 2, control.bottom() + 1 + gapBelowControl);
+    size.setHeight(std::min(size.height(), contentHeight(size.width())));
+    // Under the shelf, centred on it; its top 4 pixels under the control.
+    const int centre = shelf ? shelf->frameGeometry().center().x() : control.center().x();
+    QPoint origin(centre - size.width() / 2, control.bottom() + 1 + gapBelowControl);
     // Kept on the screen: a shelf near the bottom gets a shorter list, never one off the edge.
-    size.setHeight(std::max(160, std::min(size.height(), available.bottom() - origin.y())));
-    origin.setX(std::clamp(origin.x(), available.left(), std::max(available.left(), available.right() - size.width())));
+    size.setHeight(std::max(minimumHeight, std::min(size.height(), available.bottom() - origin.y())));
+    origin.setX(std::clamp(origin.x(), available.left(),
+                           std::max(available.left(), available.right() - size.width())));
     origin.setY(std::min(origin.y(), available.bottom() - size.height()));
     setGeometry(QRect(origin, size));
     show();
@@ -157,6 +163,22 @@ void DragSessionOutlinePanel::popUp(const QRect& control)
     if (!m_list->currentIndex().isValid() && m_model->rowCount() > 0) {
         m_list->selectionModel()->setCurrentIndex(m_model->index(0), QItemSelectionModel::NoUpdate);
     }
+}
+
+int DragSessionOutlinePanel::contentHeight(int width) const
+{
+    // The header, the margins and the rows or tiles, so that a short list gets a short panel.
+    const int chrome = 6 + m_modeButton->sizeHint().height() + 4 + 8 + 4;
+    const int items = m_model->rowCount();
+    int content = 0;
+    if (m_mode == DisplayMode::grid) {
+        const int usable = width - 16 - m_list->verticalScrollBar()->sizeHint().width();
+        const int columns = std::max(1, usable / DragSessionOutlineItemDelegate::gridCell.width());
+        content = (items + columns - 1) / columns * DragSessionOutlineItemDelegate::gridCell.height();
+    } else {
+        content = items * DragSessionOutlineItemDelegate::listRowHeight;
+    }
+    return std::max(minimumHeight, chrome + content + 4);
 }
 
 void DragSessionOutlinePanel::setDisplayMode(DisplayMode mode)

@@ -31,6 +31,7 @@ public:
 
     static constexpr int gapBelowControl = 4;
     static constexpr QSize preferredSize{380, 420};
+    static constexpr int minimumHeight = 120;
 
     DragSessionOutlinePanel(DragSessionContentOutlineCoordinator& outline, Preferences& preferences,
                             QWidget* shelf);
@@ -64,6 +65,8 @@ protected:
 private:
     // True when the key was one of the list's own.
     bool handleKey(QKeyEvent* event);
+    // The height that shows every item at `width`, header included.
+    int contentHeight(int width) const;
     void syncSelection();
     void updateHeader();
     void dragSelection();

@@ -13,6 +13,7 @@
 #include "support/PointerScript.h"
 #include "support/TestSupport.h"
 
+#include <QApplication>
 #include <QBuffer>
 #include <QDir>
 #include <QFile>
@@ -276,6 +277,23 @@ private Q_SLOTS:
         QTRY_VERIFY(!shelf->isOutlineOpen());
         panel = &openList(*shelf);
         QCOMPARE(panel->displayMode(), DragSessionOutlinePanel::DisplayMode::grid);
+
+        // A dark desktop gives a dark list.
+        const QPalette light = QApplication::palette();
+        QPalette dark;
+        dark.setColor(QPalette::Window, QColor(45, 45, 48));
+        dark.setColor(QPalette::WindowText, QColor(235, 235, 235));
+        dark.setColor(QPalette::Base, QColor(30, 30, 32));
+        dark.setColor(QPalette::Text, QColor(235, 235, 235));
+        dark.setColor(QPalette::Button, QColor(55, 55, 58));
+        dark.setColor(QPalette::ButtonText, QColor(235, 235, 235));
+        dark.setColor(QPalette::Highlight, QColor(53, 132, 228));
+        dark.setColor(QPalette::HighlightedText, Qt::white);
+        QApplication::setPalette(dark);
+        QTest::qWait(100);
+        QVERIFY(panel->palette().color(QPalette::Window).lightness() < 128);
+        saveScreenshot(*shelf, QStringLiteral("/tmp/itemlist-grid-dark.png"));
+        QApplication::setPalette(light);
     }
 
 private:
