@@ -106,7 +106,7 @@ int main(int argc, char* argv[])
     for (int index = 0; index < fileCount; ++index) {
         const bool isPicture = index % 10 == 0;
         const QString path =
-            shelves.folder.filePath(QStringLiteral("item %1.%2").arg(index).arg(isPicture ? "png" : "txt"));
+            shelves.folder.filePath(QStringLiteral("item %1.%2").arg(index).arg(isPicture ? QStringLiteral("png") : QStringLiteral("txt")));
         if (isPicture) {
             picture.save(path);
         } else {
