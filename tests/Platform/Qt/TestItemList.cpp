@@ -18,7 +18,9 @@
 #include <QDir>
 #include <QFile>
 #include <QIcon>
+#include <QFileInfo>
 #include <QImage>
+#include <QMenu>
 #include <QToolButton>
 
 using namespace Vantrope;
@@ -93,6 +95,46 @@ private Q_SLOTS:
             shelfView(*shelf).mapToGlobal(shelfView(*shelf).countRect().center().toPoint());
         QVERIFY(runXdotool(PointerScript().moveTo(count).press().release().arguments()));
         QTRY_VERIFY(shelfView(*shelf).outlinePanel() && shelfView(*shelf).outlinePanel()->isVisible());
+    }
+
+    // A right click on an item that is not selected selects it alone; the menu offers the shelf's item
+    // actions for it, and the one chosen acts on it alone.
+    void contextMenu()
+    {
+        auto shelf = shelfWith({QStringLiteral("a.txt"), QStringLiteral("b.txt"), QStringLiteral("c.txt")});
+        DragSessionOutlinePanel& panel = openList(*shelf);
+        QVERIFY(runXdotool(PointerScript().moveTo(rowCentre(panel, 0)).press().release().arguments()));
+        QVERIFY(runXdotool({QStringLiteral("mousemove"), QString::number(rowCentre(panel, 2).x()),
+                            QString::number(rowCentre(panel, 2).y()), QStringLiteral("click"),
+                            QStringLiteral("3")}));
+        QTRY_VERIFY(panel.actionsMenu() && panel.actionsMenu()->isVisible());
+        QCOMPARE(names(shelf->outlineCoordinator()->selection()), QStringList{QStringLiteral("c.txt")});
+        QStringList titles;
+        QAction* remove = nullptr;
+        for (QAction* action : panel.actionsMenu()->actions()) {
+            titles.append(action->text());
+            if (action->text() == QLatin1String("Remove from Shelf")) {
+                remove = action;
+            }
+        }
+        for (const char* title : {"Rename", "Remove from Shelf", "Move to New Shelf", "Copy to New Shelf"}) {
+            QVERIFY2(std::any_of(titles.cbegin(), titles.cend(),
+                                 [title](const QString& row) { return row.startsWith(QLatin1String(title)); }),
+                     qPrintable(titles.join(QStringLiteral(", "))));
+        }
+        QVERIFY(remove);
+        QMenu& menu = *panel.actionsMenu();
+        const QPoint row = menu.mapToGlobal(menu.actionGeometry(remove).center());
+        QVERIFY(runXdotool(PointerScript().moveTo(row).pause(100ms).press().release().arguments()));
+        QTRY_COMPARE(names(shelf->itemsController().items()),
+                     (QStringList{QStringLiteral("a.txt"), QStringLiteral("b.txt")}));
+        QVERIFY(QFileInfo::exists(m_shelves->file(QStringLiteral("c.txt"))));
+        QVERIFY(shelf->isOutlineOpen());
+
+        // A click outside the list closes it.
+        QVERIFY(runXdotool(PointerScript().moveTo(QPoint(1200, 900)).press().release().arguments()));
+        QTRY_VERIFY(!shelf->isOutlineOpen());
+        QVERIFY(!shelf->hasStopped());
     }
 
     void dragTwoOfFive_data()
