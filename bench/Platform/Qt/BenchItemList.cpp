@@ -95,7 +95,8 @@ void closeList(DragSessionCoordinator& shelf)
 
 int main(int argc, char* argv[])
 {
-    if (const std::optional<int> code = Bench::runOnOwnDisplay(argv, {"Xvfb", "openbox", "dbus-run-session"})) {
+    if (const std::optional<int> code =
+            Bench::runOnOwnDisplay(argv, {"Xvfb", "openbox", "dbus-run-session"})) {
         return *code;
     }
     QApplication app(argc, argv);
@@ -106,7 +107,9 @@ int main(int argc, char* argv[])
     for (int index = 0; index < fileCount; ++index) {
         const bool isPicture = index % 10 == 0;
         const QString path =
-            shelves.folder.filePath(QStringLiteral("item %1.%2").arg(index).arg(isPicture ? QStringLiteral("png") : QStringLiteral("txt")));
+            shelves.folder.filePath(QStringLiteral("item %1.%2")
+                                        .arg(index)
+                                        .arg(isPicture ? QStringLiteral("png") : QStringLiteral("txt")));
         if (isPicture) {
             picture.save(path);
         } else {

@@ -111,7 +111,8 @@ void DragSessionContentOutlineCoordinator::dropItems(const DraggableList& items)
     }
 }
 
-void DragSessionContentOutlineCoordinator::replaceItem(const DraggablePtr& item, const DraggablePtr& replacement)
+void DragSessionContentOutlineCoordinator::replaceItem(const DraggablePtr& item,
+                                                       const DraggablePtr& replacement)
 {
     const qsizetype index = m_items.indexOf(item);
     if (index < 0 || !replacement) {
@@ -165,23 +166,23 @@ void DragSessionContentOutlineCoordinator::renameItem(const DraggablePtr& item,
         return;
     }
     const QString path = file->url()->toLocalFile();
-    m_view->editName(item, QFileInfo(path).fileName(),
-                     [self = QPointer(this), item, path, completion](const std::optional<QString>& name) {
-                         if (!self || !name) {
-                             completion(std::unexpected(ActionError(ActionError::Kind::canceled)));
-                             return;
-                         }
-                         const auto renamed = RenameAction::renameFile(path, *name);
-                         if (!renamed) {
-                             Q_EMIT self->failed(renamed.error().description);
-                             completion(std::unexpected(ActionError::underlying(renamed.error().description)));
-                             return;
-                         }
-                         const DraggablePtr replacement =
-                             self->m_delegate.outlineDidRenameItem(*self, item, *renamed);
-                         self->replaceItem(item, replacement);
-                         completion(ActionResultContext{});
-                     });
+    m_view->editName(
+        item, QFileInfo(path).fileName(),
+        [self = QPointer(this), item, path, completion](const std::optional<QString>& name) {
+            if (!self || !name) {
+                completion(std::unexpected(ActionError(ActionError::Kind::canceled)));
+                return;
+            }
+            const auto renamed = RenameAction::renameFile(path, *name);
+            if (!renamed) {
+                Q_EMIT self->failed(renamed.error().description);
+                completion(std::unexpected(ActionError::underlying(renamed.error().description)));
+                return;
+            }
+            const DraggablePtr replacement = self->m_delegate.outlineDidRenameItem(*self, item, *renamed);
+            self->replaceItem(item, replacement);
+            completion(ActionResultContext{});
+        });
 }
 
 void DragSessionContentOutlineCoordinator::didDragSelection(const DraggableList& dragged, bool moved)
@@ -219,13 +220,14 @@ ActionsController* DragSessionContentOutlineCoordinator::controllerForSelection(
     }
     const QPointer self(this);
     ActionList actions = m_delegate.outlineActions(*this, m_selection);
-    actions.append(std::make_shared<RenameAction>([self](const ActionItem&, const Action::Completion& completion) {
-        if (self && self->m_controllerItems.size() == 1) {
-            self->renameItem(self->m_controllerItems.first(), completion);
-        } else {
-            completion(std::unexpected(ActionError(ActionError::Kind::canceled)));
-        }
-    }));
+    actions.append(
+        std::make_shared<RenameAction>([self](const ActionItem&, const Action::Completion& completion) {
+            if (self && self->m_controllerItems.size() == 1) {
+                self->renameItem(self->m_controllerItems.first(), completion);
+            } else {
+                completion(std::unexpected(ActionError(ActionError::Kind::canceled)));
+            }
+        }));
     actions.append(std::make_shared<RemoveAction>([self](const ActionItemList&) {
         if (self) {
             self->removeItems(self->m_controllerItems);
@@ -233,7 +235,7 @@ ActionsController* DragSessionContentOutlineCoordinator::controllerForSelection(
     }));
     m_controllerItems = m_selection;
     m_actionsController = std::make_unique<ActionsController>(m_selection, actions, m_preferences,
-                                                             m_delegate.outlineActionServices(*this));
+                                                              m_delegate.outlineActionServices(*this));
     m_actionsController->setDelegate(this);
     return m_actionsController.get();
 }
@@ -244,27 +246,30 @@ void DragSessionContentOutlineCoordinator::performOnSelection(const QString& ide
     if (!controller) {
         return;
     }
-    controller->requestMenu({}, [self = QPointer(this), identifier](const ActionsController::MenuResult& menu) {
-        if (!self || !self->m_actionsController) {
-            return;
-        }
-        ActionsController& controller = *self->m_actionsController;
-        controller.menuDidClose();
-        if (!menu) {
-            Q_EMIT self->failed(menu.error().description());
-            return;
-        }
-        const ActionList& actions = controller.actions();
-        const auto found = std::find_if(actions.cbegin(), actions.cend(), [&identifier](const ActionPtr& action) {
-            return action && action->identifier() == identifier;
+    controller->requestMenu(
+        {}, [self = QPointer(this), identifier](const ActionsController::MenuResult& menu) {
+            if (!self || !self->m_actionsController) {
+                return;
+            }
+            ActionsController& controller = *self->m_actionsController;
+            controller.menuDidClose();
+            if (!menu) {
+                Q_EMIT self->failed(menu.error().description());
+                return;
+            }
+            const ActionList& actions = controller.actions();
+            const auto found =
+                std::find_if(actions.cbegin(), actions.cend(), [&identifier](const ActionPtr& action) {
+                    return action && action->identifier() == identifier;
+                });
+            const ActionItemList items = controller.actionItems().value_or(ActionItemList());
+            if (found == actions.cend() || !(*found)->canPerform(items)) {
+                qCInfo(lcDragSession).noquote() << "The list's selection does not offer" << identifier;
+                return;
+            }
+            controller.didSelectItem(
+                ActionMenuEntry::ActionRow{*found, (*found)->title(), (*found)->iconName(), true});
         });
-        const ActionItemList items = controller.actionItems().value_or(ActionItemList());
-        if (found == actions.cend() || !(*found)->canPerform(items)) {
-            qCInfo(lcDragSession).noquote() << "The list's selection does not offer" << identifier;
-            return;
-        }
-        controller.didSelectItem(ActionMenuEntry::ActionRow{*found, (*found)->title(), (*found)->iconName(), true});
-    });
 }
 
 void DragSessionContentOutlineCoordinator::requestActionsMenu()
@@ -312,6 +317,7 @@ void DragSessionContentOutlineCoordinator::didFinishPerformingAction(const Actio
     if (!result && result.error().kind() != ActionError::Kind::canceled) {
         Q_EMIT failed(result.error().description());
     }
+    Q_EMIT actionFinished();
 }
 
 void DragSessionContentOutlineCoordinator::close()
@@ -320,7 +326,8 @@ void DragSessionContentOutlineCoordinator::close()
         return;
     }
     m_closed = true;
-    if (m_actionsController) {
+    // What the list started goes on: a preview must not vanish because showing it closed the list.
+    if (m_actionsController && !isPerforming()) {
         m_actionsController->setDelegate(nullptr);
         m_actionsController->cancel();
     }

@@ -34,7 +34,8 @@ public:
     virtual ActionList outlineActions(DragSessionContentOutlineCoordinator& outline,
                                       const DraggableList& items) = 0;
     // What the list's actions need from the program (the archiver of the compress action).
-    virtual ActionsController::Services outlineActionServices(DragSessionContentOutlineCoordinator& outline) = 0;
+    virtual ActionsController::Services
+    outlineActionServices(DragSessionContentOutlineCoordinator& outline) = 0;
     virtual void outlineDidClose(DragSessionContentOutlineCoordinator& outline) = 0;
 };
 
@@ -84,6 +85,8 @@ public:
     bool isClosed() const { return m_closed; }
 
     ActionsController* actionsController() const { return m_actionsController.get(); }
+    // An action chosen in the list runs; it goes on when the list closes (a preview stays open).
+    bool isPerforming() const { return m_actionsController && m_actionsController->performingAction(); }
 
     // ActionsControllerDelegate
     void didStartPreparingAction(const ActionPtr&, ActionsController&) override {}
@@ -104,6 +107,8 @@ Q_SIGNALS:
     void selectionChanged();
     // An action on the selection could not be done; the text says why.
     void failed(const QString& text);
+    // An action chosen in the list has ended, done or not.
+    void actionFinished();
 
 private:
     void removeItems(const DraggableList& items);

@@ -1269,7 +1269,8 @@ void DragSessionCoordinator::outlineDidDragItems(DragSessionContentOutlineCoordi
         }
     }
     saveSession();
-    m_preferences.setValue(PreferenceKeys::numberOfDrops, m_preferences.value(PreferenceKeys::numberOfDrops) + 1);
+    m_preferences.setValue(PreferenceKeys::numberOfDrops,
+                           m_preferences.value(PreferenceKeys::numberOfDrops) + 1);
 }
 
 ActionList DragSessionCoordinator::outlineActions(DragSessionContentOutlineCoordinator&,
@@ -1299,7 +1300,8 @@ ActionList DragSessionCoordinator::outlineActions(DragSessionContentOutlineCoord
     return actions;
 }
 
-ActionsController::Services DragSessionCoordinator::outlineActionServices(DragSessionContentOutlineCoordinator&)
+ActionsController::Services
+DragSessionCoordinator::outlineActionServices(DragSessionContentOutlineCoordinator&)
 {
     ActionsController::Services services;
     if (m_desktopActions) {
@@ -1313,9 +1315,15 @@ void DragSessionCoordinator::outlineDidClose(DragSessionContentOutlineCoordinato
     if (m_outlineCoordinator.get() != &outline) {
         return;
     }
-    // Often called from inside the list's own handlers: it goes once they have returned.
-    DispatchQueue::main().async(
-        [closed = std::shared_ptr<DragSessionContentOutlineCoordinator>(std::move(m_outlineCoordinator))] {});
+    // Often called from inside the list's own handlers: it goes once they have returned, or once the
+    // action it started has ended. It goes with the shelf at the latest.
+    DragSessionContentOutlineCoordinator* closed = m_outlineCoordinator.release();
+    closed->setParent(this);
+    if (closed->isPerforming()) {
+        connect(closed, &DragSessionContentOutlineCoordinator::actionFinished, closed, &QObject::deleteLater);
+    } else {
+        closed->deleteLater();
+    }
     m_view->updateHoverState(m_window->containsMouse());
 }
 

@@ -69,8 +69,8 @@ void DragSessionButton::paintEvent(QPaintEvent*)
     if (m_glyph == Glyph::disclosure) {
         // A chevron: down opens the item list, up while it is open.
         const double tip = isChecked() ? -r * 0.55 : r * 0.55;
-        painter.drawPolyline(QPolygonF(
-            {centre + QPointF(-r, -tip), centre + QPointF(0, tip), centre + QPointF(r, -tip)}));
+        painter.drawPolyline(
+            QPolygonF({centre + QPointF(-r, -tip), centre + QPointF(0, tip), centre + QPointF(r, -tip)}));
         return;
     }
     // An arrow turning back on itself: bring back the last shelf.

@@ -13,9 +13,9 @@ namespace Vantrope {
 
 namespace {
 
-void paintPicture(QPainter& painter, const QVariant& picture, const QRect& area, double ratio)
+void paintPicture(QPainter& painter, const QVariant& picture, const QRect& area)
 {
-    if (picture.canConvert<QIcon>() && picture.userType() == QMetaType::QIcon) {
+    if (picture.userType() == QMetaType::QIcon) {
         picture.value<QIcon>().paint(&painter, area, Qt::AlignCenter);
         return;
     }
@@ -27,7 +27,6 @@ void paintPicture(QPainter& painter, const QVariant& picture, const QRect& area,
     shown.scale(QSizeF(area.size()).boundedTo(shown), Qt::KeepAspectRatio);
     QRectF target(QPointF(), shown);
     target.moveCenter(QRectF(area).center());
-    Q_UNUSED(ratio);
     painter.drawPixmap(target, pixmap, QRectF(pixmap.rect()));
 }
 
@@ -76,13 +75,12 @@ void DragSessionOutlineItemDelegate::paint(QPainter* painter, const QStyleOption
     faint.setAlpha(150);
     const QString name = index.data(Qt::DisplayRole).toString().simplified();
     const QVariant picture = index.data(Qt::DecorationRole);
-    const double ratio = painter->device() ? painter->device()->devicePixelRatioF() : 1.0;
     QFont font = option.font;
 
     if (m_mode == Mode::grid) {
         const QRect pictureArea(cell.left() + (cell.width() - gridPicture) / 2, cell.top() + 4, gridPicture,
                                 gridPicture);
-        paintPicture(*painter, picture, pictureArea, ratio);
+        paintPicture(*painter, picture, pictureArea);
         painter->setFont(font);
         painter->setPen(ink);
         const QRect text(cell.left() + 4, pictureArea.bottom() + 4, cell.width() - 8,
@@ -95,7 +93,7 @@ void DragSessionOutlineItemDelegate::paint(QPainter* painter, const QStyleOption
 
     const QRect pictureArea(cell.left() + 6, cell.top() + (cell.height() - listPicture) / 2, listPicture,
                             listPicture);
-    paintPicture(*painter, picture, pictureArea, ratio);
+    paintPicture(*painter, picture, pictureArea);
     const int textLeft = pictureArea.right() + 10;
     const int textWidth = cell.right() - 8 - textLeft;
     const QString size = index.data(DragSessionOutlineModel::SizeRole).toString();

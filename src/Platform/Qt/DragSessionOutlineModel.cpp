@@ -45,8 +45,8 @@ QImage decodeThumbnail(const QString& path, int edge)
 
 } // namespace
 
-DragSessionOutlineModel::DragSessionOutlineModel(DragSessionContentOutlineCoordinator& outline, int pictureSize,
-                                                 double devicePixelRatio, QObject* parent)
+DragSessionOutlineModel::DragSessionOutlineModel(DragSessionContentOutlineCoordinator& outline,
+                                                 int pictureSize, double devicePixelRatio, QObject* parent)
     : QAbstractListModel(parent)
     , m_outline(outline)
     , m_pictureSize(pictureSize)
@@ -189,13 +189,15 @@ QIcon DragSessionOutlineModel::typeIcon(const DraggablePtr& item) const
 {
     const std::optional<QString> path = localPath(*item);
     const QFileInfo info(path.value_or(QString()));
-    const QMimeType type = info.isDir() ? QMimeDatabase().mimeTypeForName(QStringLiteral("inode/directory"))
-                                        : QMimeDatabase().mimeTypeForFile(info, QMimeDatabase::MatchExtension);
+    const QMimeType type = info.isDir()
+                               ? QMimeDatabase().mimeTypeForName(QStringLiteral("inode/directory"))
+                               : QMimeDatabase().mimeTypeForFile(info, QMimeDatabase::MatchExtension);
     auto icon = m_icons.find(type.name());
     if (icon == m_icons.end()) {
         QIcon found = QIcon::fromTheme(type.iconName());
         if (found.isNull()) {
-            found = QIcon::fromTheme(type.genericIconName(), QIcon::fromTheme(QStringLiteral("text-x-generic")));
+            found =
+                QIcon::fromTheme(type.genericIconName(), QIcon::fromTheme(QStringLiteral("text-x-generic")));
         }
         icon = m_icons.insert(type.name(), found);
     }
@@ -234,8 +236,9 @@ void DragSessionOutlineModel::finishThumbnail(const Draggable* item, const QImag
 {
     m_pending.remove(item);
     const auto& items = m_outline.items();
-    const auto found = std::find_if(items.cbegin(), items.cend(),
-                                    [item](const DraggablePtr& candidate) { return candidate.get() == item; });
+    const auto found = std::find_if(items.cbegin(), items.cend(), [item](const DraggablePtr& candidate) {
+        return candidate.get() == item;
+    });
     // An item that left the list meanwhile keeps nothing here.
     if (found != items.cend()) {
         if (image.isNull()) {

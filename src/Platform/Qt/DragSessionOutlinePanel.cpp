@@ -2,8 +2,8 @@
 // SPDX-FileCopyrightText: 2026 The Vantrope developers
 #include "DragSessionOutlinePanel.h"
 
-#include "Domains/DragSession/DragSessionContentOutlineCoordinator.h"
 #include "Domains/Actions/ActionIdentifiers.h"
+#include "Domains/DragSession/DragSessionContentOutlineCoordinator.h"
 #include "DragSessionInlineEditor.h"
 #include "DragSessionOutlineListView.h"
 #include "DragSessionOutlineModel.h"
@@ -86,7 +86,8 @@ DragSessionOutlinePanel::DragSessionOutlinePanel(DragSessionContentOutlineCoordi
 
     connect(m_list->selectionModel(), &QItemSelectionModel::selectionChanged, this,
             &DragSessionOutlinePanel::syncSelection);
-    connect(m_list, &DragSessionOutlineListView::dragRequested, this, &DragSessionOutlinePanel::dragSelection);
+    connect(m_list, &DragSessionOutlineListView::dragRequested, this,
+            &DragSessionOutlinePanel::dragSelection);
     connect(m_list, &QWidget::customContextMenuRequested, this, [this](const QPoint& position) {
         const QModelIndex at = m_list->indexAt(position);
         if (!at.isValid()) {
@@ -104,7 +105,8 @@ DragSessionOutlinePanel::DragSessionOutlinePanel(DragSessionContentOutlineCoordi
             &DragSessionOutlinePanel::updateHeader);
     connect(&outline, &DragSessionContentOutlineCoordinator::itemRemoved, this,
             &DragSessionOutlinePanel::updateHeader);
-    connect(&outline, &DragSessionContentOutlineCoordinator::failed, this, &DragSessionOutlinePanel::showFailure);
+    connect(&outline, &DragSessionContentOutlineCoordinator::failed, this,
+            &DragSessionOutlinePanel::showFailure);
 
     const int stored = m_preferences.value(PreferenceKeys::lastOutlineDisplayMode);
     const DisplayMode mode = stored == int(DisplayMode::grid) ? DisplayMode::grid : DisplayMode::list;
@@ -188,7 +190,8 @@ void DragSessionOutlinePanel::setDisplayMode(DisplayMode mode)
     }
     m_mode = mode;
     const bool grid = mode == DisplayMode::grid;
-    m_delegate->setMode(grid ? DragSessionOutlineItemDelegate::Mode::grid : DragSessionOutlineItemDelegate::Mode::list);
+    m_delegate->setMode(grid ? DragSessionOutlineItemDelegate::Mode::grid
+                             : DragSessionOutlineItemDelegate::Mode::list);
     if (grid) {
         m_list->setViewMode(QListView::IconMode);
         m_list->setGridSize(DragSessionOutlineItemDelegate::gridCell);
@@ -207,7 +210,8 @@ void DragSessionOutlinePanel::setDisplayMode(DisplayMode mode)
         const QSignalBlocker blocker(m_modeButton);
         m_modeButton->setChecked(grid);
     }
-    const QIcon icon = QIcon::fromTheme(grid ? QStringLiteral("view-list-details") : QStringLiteral("view-grid"));
+    const QIcon icon =
+        QIcon::fromTheme(grid ? QStringLiteral("view-list-details") : QStringLiteral("view-grid"));
     m_modeButton->setIcon(icon);
     m_modeButton->setText(icon.isNull() ? (grid ? QStringLiteral("☰") : QStringLiteral("▦")) : QString());
     m_modeButton->setToolTip(grid ? Localized("shelf.item-list.list.tooltip", "Show as List")
@@ -225,7 +229,8 @@ void DragSessionOutlinePanel::syncSelection()
 {
     DraggableList selection;
     QModelIndexList rows = m_list->selectionModel()->selectedIndexes();
-    std::sort(rows.begin(), rows.end(), [](const QModelIndex& a, const QModelIndex& b) { return a.row() < b.row(); });
+    std::sort(rows.begin(), rows.end(),
+              [](const QModelIndex& a, const QModelIndex& b) { return a.row() < b.row(); });
     for (const QModelIndex& row : rows) {
         if (const DraggablePtr item = m_model->item(row)) {
             selection.append(item);
@@ -255,19 +260,20 @@ void DragSessionOutlinePanel::dragSelection()
     }
     m_dragging = true;
     const QPointer<DragSessionOutlinePanel> self(this);
-    const std::optional<Qt::DropAction> action = OutboundDrag::exec(
-        m_list, dragged, pixmap, m_preferences.value(PreferenceKeys::copiesContentOnDrag), this,
-        [self, dragged](bool moved) {
-            if (self) {
-                self->m_outline.didDragSelection(dragged, moved);
-            }
-        });
+    const std::optional<Qt::DropAction> action =
+        OutboundDrag::exec(m_list, dragged, pixmap, m_preferences.value(PreferenceKeys::copiesContentOnDrag),
+                           this, [self, dragged](bool moved) {
+                               if (self) {
+                                   self->m_outline.didDragSelection(dragged, moved);
+                               }
+                           });
     if (!self) {
         return;
     }
     m_dragging = false;
     if (!action) {
-        showFailure(Localized("shelf.item-list.drag-not-ready", "These items are not ready to be dragged yet."));
+        showFailure(
+            Localized("shelf.item-list.drag-not-ready", "These items are not ready to be dragged yet."));
     }
 }
 
@@ -363,7 +369,8 @@ void DragSessionOutlinePanel::editName(const DraggablePtr& item, const QString& 
         m_list->viewport());
     m_editor = editor;
     const int height = editor->sizeHint().height();
-    editor->setGeometry(area.left() + 2, area.center().y() - height / 2, std::max(160, area.width() - 4), height);
+    editor->setGeometry(area.left() + 2, area.center().y() - height / 2, std::max(160, area.width() - 4),
+                        height);
     editor->show();
     editor->setFocus(Qt::OtherFocusReason);
     // The name without its extension is what is usually changed.

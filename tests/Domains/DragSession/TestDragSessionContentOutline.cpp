@@ -104,8 +104,9 @@ private Q_SLOTS:
     {
         QTest::addColumn<QList<int>>("removed");
         QTest::addColumn<QStringList>("left");
-        QTest::newRow("two of five")
-            << QList<int>{1, 3} << QStringList{QStringLiteral("0.txt"), QStringLiteral("2.txt"), QStringLiteral("4.txt")};
+        QTest::newRow("two of five") << QList<int>{1, 3}
+                                     << QStringList{QStringLiteral("0.txt"), QStringLiteral("2.txt"),
+                                                    QStringLiteral("4.txt")};
         QTest::newRow("the last one") << QList<int>{4}
                                       << QStringList{QStringLiteral("0.txt"), QStringLiteral("1.txt"),
                                                      QStringLiteral("2.txt"), QStringLiteral("3.txt")};
@@ -207,7 +208,8 @@ private Q_SLOTS:
 
         QCOMPARE(panel.offered, QStringLiteral("0.txt"));
         QCOMPARE(QFileInfo::exists(original), !renamed);
-        QCOMPARE(Test::readFile(m_shelves->dir.filePath(QStringLiteral("1.txt"))), QByteArray("bytes of 1.txt"));
+        QCOMPARE(Test::readFile(m_shelves->dir.filePath(QStringLiteral("1.txt"))),
+                 QByteArray("bytes of 1.txt"));
         const QString expected = renamed ? answer : QStringLiteral("0.txt");
         QCOMPARE(outline.items().first()->url()->fileName(), expected);
         QCOMPARE(fileNames(shelf->itemsController().items()).count(expected), 1);

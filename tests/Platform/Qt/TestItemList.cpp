@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // SPDX-FileCopyrightText: 2026 The Vantrope developers
 #include "Domains/DragSession/DragSessionContentOutlineCoordinator.h"
+#include "Platform/Desktop/LinuxDesktopActions.h"
+#include "Platform/Desktop/PreviewWindow.h"
 #include "Platform/Linux/InotifyFileWatcher.h"
 #include "Platform/Qt/DragSessionButton.h"
 #include "Platform/Qt/DragSessionInlineEditor.h"
@@ -17,8 +19,8 @@
 #include <QBuffer>
 #include <QDir>
 #include <QFile>
-#include <QIcon>
 #include <QFileInfo>
+#include <QIcon>
 #include <QImage>
 #include <QMenu>
 #include <QToolButton>
@@ -40,8 +42,8 @@ QStringList names(const DraggableList& items)
 
 QStringList fiveNames()
 {
-    return {QStringLiteral("a.txt"), QStringLiteral("b.txt"), QStringLiteral("c.txt"), QStringLiteral("d.txt"),
-            QStringLiteral("e.txt")};
+    return {QStringLiteral("a.txt"), QStringLiteral("b.txt"), QStringLiteral("c.txt"),
+            QStringLiteral("d.txt"), QStringLiteral("e.txt")};
 }
 
 } // namespace
@@ -61,8 +63,9 @@ private Q_SLOTS:
 
     void init()
     {
-        m_shelves = std::make_unique<ShelfFixture>(ShelfFixture::Platform{
-            Clock::system(), InotifyFileWatcher::shared(), m_screens, m_clipboard, makeQtShelves});
+        m_shelves = std::make_unique<ShelfFixture>(
+            ShelfFixture::Platform{Clock::system(), InotifyFileWatcher::shared(), m_screens, m_clipboard,
+                                   makeQtShelves, true, &m_desktop});
     }
 
     void cleanup()
@@ -91,8 +94,7 @@ private Q_SLOTS:
         QTRY_VERIFY(!shelfView(*shelf).outlinePanel());
         QVERIFY(!control.isChecked());
         // The item count opens it too.
-        const QPoint count =
-            shelfView(*shelf).mapToGlobal(shelfView(*shelf).countRect().center().toPoint());
+        const QPoint count = shelfView(*shelf).mapToGlobal(shelfView(*shelf).countRect().center().toPoint());
         QVERIFY(runXdotool(PointerScript().moveTo(count).press().release().arguments()));
         QTRY_VERIFY(shelfView(*shelf).outlinePanel() && shelfView(*shelf).outlinePanel()->isVisible());
     }
@@ -118,9 +120,10 @@ private Q_SLOTS:
             }
         }
         for (const char* title : {"Rename", "Remove from Shelf", "Move to New Shelf", "Copy to New Shelf"}) {
-            QVERIFY2(std::any_of(titles.cbegin(), titles.cend(),
-                                 [title](const QString& row) { return row.startsWith(QLatin1String(title)); }),
-                     qPrintable(titles.join(QStringLiteral(", "))));
+            QVERIFY2(
+                std::any_of(titles.cbegin(), titles.cend(),
+                            [title](const QString& row) { return row.startsWith(QLatin1String(title)); }),
+                qPrintable(titles.join(QStringLiteral(", "))));
         }
         QVERIFY(remove);
         QMenu& menu = *panel.actionsMenu();
@@ -135,6 +138,39 @@ private Q_SLOTS:
         QVERIFY(runXdotool(PointerScript().moveTo(QPoint(1200, 900)).press().release().arguments()));
         QTRY_VERIFY(!shelf->isOutlineOpen());
         QVERIFY(!shelf->hasStopped());
+    }
+
+    // Space previews the selection in the program's own preview window: the selected items, no others.
+    void spacePreviews()
+    {
+        auto shelf = shelfWith({QStringLiteral("a.txt"), QStringLiteral("b.txt"), QStringLiteral("c.txt")});
+        DragSessionOutlinePanel& panel = openList(*shelf);
+        QVERIFY(runXdotool(PointerScript()
+                               .moveTo(rowCentre(panel, 1))
+                               .press()
+                               .release()
+                               .pause(100ms)
+                               .keyDown(QStringLiteral("shift"))
+                               .moveTo(rowCentre(panel, 2))
+                               .press()
+                               .release()
+                               .keyUp(QStringLiteral("shift"))
+                               .pause(100ms)
+                               .arguments()));
+        QTRY_COMPARE(names(shelf->outlineCoordinator()->selection()),
+                     (QStringList{QStringLiteral("b.txt"), QStringLiteral("c.txt")}));
+        QVERIFY(runXdotool({QStringLiteral("key"), QStringLiteral("space")}));
+        PreviewWindow* preview = nullptr;
+        QTRY_VERIFY((preview = shownPreview()));
+        QCOMPARE(preview->urls(),
+                 (QList<QUrl>{QUrl::fromLocalFile(m_shelves->file(QStringLiteral("b.txt"))),
+                              QUrl::fromLocalFile(m_shelves->file(QStringLiteral("c.txt")))}));
+        QCOMPARE(preview->shownText(), QStringLiteral("bytes of b.txt"));
+        // Whatever becomes of the list, the preview stays until the user closes it.
+        QTest::qWait(500);
+        QVERIFY(preview->isVisible());
+        preview->close();
+        QCOMPARE(shelf->itemsController().items().size(), 3);
     }
 
     void dragTwoOfFive_data()
@@ -157,9 +193,16 @@ private Q_SLOTS:
         const QPoint second = rowCentre(panel, 1);
         const QPoint fourth = rowCentre(panel, 3);
         QVERIFY(runXdotool(PointerScript()
-                               .moveTo(second).press().release().pause(100ms)
-                               .keyDown(QStringLiteral("ctrl")).moveTo(fourth).press().release()
-                               .keyUp(QStringLiteral("ctrl")).pause(100ms)
+                               .moveTo(second)
+                               .press()
+                               .release()
+                               .pause(100ms)
+                               .keyDown(QStringLiteral("ctrl"))
+                               .moveTo(fourth)
+                               .press()
+                               .release()
+                               .keyUp(QStringLiteral("ctrl"))
+                               .pause(100ms)
                                .arguments()));
         QTRY_COMPARE(names(shelf->outlineCoordinator()->selection()),
                      (QStringList{QStringLiteral("b.txt"), QStringLiteral("d.txt")}));
@@ -168,11 +211,12 @@ private Q_SLOTS:
 
         const QByteArray uris = QByteArray::fromPercentEncoding(m_target.typeValue("text/uri-list"));
         QCOMPARE(uris, QUrl::fromLocalFile(m_shelves->file(QStringLiteral("b.txt"))).toEncoded() + "\r\n" +
-                           QUrl::fromLocalFile(m_shelves->file(QStringLiteral("d.txt"))).toEncoded() + "\r\n");
-        const QStringList kept = action == QLatin1String("move")
-                                     ? QStringList{QStringLiteral("a.txt"), QStringLiteral("c.txt"),
-                                                   QStringLiteral("e.txt")}
-                                     : fiveNames();
+                           QUrl::fromLocalFile(m_shelves->file(QStringLiteral("d.txt"))).toEncoded() +
+                           "\r\n");
+        const QStringList kept =
+            action == QLatin1String("move")
+                ? QStringList{QStringLiteral("a.txt"), QStringLiteral("c.txt"), QStringLiteral("e.txt")}
+                : fiveNames();
         QTRY_COMPARE(names(shelf->itemsController().items()), kept);
         QVERIFY(!shelf->hasStopped());
         QCOMPARE(shelfView(*shelf).draggables().size(), kept.size());
@@ -184,10 +228,11 @@ private Q_SLOTS:
         QTest::addColumn<QStringList>("kept");
         QTest::addColumn<QStringList>("onDisk");
         // F2, a new name and Enter: the file is renamed on disk and the shelf holds it by its new name.
-        QTest::newRow("F2 renames")
-            << QStringLiteral("F2")
-            << QStringList{QStringLiteral("a.txt"), QStringLiteral("c.txt"), QStringLiteral("renamed.txt")}
-            << QStringList{QStringLiteral("a.txt"), QStringLiteral("c.txt"), QStringLiteral("renamed.txt")};
+        QTest::newRow("F2 renames") << QStringLiteral("F2")
+                                    << QStringList{QStringLiteral("a.txt"), QStringLiteral("c.txt"),
+                                                   QStringLiteral("renamed.txt")}
+                                    << QStringList{QStringLiteral("a.txt"), QStringLiteral("c.txt"),
+                                                   QStringLiteral("renamed.txt")};
         // Delete takes it off the shelf; the file stays.
         QTest::newRow("Delete removes from the shelf")
             << QStringLiteral("Delete") << QStringList{QStringLiteral("a.txt"), QStringLiteral("c.txt")}
@@ -287,7 +332,8 @@ private Q_SLOTS:
         if (thumbnail) {
             const QPixmap pixmap = picture.value<QPixmap>();
             QCOMPARE(pixmap.width() / pixmap.devicePixelRatio(), 64.0);
-            QCOMPARE(pixmap.toImage().pixelColor(pixmap.width() / 2, pixmap.height() / 2), QColor(Qt::darkCyan));
+            QCOMPARE(pixmap.toImage().pixelColor(pixmap.width() / 2, pixmap.height() / 2),
+                     QColor(Qt::darkCyan));
         } else {
             QCOMPARE(picture.userType(), int(QMetaType::QIcon));
             QVERIFY(!picture.value<QIcon>().isNull());
@@ -372,6 +418,16 @@ private:
         return *view.outlinePanel();
     }
 
+    static PreviewWindow* shownPreview()
+    {
+        for (QWidget* widget : QApplication::topLevelWidgets()) {
+            if (auto* preview = qobject_cast<PreviewWindow*>(widget); preview && preview->isVisible()) {
+                return preview;
+            }
+        }
+        return nullptr;
+    }
+
     static QPoint rowCentre(DragSessionOutlinePanel& panel, int row)
     {
         QListView& list = panel.listView();
@@ -387,6 +443,7 @@ private:
         QVERIFY(screen->grabWindow(0, both.x(), both.y(), both.width(), both.height()).save(path));
     }
 
+    LinuxDesktopActions m_desktop;
     QtScreenEnvironment m_screens;
     QtClipboardSource m_clipboard;
     std::unique_ptr<ShelfFixture> m_shelves;
