@@ -224,36 +224,47 @@ private Q_SLOTS:
 
     void keys_data()
     {
-        QTest::addColumn<QString>("key");
+        QTest::addColumn<int>("clicked");
+        QTest::addColumn<QStringList>("keys");
         QTest::addColumn<QStringList>("kept");
         QTest::addColumn<QStringList>("onDisk");
+        const QString a = QStringLiteral("a.txt");
+        const QString b = QStringLiteral("b.txt");
+        const QString c = QStringLiteral("c.txt");
+        const QString renamed = QStringLiteral("renamed.txt");
         // F2, a new name and Enter: the file is renamed on disk and the shelf holds it by its new name.
-        QTest::newRow("F2 renames") << QStringLiteral("F2")
-                                    << QStringList{QStringLiteral("a.txt"), QStringLiteral("c.txt"),
-                                                   QStringLiteral("renamed.txt")}
-                                    << QStringList{QStringLiteral("a.txt"), QStringLiteral("c.txt"),
-                                                   QStringLiteral("renamed.txt")};
+        QTest::newRow("F2 renames") << 1 << QStringList{QStringLiteral("F2")} << QStringList{a, c, renamed}
+                                    << QStringList{a, c, renamed};
         // Delete takes it off the shelf; the file stays.
         QTest::newRow("Delete removes from the shelf")
-            << QStringLiteral("Delete") << QStringList{QStringLiteral("a.txt"), QStringLiteral("c.txt")}
-            << QStringList{QStringLiteral("a.txt"), QStringLiteral("b.txt"), QStringLiteral("c.txt")};
+            << 1 << QStringList{QStringLiteral("Delete")} << QStringList{a, c} << QStringList{a, b, c};
+        // The arrows move the selection; with Shift they widen it.
+        QTest::newRow("Down, then Delete")
+            << 0 << QStringList{QStringLiteral("Down"), QStringLiteral("Delete")} << QStringList{a, c}
+            << QStringList{a, b, c};
+        QTest::newRow("Shift+Down, then Delete")
+            << 0 << QStringList{QStringLiteral("shift+Down"), QStringLiteral("Delete")} << QStringList{c}
+            << QStringList{a, b, c};
     }
 
     void keys()
     {
-        QFETCH(QString, key);
+        QFETCH(int, clicked);
+        QFETCH(QStringList, keys);
         QFETCH(QStringList, kept);
         QFETCH(QStringList, onDisk);
         auto shelf = shelfWith({QStringLiteral("a.txt"), QStringLiteral("b.txt"), QStringLiteral("c.txt")});
         DragSessionOutlinePanel& panel = openList(*shelf);
-        QVERIFY(runXdotool(PointerScript().moveTo(rowCentre(panel, 1)).press().release().arguments()));
-        QTRY_COMPARE(names(shelf->outlineCoordinator()->selection()), QStringList{QStringLiteral("b.txt")});
-        QVERIFY(runXdotool({QStringLiteral("key"), key}));
-        if (key == QLatin1String("F2")) {
-            QTRY_VERIFY(panel.nameEditor());
-            QVERIFY(runXdotool({QStringLiteral("key"), QStringLiteral("ctrl+a"), QStringLiteral("type"),
-                                QStringLiteral("renamed.txt")}));
-            QVERIFY(runXdotool({QStringLiteral("key"), QStringLiteral("Return")}));
+        QVERIFY(runXdotool(PointerScript().moveTo(rowCentre(panel, clicked)).press().release().arguments()));
+        QTRY_COMPARE(shelf->outlineCoordinator()->selection().size(), 1);
+        for (const QString& key : keys) {
+            QVERIFY(runXdotool({QStringLiteral("key"), key}));
+            if (key == QLatin1String("F2")) {
+                QTRY_VERIFY(panel.nameEditor());
+                QVERIFY(runXdotool({QStringLiteral("key"), QStringLiteral("ctrl+a"), QStringLiteral("type"),
+                                    QStringLiteral("renamed.txt")}));
+                QVERIFY(runXdotool({QStringLiteral("key"), QStringLiteral("Return")}));
+            }
         }
         QTRY_COMPARE(QDir(m_shelves->dir.path()).entryList(QDir::Files, QDir::Name), onDisk);
         auto held = names(shelf->itemsController().items());
