@@ -7,7 +7,6 @@
 #include "Libraries/Core/Localized.h"
 #include "Models/Draggable/DraggableFile.h"
 
-#include <algorithm>
 #include <QCoreApplication>
 #include <QFileInfo>
 #include <QImageReader>
@@ -80,6 +79,7 @@ void DragSessionOutlineModel::forget(const Draggable* item)
     m_thumbnails.remove(item);
     m_rendered.remove(item);
     m_failed.remove(item);
+    m_pending.remove(item);
 }
 
 DragSessionOutlineModel::~DragSessionOutlineModel()
@@ -209,47 +209,51 @@ void DragSessionOutlineModel::startThumbnail(const DraggablePtr& item, const QSt
     if (m_pending.contains(item.get())) {
         return;
     }
-    m_pending.insert(item.get());
+    const quint64 ticket = ++m_lastTicket;
+    m_pending.insert(item.get(), ticket);
     const int edge = qRound(m_pictureSize * m_devicePixelRatio);
-    // Held by the task, so that the address stays this item's until the answer is in.
-    const DraggablePtr held = item;
+    // Weak: the worker never holds the last reference, so an item is never destroyed on its thread.
+    const std::weak_ptr<Draggable> weak = item;
+    const Draggable* key = item.get();
     auto* self = const_cast<DragSessionOutlineModel*>(this);
     QPointer<DragSessionOutlineModel> guard(self);
     const std::shared_ptr<bool> alive = m_alive;
-    QThreadPool::globalInstance()->start([guard, alive, held, path, edge] {
+    QThreadPool::globalInstance()->start([guard, alive, weak, key, ticket, path, edge] {
         if (!*alive) {
             return;
         }
         const QImage image = decodeThumbnail(path, edge);
         QMetaObject::invokeMethod(
             QCoreApplication::instance(),
-            [guard, held, image] {
+            [guard, weak, key, ticket, image] {
                 if (guard) {
-                    guard->finishThumbnail(held.get(), image);
+                    guard->finishThumbnail(weak, key, ticket, image);
                 }
             },
             Qt::QueuedConnection);
     });
 }
 
-void DragSessionOutlineModel::finishThumbnail(const Draggable* item, const QImage& image)
+void DragSessionOutlineModel::finishThumbnail(const std::weak_ptr<Draggable>& weak, const Draggable* key,
+                                              quint64 ticket, const QImage& image)
 {
-    m_pending.remove(item);
-    const auto& items = m_outline.items();
-    const auto found = std::find_if(items.cbegin(), items.cend(), [item](const DraggablePtr& candidate) {
-        return candidate.get() == item;
-    });
-    // An item that left the list meanwhile keeps nothing here.
-    if (found != items.cend()) {
+    // An answer for an item that has left the list (its address perhaps another item's now) is dropped.
+    if (m_pending.value(key) != ticket) {
+        return;
+    }
+    m_pending.remove(key);
+    const DraggablePtr item = weak.lock();
+    const qsizetype row = item ? m_outline.indexOf(item) : -1;
+    if (row >= 0) {
         if (image.isNull()) {
             // Not a picture after all, or a broken one: the file type's icon stays.
-            m_failed.insert(item);
+            m_failed.insert(key);
         } else {
             QPixmap pixmap = QPixmap::fromImage(image);
             pixmap.setDevicePixelRatio(m_devicePixelRatio);
-            m_thumbnails.insert(item, pixmap);
+            m_thumbnails.insert(key, pixmap);
         }
-        const QModelIndex at = index(int(found - items.cbegin()));
+        const QModelIndex at = index(int(row));
         Q_EMIT dataChanged(at, at, {Qt::DecorationRole, ThumbnailRole});
     }
     if (m_pending.isEmpty()) {

@@ -62,7 +62,8 @@ private:
     QVariant picture(const DraggablePtr& item) const;
     QIcon typeIcon(const DraggablePtr& item) const;
     void startThumbnail(const DraggablePtr& item, const QString& path) const;
-    void finishThumbnail(const Draggable* item, const QImage& image);
+    void finishThumbnail(const std::weak_ptr<Draggable>& weak, const Draggable* key, quint64 ticket,
+                         const QImage& image);
 
     DragSessionContentOutlineCoordinator& m_outline;
     const int m_pictureSize;
@@ -70,7 +71,9 @@ private:
     mutable QHash<const Draggable*, Row> m_rows;
     mutable QHash<const Draggable*, QPixmap> m_thumbnails;
     mutable QHash<const Draggable*, QPixmap> m_rendered;
-    mutable QSet<const Draggable*> m_pending;
+    // Decodes under way, each with the ticket its answer must bring.
+    mutable QHash<const Draggable*, quint64> m_pending;
+    mutable quint64 m_lastTicket = 0;
     mutable QSet<const Draggable*> m_failed;
     mutable QHash<QString, QIcon> m_icons;
     // Lets worker threads know the model is gone.
