@@ -79,6 +79,11 @@ public:
             settings->closed();
         }
     }
+    void presentOutline(DragSessionContentOutlineCoordinator& outline) override
+    {
+        m_outline = &outline;
+        ++m_outlinesPresented;
+    }
 
     // Answers the open inline editor as the user would; false when none is open.
     bool finishInlineEdit(const std::optional<QString>& text)
@@ -104,6 +109,8 @@ public:
     QList<ActionsControllerMenu> m_shownMenus;
     std::optional<SearchRequest> m_search;
     std::optional<SettingsRequest> m_settings;
+    DragSessionContentOutlineCoordinator* m_outline = nullptr;
+    int m_outlinesPresented = 0;
 };
 
 class FakeShelfInterface final : public DragSessionUserInterface {

@@ -106,6 +106,9 @@ DragSessionCoordinator::DragSessionCoordinator(DragSessionSource source, const D
 DragSessionCoordinator::~DragSessionCoordinator()
 {
     m_saveThrottler.cancel();
+    if (m_outlineCoordinator) {
+        m_outlineCoordinator->setView(nullptr);
+    }
     if (m_actionsController) {
         m_actionsController->setDelegate(nullptr);
     }
@@ -156,6 +159,9 @@ void DragSessionCoordinator::appendItems(const DraggableList& draggables, bool i
     markUsed();
     m_itemsController->addItems(draggables);
     m_view->addDraggables(draggables, isRestoration);
+    if (m_outlineCoordinator) {
+        m_outlineCoordinator->appendItems(draggables);
+    }
 }
 
 void DragSessionCoordinator::playAttention()
@@ -261,6 +267,9 @@ void DragSessionCoordinator::teardown(const std::function<void()>& completion)
     if (m_isSettingsPopoverOpen) {
         m_view->dismissSettings();
     }
+    if (m_outlineCoordinator) {
+        m_outlineCoordinator->close();
+    }
     m_itemsController->removeAllItems();
     if (m_actionsController) {
         // Its run ends without telling a shelf that is gone.
@@ -281,6 +290,7 @@ void DragSessionCoordinator::teardown(const std::function<void()>& completion)
 void DragSessionCoordinator::clear()
 {
     m_pasteboardController.reset();
+    dropFromOutline(m_itemsController->items());
     m_itemsController->removeAllItems();
     m_label.pinned = false;
     refreshLabel();
@@ -533,6 +543,7 @@ DraggableList DragSessionCoordinator::draggablesFor(const ActionItemList& items)
 
 void DragSessionCoordinator::removeItems(const DraggableList& draggables)
 {
+    dropFromOutline(draggables);
     for (const DraggablePtr& draggable : draggables) {
         m_view->removeDraggable(draggable);
         m_itemsController->remove(draggable);
@@ -600,6 +611,9 @@ void DragSessionCoordinator::renameItem(const ActionItem& item, const Action::Co
         if (auto replacement = DraggableFile::make(QUrl::fromLocalFile(*renamed))) {
             const bool held = self->m_itemsController->items().contains(file);
             if (held) {
+                if (self->m_outlineCoordinator) {
+                    self->m_outlineCoordinator->replaceItem(file, replacement);
+                }
                 self->m_itemsController->remove(file);
                 self->m_itemsController->addItems({replacement});
                 self->m_view->replaceDraggable(file, replacement);
@@ -686,7 +700,7 @@ void DragSessionCoordinator::availableActions(std::function<void(const Available
 
 void DragSessionCoordinator::showSearch(const QString& text)
 {
-    if (m_isSearchShown) {
+    if (m_isSearchShown || isOutlineOpen()) {
         return;
     }
     ActionsController* controller = ensureActionsController();
@@ -1073,6 +1087,7 @@ void DragSessionCoordinator::didSelectRestoreButton()
 
 void DragSessionCoordinator::failReceiving(const DraggablePtr& draggable, const DraggableError& error)
 {
+    dropFromOutline({draggable});
     m_view->removeDraggable(draggable);
     m_itemsController->remove(draggable);
     throttleSave();
@@ -1092,6 +1107,7 @@ void DragSessionCoordinator::handleDeletedItems(
         return;
     }
     for (const auto& context : contexts) {
+        dropFromOutline({context.draggable});
         m_view->removeDraggable(context.draggable);
         m_itemsController->remove(context.draggable);
     }
@@ -1107,9 +1123,17 @@ void DragSessionCoordinator::handleDeletedItems(
 
 void DragSessionCoordinator::handleChangedItem(const DragSessionItemsController::ItemChangeContext& context)
 {
+    // The report may come after the shelf let go of the item itself (it renamed the file, or the item
+    // was removed): adding its new place now would put the file on the shelf twice.
+    if (!m_itemsController->items().contains(context.draggable)) {
+        return;
+    }
     auto replacement = DraggableFile::make(context.newUrl);
     if (!replacement) {
         return;
+    }
+    if (m_outlineCoordinator) {
+        m_outlineCoordinator->replaceItem(context.draggable, replacement);
     }
     m_itemsController->remove(context.draggable);
     m_itemsController->addItems({replacement});
@@ -1130,6 +1154,7 @@ void DragSessionCoordinator::replaceContent(const QList<QUrl>& urls)
             << "Was required to reload content but it failed, so we will just show the initial content";
         return;
     }
+    dropFromOutline(m_itemsController->items());
     m_itemsController->removeAllItems();
     m_view->removeAllDraggables(false);
     qCInfo(lcDragSession).noquote()
@@ -1256,5 +1281,157 @@ void DragSessionCoordinator::performDoubleClickAction()
 }
 
 // End of the settings popover and the double click.
+
+// --- Item list ---
+
+void DragSessionCoordinator::didTypeToSearch(const QString& text)
+{
+    // Keys belong to the list while it is open.
+    if (isOutlineOpen()) {
+        return;
+    }
+    showSearch(text);
+}
+
+bool DragSessionCoordinator::openOutline()
+{
+    if (isOutlineOpen() || isSettingsPopoverOpen()) {
+        qCInfo(lcDragSession) << "Refusing to open the item list: a list or the settings popover is open";
+        return false;
+    }
+    if (m_isStopping || m_itemsController->items().isEmpty()) {
+        return false;
+    }
+    markUsed();
+    m_outlineCoordinator = std::make_unique<DragSessionContentOutlineCoordinator>(m_itemsController->items(),
+                                                                                  m_preferences, *this);
+    m_view->presentOutline(*m_outlineCoordinator);
+    return true;
+}
+
+void DragSessionCoordinator::dropFromOutline(const DraggableList& items)
+{
+    if (m_outlineCoordinator && !items.isEmpty()) {
+        m_outlineCoordinator->dropItems(items);
+    }
+}
+
+void DragSessionCoordinator::outlineDidRemoveItems(DragSessionContentOutlineCoordinator& outline,
+                                                   const DraggableList& items, bool all)
+{
+    markUsed();
+    // The shelf changes in steps here; the action machinery is rebuilt once, for the end result.
+    m_supressItemPreparationOnItemsUpdate = true;
+    if (all) {
+        m_view->removeAllDraggables(true);
+        m_itemsController->removeAllItems();
+        m_label.pinned = false;
+        refreshLabel();
+        throttleSave();
+        outline.close();
+    } else {
+        for (const DraggablePtr& item : items) {
+            m_view->removeDraggable(item);
+            m_itemsController->remove(item);
+        }
+        throttleSave();
+    }
+    m_supressItemPreparationOnItemsUpdate = false;
+    prepareActionsIfNeeded(m_itemsController->items());
+}
+
+DraggablePtr DragSessionCoordinator::outlineDidRenameItem(DragSessionContentOutlineCoordinator&,
+                                                          const DraggablePtr& item, const QString& path)
+{
+    auto replacement = DraggableFile::make(QUrl::fromLocalFile(path));
+    if (!replacement || !m_itemsController->items().contains(item)) {
+        return replacement;
+    }
+    m_itemsController->remove(item);
+    m_itemsController->addItems({replacement});
+    m_view->replaceDraggable(item, replacement);
+    throttleSave();
+    return replacement;
+}
+
+void DragSessionCoordinator::outlineDidDragItems(DragSessionContentOutlineCoordinator&,
+                                                 const DraggableList& items, bool moved)
+{
+    markUsed();
+    const DraggableList& held = m_itemsController->items();
+    const bool everything =
+        !held.isEmpty() && std::all_of(held.cbegin(), held.cend(),
+                                       [&items](const DraggablePtr& item) { return items.contains(item); });
+    if (everything) {
+        // The whole shelf went out: the same as dragging the pile.
+        didDragItems({true, DragEvent::Kind::ended}, moved);
+        return;
+    }
+    if (moved) {
+        for (const DraggablePtr& item : items) {
+            m_view->removeDraggable(item);
+            m_itemsController->remove(item);
+        }
+    }
+    saveSession();
+    m_preferences.setValue(PreferenceKeys::numberOfDrops,
+                           m_preferences.value(PreferenceKeys::numberOfDrops) + 1);
+}
+
+ActionList DragSessionCoordinator::outlineActions(DragSessionContentOutlineCoordinator&,
+                                                  const DraggableList& items)
+{
+    ActionList actions;
+    if (m_desktopActions) {
+        for (const ActionPtr& action : m_desktopActions->makeItemActions()) {
+            if (action) {
+                actions.append(action);
+            }
+        }
+    }
+    const QPointer self(this);
+    for (const auto context : {MoveToNewShelfAction::Context::move, MoveToNewShelfAction::Context::copy}) {
+        actions.append(std::make_shared<MoveToNewShelfAction>(
+            context, [self, items](MoveToNewShelfAction::Context context, const ActionItemList&) {
+                if (!self || !self->m_delegate) {
+                    return;
+                }
+                if (context == MoveToNewShelfAction::Context::move) {
+                    self->removeItems(items);
+                }
+                self->m_delegate->openNewSession(items, self->m_window->screen());
+            }));
+    }
+    return actions;
+}
+
+ActionsController::Services
+DragSessionCoordinator::outlineActionServices(DragSessionContentOutlineCoordinator&)
+{
+    ActionsController::Services services;
+    if (m_desktopActions) {
+        services.archiver = m_desktopActions->archiver();
+    }
+    return services;
+}
+
+void DragSessionCoordinator::outlineDidClose(DragSessionContentOutlineCoordinator& outline)
+{
+    if (m_outlineCoordinator.get() != &outline) {
+        return;
+    }
+    // Often called from inside the list's own handlers: it goes once they have returned, or once the
+    // action it started has ended. It goes with the shelf at the latest.
+    DragSessionContentOutlineCoordinator* closed = m_outlineCoordinator.release();
+    closed->setParent(this);
+    if (closed->isPerforming()) {
+        connect(closed, &DragSessionContentOutlineCoordinator::actionFinished, closed, &QObject::deleteLater);
+    } else {
+        closed->deleteLater();
+    }
+    m_view->updateHoverState(m_window->containsMouse());
+}
+
+// --- End of item list ---
 
 } // namespace Vantrope

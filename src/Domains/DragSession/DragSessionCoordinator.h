@@ -5,6 +5,7 @@
 #include "Domains/Actions/ActionsController.h"
 #include "Domains/Actions/ActionsControllerDelegate.h"
 #include "DragSessionActionState.h"
+#include "DragSessionContentOutlineCoordinator.h"
 #include "DragSessionDropIntake.h"
 #include "DragSessionItemsController.h"
 #include "DragSessionLabel.h"
@@ -44,7 +45,8 @@ public:
 // the view and the items, answers what the view reports and keeps the shelf's saved copy up to date.
 class DragSessionCoordinator final : public QObject,
                                      public DragSessionViewDelegate,
-                                     public ActionsControllerDelegate {
+                                     public ActionsControllerDelegate,
+                                     public DragSessionContentOutlineCoordinatorDelegate {
     Q_OBJECT
 public:
     struct Dependencies {
@@ -148,14 +150,33 @@ public:
     void didRequestActionsMenu() override;
     void didChooseActionsMenuEntry(const ActionMenuEntry& entry) override;
     void didCloseActionsMenu() override;
-    void didTypeToSearch(const QString& text) override { showSearch(text); }
+    void didTypeToSearch(const QString& text) override;
+
+    // --- Item list ---
+    // Opens the list of the shelf's items; false when it is refused (a list or the settings popover is
+    // open already, or the shelf is empty or stopping).
+    bool openOutline();
+    bool isOutlineOpen() const { return m_outlineCoordinator != nullptr; }
+    DragSessionContentOutlineCoordinator* outlineCoordinator() const { return m_outlineCoordinator.get(); }
+    void didRequestOutline() override { openOutline(); }
+
+    // DragSessionContentOutlineCoordinatorDelegate
+    void outlineDidRemoveItems(DragSessionContentOutlineCoordinator& outline, const DraggableList& items,
+                               bool all) override;
+    DraggablePtr outlineDidRenameItem(DragSessionContentOutlineCoordinator& outline, const DraggablePtr& item,
+                                      const QString& path) override;
+    void outlineDidDragItems(DragSessionContentOutlineCoordinator& outline, const DraggableList& items,
+                             bool moved) override;
+    ActionList outlineActions(DragSessionContentOutlineCoordinator& outline,
+                              const DraggableList& items) override;
+    ActionsController::Services outlineActionServices(DragSessionContentOutlineCoordinator& outline) override;
+    void outlineDidClose(DragSessionContentOutlineCoordinator& outline) override;
+    // --- End of item list ---
 
     // The settings popover, the double click and removal by scripts.
     // Opens the shelf's settings popover; false when it is refused: the item list or the popover is open.
     bool showSettingsPopover();
     bool isSettingsPopoverOpen() const { return m_isSettingsPopoverOpen; }
-    // The item list fills this in.
-    bool isOutlineOpen() const { return false; }
     // Does to the shelf's files what the double-click setting says.
     void performDoubleClickAction();
     // The action a double click started, held until it ends.
@@ -208,6 +229,10 @@ private:
     void handleChangedItem(const DragSessionItemsController::ItemChangeContext& context);
     void showMessage(const QString& text, Message::Icon icon, Clock::Duration duration);
     void teardown(const std::function<void()>& completion);
+    // --- Item list ---
+    // Items that left the shelf by another way than the list leave the list too.
+    void dropFromOutline(const DraggableList& items);
+    // --- End of item list ---
 
     const QString m_id;
     const DragSessionSource m_source;
@@ -248,6 +273,9 @@ private:
     bool m_isSettingsPopoverOpen = false;
     ActionPtr m_doubleClickPerformer;
     // End of the settings popover and the double click.
+    // --- Item list ---
+    std::unique_ptr<DragSessionContentOutlineCoordinator> m_outlineCoordinator;
+    // --- End of item list ---
 };
 
 } // namespace Vantrope

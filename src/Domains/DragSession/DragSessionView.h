@@ -17,6 +17,8 @@ class QMimeData;
 
 namespace Vantrope {
 
+class DragSessionContentOutlineCoordinator;
+
 // The content of a shelf window: the pile of items, its buttons and states. It shows what it is told
 // and reports what the user does to its `DragSessionViewDelegate`.
 class DragSessionView {
@@ -77,6 +79,11 @@ public:
     virtual void presentSettings(const SettingsRequest& request) = 0;
     virtual void dismissSettings() = 0;
     // End of the settings popover.
+    // --- Item list ---
+    // Opens the list of the shelf's items below its disclosure control; the panel reports to `outline`
+    // and gives itself to it as its view. The list closes through `outline`.
+    virtual void presentOutline(DragSessionContentOutlineCoordinator& outline) = 0;
+    // --- End of item list ---
 };
 
 // What a shelf view reports; the shelf's coordinator answers.
@@ -128,6 +135,10 @@ public:
     // A double click on the pile of items.
     virtual void didDoubleClickItems() = 0;
     // End of the settings popover and the double click.
+    // --- Item list ---
+    // The disclosure control or the item count was clicked: the list of items opens, unless refused.
+    virtual void didRequestOutline() = 0;
+    // --- End of item list ---
 };
 
 } // namespace Vantrope

@@ -41,7 +41,7 @@ void DragSessionButton::paintEvent(QPaintEvent*)
     QPainter painter(this);
     painter.setRenderHint(QPainter::Antialiasing);
     const QRectF circle = QRectF(rect()).adjusted(1, 1, -1, -1);
-    const int alpha = isDown() ? 150 : m_hovered ? 110 : 70;
+    const int alpha = isDown() || isChecked() ? 150 : m_hovered ? 110 : 70;
     painter.setPen(Qt::NoPen);
     painter.setBrush(m_dark ? QColor(255, 255, 255, alpha / 2) : QColor(0, 0, 0, alpha / 2));
     painter.drawEllipse(circle);
@@ -64,6 +64,13 @@ void DragSessionButton::paintEvent(QPaintEvent*)
         for (const double dx : {-r * 1.3, 0.0, r * 1.3}) {
             painter.drawEllipse(centre + QPointF(dx, 0), 1.4, 1.4);
         }
+        return;
+    }
+    if (m_glyph == Glyph::disclosure) {
+        // A chevron: down opens the item list, up while it is open.
+        const double tip = isChecked() ? -r * 0.55 : r * 0.55;
+        painter.drawPolyline(
+            QPolygonF({centre + QPointF(-r, -tip), centre + QPointF(0, tip), centre + QPointF(r, -tip)}));
         return;
     }
     // An arrow turning back on itself: bring back the last shelf.

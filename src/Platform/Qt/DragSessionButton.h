@@ -10,7 +10,7 @@ namespace Vantrope {
 class DragSessionButton final : public QAbstractButton {
     Q_OBJECT
 public:
-    enum class Glyph { close, restore, menu };
+    enum class Glyph { close, restore, menu, disclosure };
 
     static constexpr int diameter = 20;
 

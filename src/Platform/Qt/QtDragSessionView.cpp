@@ -6,6 +6,7 @@
 #include "Domains/DragSession/MessageWindowCenter.h"
 #include "DragSessionButton.h"
 #include "DragSessionInlineEditor.h"
+#include "DragSessionOutlinePanel.h"
 #include "DragSessionOverlayView.h"
 #include "DragSessionSearchView.h"
 #include "DragSessionSettingsPopover.h"
@@ -13,14 +14,9 @@
 #include "Libraries/Core/Localized.h"
 #include "Models/Draggable/DraggableFile.h"
 #include "Models/Draggable/DraggablePromise.h"
-#include "OutboundDragData.h"
+#include "OutboundDrag.h"
 #include "Preferences/Preferences.h"
 #include "QtActionsMenu.h"
-
-#ifdef WITH_X11
-#include "Platform/X11/X11DirectSaveSource.h"
-#include "Platform/X11/X11TimestampGuard.h"
-#endif
 
 #include <chrono>
 #include <memory>
@@ -45,8 +41,6 @@ namespace {
 constexpr std::chrono::milliseconds attentionDuration{1050};
 constexpr double grabberWidth = 34.0;
 constexpr double titleHeight = 34.0;
-// How long a target that answered "move" may take to fetch what it moves.
-constexpr std::chrono::seconds dropOutcomeTimeout{15};
 
 DragSessionOverlayView::Icon overlayIcon(Message::Icon icon)
 {
@@ -98,6 +92,9 @@ QtDragSessionView::QtDragSessionView(const Dependencies& dependencies, QWidget* 
     m_restoreButton = new DragSessionButton(DragSessionButton::Glyph::restore, m_dropView);
     m_menuButton = new DragSessionButton(DragSessionButton::Glyph::menu, m_dropView);
     m_menuButton->setToolTip(Localized("shelf.actions.tooltip", "Actions"));
+    m_outlineButton = new DragSessionButton(DragSessionButton::Glyph::disclosure, m_dropView);
+    m_outlineButton->setCheckable(true);
+    m_outlineButton->setToolTip(Localized("shelf.item-list.tooltip", "Show Items"));
     m_shareView = new DragSessionOverlayView(m_dropView);
     m_messageView = new DragSessionOverlayView(m_dropView);
     m_closeButton->setToolTip(Localized("shelf.close.tooltip", "Close Shelf (Alt: empty it)"));
@@ -124,6 +121,13 @@ QtDragSessionView::QtDragSessionView(const Dependencies& dependencies, QWidget* 
     });
     connect(m_closeButton, &QAbstractButton::clicked, this, [this] {
         m_delegate.didSelectCloseButton(QApplication::keyboardModifiers().testFlag(Qt::AltModifier));
+    });
+    connect(m_outlineButton, &QAbstractButton::clicked, this, [this] {
+        // Checked only while the list really is open.
+        m_outlineButton->setChecked(m_outlinePanel != nullptr);
+        if (!m_outlinePanel) {
+            m_delegate.didRequestOutline();
+        }
     });
     connect(m_restoreButton, &QAbstractButton::clicked, this,
             [this] { m_delegate.didSelectRestoreButton(); });
@@ -282,6 +286,8 @@ void QtDragSessionView::layoutChildren()
     m_restoreButton->move(int(card.right() - 7 - DragSessionButton::diameter), int(card.top() + 7));
     // Where the restore button sits on an empty shelf; the two never show together.
     m_menuButton->move(m_restoreButton->pos());
+    m_outlineButton->move(int(card.right() - 8 - DragSessionButton::diameter),
+                          int(card.bottom() - titleHeight / 2 - 2 - DragSessionButton::diameter / 2.0));
     if (m_searchView) {
         m_searchView->setGeometry(card.adjusted(6, 6, -6, -6).toAlignedRect());
     }
@@ -307,6 +313,8 @@ void QtDragSessionView::updateChrome()
     m_restoreButton->setVisible(m_stack->draggables().isEmpty() && !m_highlighted &&
                                 (m_permanentClose || m_hovering));
     m_menuButton->setDark(dark);
+    m_outlineButton->setDark(dark);
+    m_outlineButton->setVisible(!m_stack->draggables().isEmpty() && !m_highlighted);
     m_menuButton->setVisible(!m_stack->draggables().isEmpty() && !m_highlighted &&
                              (m_hovering || m_actionsMenu));
     update();
@@ -376,69 +384,32 @@ bool QtDragSessionView::mouseDragged(const QPoint& pressPosition)
         qCInfo(lcDragSession) << "No eligible item views, ignoring mouse drag";
         return false;
     }
-    std::unique_ptr<OutboundMimeData> data = OutboundDragData::make(m_stack->draggables());
-    if (!data) {
-        qCWarning(lcDragSession) << "Attempted outbound drag items but the factory returned an empty array.";
-        return false;
-    }
-    qCInfo(lcDragSession) << "About start drag session...";
-    auto* drag = new QDrag(m_stack);
-    const QPointer<OutboundMimeData> offered = data.get();
-    drag->setMimeData(data.release());
-#ifdef WITH_X11
-    if (X11TimestampGuard* guard = X11TimestampGuard::instance()) {
-        guard->setDragData(drag->mimeData());
-    }
-    if (!offered->directSaveFileName().isEmpty()) {
-        // The drag's window exists once the drag has begun, inside its own event loop.
-        QTimer::singleShot(0, drag, [offered] {
-            if (offered) {
-                X11DirectSaveSource::announce(offered->directSaveFileName());
-            }
-        });
-    }
-#endif
-    const QPixmap pixmap = m_stack->dragPixmap();
-    drag->setPixmap(pixmap);
-    drag->setHotSpot(QPoint(int(pixmap.width() / pixmap.devicePixelRatio() / 2),
-                            int(pixmap.height() / pixmap.devicePixelRatio() / 2)));
-    const Qt::DropActions actions = m_preferences.value(PreferenceKeys::copiesContentOnDrag)
-                                        ? Qt::DropActions(Qt::CopyAction)
-                                        : Qt::CopyAction | Qt::MoveAction | Qt::LinkAction;
     m_hasDraggedOutItems = true;
     m_stack->setLifted(true);
     const QPointer<QtDragSessionView> self(this);
-    // Runs its own event loop until the drop or the cancel.
-    const Qt::DropAction action = drag->exec(actions, Qt::CopyAction);
+    const std::optional<Qt::DropAction> action = OutboundDrag::exec(
+        m_stack, m_stack->draggables(), m_stack->dragPixmap(),
+        m_preferences.value(PreferenceKeys::copiesContentOnDrag), this, [self](bool moved) {
+            if (self) {
+                self->m_hasDraggedOutItems = false;
+                self->m_stack->setLifted(false);
+                self->m_delegate.didDragItems({true, DragSessionViewDelegate::DragEvent::Kind::ended}, moved);
+            }
+        });
     if (!self) {
         return true;
     }
     m_hasDraggedOutItems = false;
     m_stack->setLifted(false);
-    if (action == Qt::IgnoreAction) {
+    if (!action) {
+        return false;
+    }
+    if (*action == Qt::IgnoreAction) {
         qCInfo(lcDragSession) << "No drag operation, cancelling drag session...";
         m_stack->cancelDragSession(m_stack->mapFromGlobal(QCursor::pos()));
         return true;
     }
     qCInfo(lcDragSession) << "Finishing drag session";
-    // Anything but a copy took the files away from where the shelf knows them; a target that took only
-    // text moved nothing away, whatever it answered.
-    const auto decided = std::make_shared<bool>(false);
-    const auto decide = [self, decided](bool moved) {
-        if (self && !*decided) {
-            *decided = true;
-            self->m_delegate.didDragItems({true, DragSessionViewDelegate::DragEvent::Kind::ended}, moved);
-        }
-    };
-    if (action == Qt::CopyAction || !offered || offered->filesTaken()) {
-        decide(action != Qt::CopyAction);
-        return true;
-    }
-    // The drag returns at the drop, before the target asked for anything. Qt lets go of the drag's data
-    // when the target says it has finished (or gives up waiting); all it took is known by then.
-    connect(offered, &OutboundMimeData::filesWereTaken, this, [decide] { decide(true); });
-    connect(offered, &QObject::destroyed, this, [decide] { decide(false); });
-    QTimer::singleShot(dropOutcomeTimeout, this, [decide] { decide(false); });
     return true;
 }
 
@@ -613,6 +584,10 @@ void QtDragSessionView::mousePressEvent(QMouseEvent* event)
         }
         return;
     }
+    if (!m_stack->draggables().isEmpty() && countRect().contains(event->position())) {
+        m_delegate.didRequestOutline();
+        return;
+    }
     // The card is the handle by which the shelf is moved.
     if (QWindow* handle = window()->windowHandle(); handle && handle->startSystemMove()) {
         return;
@@ -700,7 +675,10 @@ void QtDragSessionView::paintTitle(QPainter& painter, const QRectF& card) const
     if (m_title.isEmpty()) {
         return;
     }
-    const QRectF area(card.left() + 10, card.bottom() - titleHeight - 2, card.width() - 20, titleHeight);
+    // Clear of the disclosure control on the right, and as far from the left to stay centred.
+    const double inset = 12 + DragSessionButton::diameter;
+    const QRectF area(card.left() + inset, card.bottom() - titleHeight - 2, card.width() - 2 * inset,
+                      titleHeight);
     QFont titleFont = font();
     titleFont.setPixelSize(12);
     titleFont.setWeight(QFont::DemiBold);
@@ -811,5 +789,34 @@ void QtDragSessionView::dismissSettings()
 }
 
 // End of the settings popover and the double click.
+
+// --- Item list ---
+
+QRectF QtDragSessionView::countRect() const
+{
+    const QRectF card = cardRect();
+    const double inset = 12 + DragSessionButton::diameter;
+    return {card.left() + inset, card.bottom() - titleHeight - 2, card.width() - 2 * inset, titleHeight};
+}
+
+DragSessionOutlinePanel* QtDragSessionView::outlinePanel() const
+{
+    return m_outlinePanel;
+}
+
+void QtDragSessionView::presentOutline(DragSessionContentOutlineCoordinator& outline)
+{
+    auto* panel = new DragSessionOutlinePanel(outline, m_preferences, window());
+    m_outlinePanel = panel;
+    m_outlineButton->setChecked(true);
+    connect(panel, &QObject::destroyed, this, [this] {
+        m_outlineButton->setChecked(false);
+        updateChrome();
+    });
+    const QRect control(m_outlineButton->mapToGlobal(QPoint(0, 0)), m_outlineButton->size());
+    panel->popUp(control);
+}
+
+// --- End of item list ---
 
 } // namespace Vantrope

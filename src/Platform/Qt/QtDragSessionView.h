@@ -17,6 +17,7 @@ namespace Vantrope {
 
 class Clock;
 class DragSessionButton;
+class DragSessionOutlinePanel;
 class DragSessionInlineEditor;
 class DragSessionSearchView;
 class DragSessionOverlayView;
@@ -72,6 +73,14 @@ public:
     // Where a click opens the settings: around the colour grabber, in this view's coordinates.
     QRect grabberHitRect() const;
     // End of the settings popover and the double click.
+    // --- Item list ---
+    void presentOutline(DragSessionContentOutlineCoordinator& outline) override;
+    // The disclosure control that opens the item list, and the list while it is open.
+    DragSessionButton& outlineButton() const { return *m_outlineButton; }
+    DragSessionOutlinePanel* outlinePanel() const;
+    // Where the item count is drawn; a click on it opens the list too.
+    QRectF countRect() const;
+    // --- End of item list ---
 
     // The open action menu or inline editor, if any.
     QMenu* actionsMenu() const { return m_actionsMenu; }
@@ -134,6 +143,10 @@ private:
     DragSessionButton* m_restoreButton = nullptr;
     DragSessionButton* m_menuButton = nullptr;
     QPointer<QMenu> m_actionsMenu;
+    // --- Item list ---
+    DragSessionButton* m_outlineButton = nullptr;
+    QPointer<DragSessionOutlinePanel> m_outlinePanel;
+    // --- End of item list ---
     QPointer<DragSessionInlineEditor> m_inlineEditor;
     QPointer<DragSessionSearchView> m_searchView;
     QPointer<DragSessionSettingsPopover> m_settingsPopover;
