@@ -5,6 +5,7 @@
 #include "LocalFileName.h"
 #include "Version.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <cstring>
 #include <unistd.h>
@@ -51,6 +52,9 @@ CommandLine::Request CommandLine::parse(const QStringList& arguments, const QStr
     std::optional<QString> shelf;
     for (qsizetype index = 0; index < rest.size(); ++index) {
         const QString& argument = rest[index];
+        if (command.isEmpty() && operands.isEmpty() && !optionsEnded && argument == QStringLiteral("folders")) {
+            return parseFolders(rest.mid(index + 1), base);
+        }
         const bool shelfCommand = command == QStringLiteral("actions") || command == QStringLiteral("run");
         if (!optionsEnded && argument == QStringLiteral("--")) {
             optionsEnded = true;
@@ -135,6 +139,62 @@ CommandLine::Request CommandLine::parse(const QStringList& arguments, const QStr
     return noOperands(List{json});
 }
 
+CommandLine::Request CommandLine::parseFolders(const QStringList& arguments, const QDir& base)
+{
+    using Verb = Folders::Verb;
+    static const QList<std::pair<QString, Verb>> verbs{
+        {QStringLiteral("list"), Verb::list},     {QStringLiteral("add"), Verb::add},
+        {QStringLiteral("remove"), Verb::remove}, {QStringLiteral("pause"), Verb::pause},
+        {QStringLiteral("resume"), Verb::resume},
+    };
+    const QString usage = QStringLiteral("\"folders\" needs one of: list, add PATH, remove ID, pause ID, resume ID");
+    Folders folders;
+    std::optional<QString> verbName;
+    QStringList operands;
+    bool optionsEnded = false;
+    for (const QString& argument : arguments) {
+        if (!optionsEnded && argument == QStringLiteral("--")) {
+            optionsEnded = true;
+        } else if (!optionsEnded && isOption(argument)) {
+            if (verbName == QStringLiteral("list") && argument == QStringLiteral("--json")) {
+                folders.json = true;
+            } else {
+                return unknownArgument(argument);
+            }
+        } else if (!verbName) {
+            const auto found = std::find_if(verbs.begin(), verbs.end(),
+                                            [&argument](const auto& verb) { return verb.first == argument; });
+            if (found == verbs.end()) {
+                return Invalid{QStringLiteral("unknown folders command \"%1\"; %2").arg(argument, usage)};
+            }
+            verbName = found->first;
+            folders.verb = found->second;
+        } else {
+            operands.append(argument);
+        }
+    }
+    if (!verbName) {
+        // Plain "folders" lists them.
+        return folders;
+    }
+    if (folders.verb == Verb::list) {
+        if (!operands.isEmpty()) {
+            return Invalid{QStringLiteral("\"folders list\" takes no arguments")};
+        }
+        return folders;
+    }
+    if (operands.size() != 1 || operands.first().isEmpty()) {
+        return Invalid{folders.verb == Verb::add
+                           ? QStringLiteral("\"folders add\" needs one folder")
+                           : QStringLiteral("\"folders %1\" needs one folder identifier; \"vantrope folders "
+                                            "list\" shows them")
+                                 .arg(*verbName)};
+    }
+    folders.argument = folders.verb == Verb::add ? QDir::cleanPath(base.absoluteFilePath(operands.first()))
+                                                 : operands.first();
+    return folders;
+}
+
 std::optional<CommandLine::FileProblem> CommandLine::firstUnusable(const QStringList& paths)
 {
     for (const QString& path : paths) {
@@ -182,6 +242,11 @@ QString CommandLine::helpText()
         "last)\n"
         "  run ACTION [--shelf ID]\n"
         "                       run one of those actions and print its result (a link or a message)\n"
+        "  folders [list [--json]]\n"
+        "                       show the watched folders with their identifiers and states\n"
+        "  folders add FOLDER   watch a folder: new files in it open a shelf\n"
+        "  folders remove|pause|resume ID\n"
+        "                       stop watching a folder, or pause and resume it\n"
         "  quit                 end Vantrope\n"
         "\n"
         "Options:\n"

@@ -46,8 +46,16 @@ public:
         QString action;
         QString shelf;
     };
+    // `folders list|add PATH|remove ID|pause ID|resume ID`: `argument` is the absolute path or the
+    // folder's identifier.
+    struct Folders {
+        enum class Verb { list, add, remove, pause, resume };
+        Verb verb = Verb::list;
+        QString argument;
+        bool json = false;
+    };
     using Request = std::variant<RunAgent, ShowHelp, ShowVersion, Invalid, AddFiles, NewShelf, OpenRecent,
-                                 CloseAll, Quit, List, ListActions, RunAction>;
+                                 CloseAll, Quit, List, ListActions, RunAction, Folders>;
 
     // Usage mistakes exit with this, failures at run time with 1.
     static constexpr int usageExitCode = 2;
@@ -64,6 +72,10 @@ public:
     static std::optional<FileProblem> firstUnusable(const QStringList& paths);
     static QString helpText();
     static QString versionText();
+
+private:
+    // What follows the word "folders".
+    static Request parseFolders(const QStringList& arguments, const QDir& base);
 };
 
 } // namespace Vantrope

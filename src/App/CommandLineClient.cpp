@@ -81,6 +81,7 @@ CommandLineClient::Outcome CommandLineClient::run(const CommandLine::Request& re
                               }
                               return {0, result->isEmpty() ? QString() : *result + QLatin1Char('\n'), {}};
                           },
+                          [this](const CommandLine::Folders& folders) { return runFolders(folders); },
                           [](const auto&) -> Outcome {
                               return {CommandLine::usageExitCode,
                                       {},
@@ -173,6 +174,60 @@ QString CommandLineClient::actionsText(const QList<ShelfActionSummary>& actions)
         text += action.identifier + QLatin1Char('\t') + printable(action.title) + QLatin1Char('\n');
     }
     return text;
+}
+
+// Watched folders
+
+CommandLineClient::Outcome CommandLineClient::runFolders(const CommandLine::Folders& folders) const
+{
+    using Verb = CommandLine::Folders::Verb;
+    std::expected<WatchedFolderSummary, ApplicationDBusClient::Error> changed;
+    switch (folders.verb) {
+    case Verb::list: {
+        const auto list = m_client.watchedFolders();
+        if (!list) {
+            return failure(list.error());
+        }
+        return {0, folders.json ? foldersJson(*list) : foldersText(*list), {}};
+    }
+    case Verb::add:
+        changed = m_client.addWatchedFolder(LocalFileName::encode(folders.argument));
+        break;
+    case Verb::remove:
+        changed = m_client.changeWatchedFolder(QStringLiteral("RemoveFolder"), folders.argument);
+        break;
+    case Verb::pause:
+        changed = m_client.changeWatchedFolder(QStringLiteral("PauseFolder"), folders.argument);
+        break;
+    case Verb::resume:
+        changed = m_client.changeWatchedFolder(QStringLiteral("ResumeFolder"), folders.argument);
+        break;
+    }
+    if (!changed) {
+        return failure(changed.error());
+    }
+    return {0, foldersText({*changed}), {}};
+}
+
+QString CommandLineClient::foldersText(const QList<WatchedFolderSummary>& folders)
+{
+    QString text;
+    for (const WatchedFolderSummary& folder : folders) {
+        text += folder.identifier + QLatin1Char('\t') + folder.status + QLatin1Char('\t') +
+                printable(folder.path) + QLatin1Char('\n');
+    }
+    return text;
+}
+
+QString CommandLineClient::foldersJson(const QList<WatchedFolderSummary>& folders)
+{
+    QJsonArray array;
+    for (const WatchedFolderSummary& folder : folders) {
+        array.append(QJsonObject{{QStringLiteral("identifier"), folder.identifier},
+                                 {QStringLiteral("path"), folder.path},
+                                 {QStringLiteral("status"), folder.status}});
+    }
+    return QString::fromUtf8(QJsonDocument(array).toJson(QJsonDocument::Indented));
 }
 
 } // namespace Vantrope

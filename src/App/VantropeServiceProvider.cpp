@@ -8,6 +8,7 @@
 #include "Domains/SessionController/SessionController.h"
 #include "LocalFileName.h"
 #include "RootCoordinator.h"
+#include "WatchedFolderService.h"
 
 #include <QDir>
 #include <QPointer>
@@ -236,6 +237,11 @@ void VantropeServiceProvider::runAction(const QString& shelf, const QString& act
             done(QString());
         }
     });
+}
+
+WatchedFolderRequestHandler* VantropeServiceProvider::watchedFolders()
+{
+    return &m_coordinator.watchedFolderService();
 }
 
 } // namespace Vantrope

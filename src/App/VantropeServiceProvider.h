@@ -29,6 +29,7 @@ public:
                  std::function<void(const std::expected<QList<ShelfActionSummary>, Error>&)> done) override;
     void runAction(const QString& shelf, const QString& action,
                    std::function<void(const std::expected<QString, Error>&)> done) override;
+    WatchedFolderRequestHandler* watchedFolders() override;
 
 private:
     std::expected<std::shared_ptr<DragSessionCoordinator>, Error> shelfFor(const QString& identifier) const;

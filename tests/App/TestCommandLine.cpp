@@ -50,6 +50,12 @@ QString describe(const CommandLine::Request& request)
             [](const CommandLine::RunAction& run) -> QString {
                 return QStringLiteral("run-action ") + run.action + QStringLiteral(" shelf=") + run.shelf;
             },
+            [](const CommandLine::Folders& folders) -> QString {
+                static const char* const verbs[] = {"list", "add", "remove", "pause", "resume"};
+                return QStringLiteral("folders %1 [%2]%3")
+                    .arg(QString::fromUtf8(verbs[int(folders.verb)]), folders.argument,
+                         folders.json ? QStringLiteral(" json") : QString());
+            },
         },
         request);
 }
@@ -123,6 +129,37 @@ private Q_SLOTS:
         row("help after -- is a file",
             {QStringLiteral("add"), QStringLiteral("--"), QStringLiteral("--help")}, "add /work/dir/--help");
         row("version", {QStringLiteral("list"), QStringLiteral("--version")}, "version");
+
+        // Watched folders.
+        row("folders alone lists", {QStringLiteral("folders")}, "folders list []");
+        row("folders list --json", {QStringLiteral("folders"), QStringLiteral("list"), QStringLiteral("--json")},
+            "folders list [] json");
+        row("folders add makes the path absolute",
+            {QStringLiteral("folders"), QStringLiteral("add"), QStringLiteral("../Inbox/")},
+            "folders add [/work/Inbox]");
+        row("folders add takes a dashed name after --",
+            {QStringLiteral("folders"), QStringLiteral("add"), QStringLiteral("--"), QStringLiteral("-in")},
+            "folders add [/work/dir/-in]");
+        row("a folder named like a verb",
+            {QStringLiteral("folders"), QStringLiteral("add"), QStringLiteral("list")},
+            "folders add [/work/dir/list]");
+        row("folders pause", {QStringLiteral("folders"), QStringLiteral("pause"), QStringLiteral("AB-1")},
+            "folders pause [AB-1]");
+        row("folders resume without an identifier", {QStringLiteral("folders"), QStringLiteral("resume")},
+            "invalid: \"folders resume\" needs one folder identifier; \"vantrope folders list\" shows them");
+        row("folders add with two folders",
+            {QStringLiteral("folders"), QStringLiteral("add"), QStringLiteral("a"), QStringLiteral("b")},
+            "invalid: \"folders add\" needs one folder");
+        row("an unknown folders verb", {QStringLiteral("folders"), QStringLiteral("watch"), QStringLiteral("x")},
+            "invalid: unknown folders command \"watch\"; \"folders\" needs one of: list, add PATH, remove ID, "
+            "pause ID, resume ID");
+        row("--json belongs to folders list",
+            {QStringLiteral("folders"), QStringLiteral("pause"), QStringLiteral("--json"), QStringLiteral("X")},
+            "invalid: unknown argument \"--json\"; see \"vantrope --help\"");
+        row("folders list takes no operand", {QStringLiteral("folders"), QStringLiteral("list"), QStringLiteral("x")},
+            "invalid: \"folders list\" takes no arguments");
+        row("folders after a file is a file", {QStringLiteral("x"), QStringLiteral("folders")},
+            "run /work/dir/x /work/dir/folders");
     }
 
     void parses()

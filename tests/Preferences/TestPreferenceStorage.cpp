@@ -5,6 +5,9 @@
 #include "support/TestSupport.h"
 
 #include <cstdio>
+#include <QScopeGuard>
+#include <sys/inotify.h>
+#include <unistd.h>
 #include <QCoreApplication>
 #include <QDir>
 #include <QFile>
@@ -304,6 +307,37 @@ private Q_SLOTS:
                  QStringLiteral("int %1").arg(s_helperDrops));
         QCOMPARE(runHelperProcess({read, path, QStringLiteral("LastTemporaryDataSanitationDate")}),
                  QStringLiteral("QDateTime ") + s_helperDate.toString(Qt::ISODateWithMs));
+    }
+
+    // Each save replaces the whole file; a first start with one save per default rewrote it dozens of times.
+    void firstStartSavesTheFileOnce()
+    {
+        QTemporaryDir folder;
+        const QString path = folder.filePath(QStringLiteral("preferences.json"));
+        const int inotify = ::inotify_init1(IN_NONBLOCK | IN_CLOEXEC);
+        QVERIFY(inotify >= 0);
+        const auto closeInotify = qScopeGuard([inotify] { ::close(inotify); });
+        QVERIFY(::inotify_add_watch(inotify, QFile::encodeName(folder.path()).constData(),
+                                    IN_CLOSE_WRITE | IN_MOVED_TO) >= 0);
+
+        Preferences preferences(std::make_unique<SettingsPreferenceStorage>(path));
+        preferences.registerDefaults();
+
+        int saves = 0;
+        alignas(inotify_event) char buffer[4096];
+        for (ssize_t length; (length = ::read(inotify, buffer, sizeof buffer)) > 0;) {
+            for (char* at = buffer; at < buffer + length;) {
+                const auto* event = reinterpret_cast<const inotify_event*>(at);
+                if (event->len > 0 && qstrcmp(event->name, "preferences.json") == 0) {
+                    ++saves;
+                }
+                at += sizeof(inotify_event) + event->len;
+            }
+        }
+        QCOMPARE(saves, 1);
+        // And the one save holds them all.
+        SettingsPreferenceStorage reread(path);
+        QCOMPARE(reread.value(PreferenceKey::userScreenshotShowConfirmationMessage), std::optional(QVariant(true)));
     }
 };
 

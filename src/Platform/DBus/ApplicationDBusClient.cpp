@@ -13,6 +13,7 @@
 #include <QDBusMessage>
 #include <QDBusMetaType>
 #include <QDeadlineTimer>
+#include <QFile>
 #include <thread>
 
 namespace Vantrope {
@@ -198,6 +199,56 @@ std::expected<QString, Error> ApplicationDBusClient::runAction(const QString& sh
                                                                const QString& action) const
 {
     return callForString(QStringLiteral("RunAction"), {shelf, action}, std::chrono::milliseconds::max());
+}
+
+// Watched folders
+
+namespace {
+
+WatchedFolderSummary folderFrom(const QVariantMap& entry)
+{
+    return {entry.value(QStringLiteral("identifier")).toString(),
+            QFile::decodeName(entry.value(QStringLiteral("path")).toByteArray()),
+            entry.value(QStringLiteral("status")).toString()};
+}
+
+std::expected<WatchedFolderSummary, Error> oneFolder(const std::expected<QVariantList, Error>& values)
+{
+    if (!values) {
+        return std::unexpected(values.error());
+    }
+    if (values->isEmpty()) {
+        return std::unexpected(Error{Error::Kind::noAnswer, QStringLiteral("Vantrope answered with nothing")});
+    }
+    return folderFrom(qdbus_cast<QVariantMap>(values->first()));
+}
+
+} // namespace
+
+std::expected<QList<WatchedFolderSummary>, Error> ApplicationDBusClient::watchedFolders() const
+{
+    const auto values = call(QStringLiteral("ListFolders"));
+    if (!values) {
+        return std::unexpected(values.error());
+    }
+    QList<WatchedFolderSummary> result;
+    if (!values->isEmpty()) {
+        for (const QVariantMap& entry : qdbus_cast<QList<QVariantMap>>(values->first())) {
+            result.append(folderFrom(entry));
+        }
+    }
+    return result;
+}
+
+std::expected<WatchedFolderSummary, Error> ApplicationDBusClient::addWatchedFolder(const QByteArray& path) const
+{
+    return oneFolder(call(QStringLiteral("AddFolder"), {path}));
+}
+
+std::expected<WatchedFolderSummary, Error> ApplicationDBusClient::changeWatchedFolder(const QString& method,
+                                                                                      const QString& identifier) const
+{
+    return oneFolder(call(method, {identifier}));
 }
 
 } // namespace Vantrope

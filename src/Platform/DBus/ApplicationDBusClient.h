@@ -3,6 +3,7 @@
 #pragma once
 
 #include "ApplicationRequestHandler.h"
+#include "WatchedFolderRequestHandler.h"
 
 #include <optional>
 #include <chrono>
@@ -46,6 +47,13 @@ public:
     std::expected<QList<ShelfActionSummary>, Error> shelfActions(const QString& shelf) const;
     // Waits for the action to end, however long that takes (an upload may take minutes).
     std::expected<QString, Error> runAction(const QString& shelf, const QString& action) const;
+
+    // Watched folders.
+    std::expected<QList<WatchedFolderSummary>, Error> watchedFolders() const;
+    std::expected<WatchedFolderSummary, Error> addWatchedFolder(const QByteArray& path) const;
+    // `method` is one of "RemoveFolder", "PauseFolder", "ResumeFolder".
+    std::expected<WatchedFolderSummary, Error> changeWatchedFolder(const QString& method,
+                                                                   const QString& identifier) const;
 
 private:
     // Without a timeout, the client's own.

@@ -3,6 +3,7 @@
 #pragma once
 
 #include "ApplicationRequestHandler.h"
+#include "WatchedFolderRequestHandler.h"
 
 #include <QDBusContext>
 #include <QObject>
@@ -52,11 +53,21 @@ public Q_SLOTS:
     // Answers once the action has ended, with its link or message (maybe empty), or an error.
     QString RunAction(const QString& shelf, const QString& action);
 
+    // Watched folders. Each: "identifier" (s), "path" (ay), "status" (s). Every change answers with the
+    // folder as it now stands.
+    QList<QVariantMap> ListFolders();
+    QVariantMap AddFolder(const QByteArray& path);
+    QVariantMap RemoveFolder(const QString& identifier);
+    QVariantMap PauseFolder(const QString& identifier);
+    QVariantMap ResumeFolder(const QString& identifier);
+
 private:
     // False, and nothing to do, once the caller who waits for the answer has left the bus: a request
     // that sat in a stopped agent must not take effect after its caller reported a failure.
     bool ready();
     QString refuse(const ApplicationRequestHandler::Error& error);
+    WatchedFolderRequestHandler* watchedFolderHandler();
+    QVariantMap folderReply(const std::expected<WatchedFolderSummary, ApplicationRequestHandler::Error>& folder);
 
     ApplicationRequestHandler* m_handler = nullptr;
     bool m_claimed = false;

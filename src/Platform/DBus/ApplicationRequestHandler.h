@@ -11,6 +11,8 @@
 
 namespace Vantrope {
 
+class WatchedFolderRequestHandler;
+
 // One open shelf as other programs see it.
 struct ShelfSummary {
     QString identifier;
@@ -68,6 +70,9 @@ public:
     // Runs one of them; `done` gets what it left (a link or a message, maybe empty) once it has ended.
     virtual void runAction(const QString& shelf, const QString& action,
                            std::function<void(const std::expected<QString, Error>&)> done) = 0;
+
+    // The watched folders; none where they are not offered.
+    virtual WatchedFolderRequestHandler* watchedFolders() { return nullptr; }
 };
 
 } // namespace Vantrope
