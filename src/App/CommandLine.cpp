@@ -52,7 +52,8 @@ CommandLine::Request CommandLine::parse(const QStringList& arguments, const QStr
     std::optional<QString> shelf;
     for (qsizetype index = 0; index < rest.size(); ++index) {
         const QString& argument = rest[index];
-        if (command.isEmpty() && operands.isEmpty() && !optionsEnded && argument == QStringLiteral("folders")) {
+        if (command.isEmpty() && operands.isEmpty() && !optionsEnded &&
+            argument == QStringLiteral("folders")) {
             return parseFolders(rest.mid(index + 1), base);
         }
         const bool shelfCommand = command == QStringLiteral("actions") || command == QStringLiteral("run");
@@ -147,7 +148,8 @@ CommandLine::Request CommandLine::parseFolders(const QStringList& arguments, con
         {QStringLiteral("remove"), Verb::remove}, {QStringLiteral("pause"), Verb::pause},
         {QStringLiteral("resume"), Verb::resume},
     };
-    const QString usage = QStringLiteral("\"folders\" needs one of: list, add PATH, remove ID, pause ID, resume ID");
+    const QString usage =
+        QStringLiteral("\"folders\" needs one of: list, add PATH, remove ID, pause ID, resume ID");
     Folders folders;
     std::optional<QString> verbName;
     QStringList operands;

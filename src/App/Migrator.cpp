@@ -32,9 +32,9 @@ bool Migrator::performWatchedFoldersFilterMigration(ObservedDirectoryStore& stor
             for (const ObservedDirectory& original : before) {
                 store.saveItem(original);
             }
-            qCWarning(lcApp).noquote() << QStringLiteral(
-                                              "Failed to perform Watched Folders filter migration with error ") +
-                                              QStringLiteral("could not write %1").arg(store.filePath());
+            qCWarning(lcApp).noquote()
+                << QStringLiteral("Failed to perform Watched Folders filter migration with error ") +
+                       QStringLiteral("could not write %1").arg(store.filePath());
             return false;
         }
     }

@@ -11,23 +11,23 @@
 #include "Domains/DirectoryObserver/DirectoryObserverCoordinator.h"
 #include "Domains/DirectoryObserver/ObservedDirectoryStore.h"
 #include "Domains/DirectoryObserver/WatchedFolderController.h"
-#include "Domains/UserScreenshot/UserScreenshotObserver.h"
 #include "Domains/DragSession/DragSessionCoordinator.h"
 #include "Domains/DragSession/DragSessionItemsController.h"
-#include "Domains/DragSession/PersistentDragSession.h"
-#include "Libraries/Core/BookmarkStore.h"
-#include "Libraries/Core/FilesSnapshotController.h"
 #include "Domains/DragSession/DragSessionSource.h"
 #include "Domains/DragSession/DragSessionWindow.h"
 #include "Domains/DragSession/Message.h"
 #include "Domains/DragSession/MessageWindowCenter.h"
+#include "Domains/DragSession/PersistentDragSession.h"
 #include "Domains/DragSession/PersistentDragSessionStore.h"
-#include "Models/Draggable/DraggableFile.h"
-#include "Platform/Linux/InotifyDirectoryWatcher.h"
 #include "Domains/SessionController/SessionController.h"
+#include "Domains/UserScreenshot/UserScreenshotObserver.h"
 #include "DragMonitorFactory.h"
+#include "Libraries/Core/BookmarkStore.h"
+#include "Libraries/Core/FilesSnapshotController.h"
 #include "MenuItemController.h"
+#include "Models/Draggable/DraggableFile.h"
 #include "Platform/Desktop/LinuxDesktopActions.h"
+#include "Platform/Linux/InotifyDirectoryWatcher.h"
 #include "Preferences/Preferences.h"
 #include "Version.h"
 #include "WatchedFolderService.h"
@@ -49,8 +49,8 @@ RootCoordinator::RootCoordinator(const Dependencies& dependencies, QObject* pare
         m_folderWatcher = m_directoryWatcher.get();
     }
     m_screenshotBookmarkStore = std::make_unique<BookmarkStore>(QStringLiteral("user-screenshot"), 1);
-    m_userScreenshotObserver =
-        std::make_unique<UserScreenshotObserver>(*m_screenshotBookmarkStore, *m_folderWatcher, dependencies.clock);
+    m_userScreenshotObserver = std::make_unique<UserScreenshotObserver>(*m_screenshotBookmarkStore,
+                                                                        *m_folderWatcher, dependencies.clock);
     m_windowCoordinator = std::make_unique<WindowCoordinator>(dependencies.preferences);
     DesktopActions* desktopActions = dependencies.desktopActions;
     if (!desktopActions) {
@@ -148,7 +148,8 @@ void RootCoordinator::configureScreenshotObservation()
         return;
     }
     if (!m_userScreenshotObserver->directory()) {
-        m_userScreenshotObserver->changeDirectory(QUrl::fromLocalFile(UserScreenshotObserver::defaultDirectory()));
+        m_userScreenshotObserver->changeDirectory(
+            QUrl::fromLocalFile(UserScreenshotObserver::defaultDirectory()));
     }
     if (const auto folder = m_userScreenshotObserver->directory()) {
         m_directoryObserverCoordinator->restrictDirectory(*folder);
@@ -159,7 +160,8 @@ void RootCoordinator::configureScreenshotObservation()
         data->setUrls({url});
         QGuiApplication::clipboard()->setMimeData(data);
     };
-    m_userScreenshotObserver->setChangeHandler([sessions](const QUrl& url) { sessions->handleScreenshot(url); });
+    m_userScreenshotObserver->setChangeHandler(
+        [sessions](const QUrl& url) { sessions->handleScreenshot(url); });
     (void)m_userScreenshotObserver->start();
 }
 
@@ -233,8 +235,8 @@ std::optional<QString> RootCoordinator::createShelf(const QList<QUrl>& files)
 void RootCoordinator::showMessage(const QString& shelfIdentifier, const QString& text)
 {
     if (const auto shelf = m_sessionController->coordinator(shelfIdentifier)) {
-        m_dependencies.messages.show(shelf->window().windowNumber(), Message::plain(Message::Icon::info, text),
-                                     watchedFolderMessageDuration);
+        m_dependencies.messages.show(shelf->window().windowNumber(),
+                                     Message::plain(Message::Icon::info, text), watchedFolderMessageDuration);
     }
 }
 

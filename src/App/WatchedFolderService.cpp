@@ -14,7 +14,8 @@ using Controller = WatchedFolderController;
 
 WatchedFolderSummary summary(const Controller::Folder& folder)
 {
-    return {folder.directory.identifier, folder.directory.url.toLocalFile(), Controller::stateName(folder.state)};
+    return {folder.directory.identifier, folder.directory.url.toLocalFile(),
+            Controller::stateName(folder.state)};
 }
 
 std::expected<WatchedFolderSummary, WatchedFolderRequestHandler::Error>
@@ -64,8 +65,9 @@ WatchedFolderService::addWatchedFolder(const QByteArray& path)
 {
     const QString name = QFile::decodeName(path);
     if (!name.startsWith(QLatin1Char('/'))) {
-        return std::unexpected(Error{Error::Kind::invalidArguments,
-                                     QStringLiteral("the folder must be given as an absolute path, not \"%1\"").arg(name)});
+        return std::unexpected(
+            Error{Error::Kind::invalidArguments,
+                  QStringLiteral("the folder must be given as an absolute path, not \"%1\"").arg(name)});
     }
     return answer(m_controller.add(name));
 }

@@ -132,7 +132,8 @@ private Q_SLOTS:
 
         // Watched folders.
         row("folders alone lists", {QStringLiteral("folders")}, "folders list []");
-        row("folders list --json", {QStringLiteral("folders"), QStringLiteral("list"), QStringLiteral("--json")},
+        row("folders list --json",
+            {QStringLiteral("folders"), QStringLiteral("list"), QStringLiteral("--json")},
             "folders list [] json");
         row("folders add makes the path absolute",
             {QStringLiteral("folders"), QStringLiteral("add"), QStringLiteral("../Inbox/")},
@@ -150,13 +151,17 @@ private Q_SLOTS:
         row("folders add with two folders",
             {QStringLiteral("folders"), QStringLiteral("add"), QStringLiteral("a"), QStringLiteral("b")},
             "invalid: \"folders add\" needs one folder");
-        row("an unknown folders verb", {QStringLiteral("folders"), QStringLiteral("watch"), QStringLiteral("x")},
-            "invalid: unknown folders command \"watch\"; \"folders\" needs one of: list, add PATH, remove ID, "
+        row("an unknown folders verb",
+            {QStringLiteral("folders"), QStringLiteral("watch"), QStringLiteral("x")},
+            "invalid: unknown folders command \"watch\"; \"folders\" needs one of: list, add PATH, remove "
+            "ID, "
             "pause ID, resume ID");
         row("--json belongs to folders list",
-            {QStringLiteral("folders"), QStringLiteral("pause"), QStringLiteral("--json"), QStringLiteral("X")},
+            {QStringLiteral("folders"), QStringLiteral("pause"), QStringLiteral("--json"),
+             QStringLiteral("X")},
             "invalid: unknown argument \"--json\"; see \"vantrope --help\"");
-        row("folders list takes no operand", {QStringLiteral("folders"), QStringLiteral("list"), QStringLiteral("x")},
+        row("folders list takes no operand",
+            {QStringLiteral("folders"), QStringLiteral("list"), QStringLiteral("x")},
             "invalid: \"folders list\" takes no arguments");
         row("folders after a file is a file", {QStringLiteral("x"), QStringLiteral("folders")},
             "run /work/dir/x /work/dir/folders");

@@ -83,7 +83,8 @@ private Q_SLOTS:
             QVERIFY(!Migrator::performWatchedFoldersFilterMigration(store));
             QCOMPARE(store.items().first().matchers.size(), 2);
         }
-        QFile::setPermissions(root.path(), QFileDevice::ReadOwner | QFileDevice::WriteOwner | QFileDevice::ExeOwner);
+        QFile::setPermissions(root.path(),
+                              QFileDevice::ReadOwner | QFileDevice::WriteOwner | QFileDevice::ExeOwner);
         if (!refused) {
             QSKIP("this process writes into any folder");
         }

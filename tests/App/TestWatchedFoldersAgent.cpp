@@ -3,9 +3,12 @@
 #include "AgentUnderTest.h"
 #include "support/TestSupport.h"
 
+#include <QBuffer>
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
+#include <QImage>
+#include <QImageWriter>
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
@@ -106,7 +109,46 @@ private Q_SLOTS:
         QVERIFY(m_agent->process().state() == QProcess::Running);
     }
 
+    // The screenshot shelf on: a screenshot saved where GNOME saves them lands on a shelf, an ordinary
+    // picture beside it does not, and no watched folder may take the folder as well.
+    void screenshotsLandOnAShelf()
+    {
+        const QString screenshots = m_agent->path(u"Pictures/Screenshots"_s);
+        QVERIFY(QDir().mkpath(screenshots));
+        QVERIFY(
+            writeFile(m_agent->path(u"config/vantrope/preferences.json"_s),
+                      R"({"ScreenshotObservationEnabled": true, "UserScreenshotCopyToClipboard": false})"));
+        QVERIFY(m_agent->start());
+
+        QVERIFY(writeFile(screenshots + u"/holiday.png"_s, png({})));
+        QTest::qWait(4000);
+        QCOMPARE(m_agent->list().size(), 0);
+
+        const QString shot = screenshots + u"/Screenshot from 2026-11-25 16-40-12.png"_s;
+        QVERIFY(writeFile(shot, png(u"gnome-screenshot"_s)));
+        QTRY_COMPARE_WITH_TIMEOUT(m_agent->list().size(), 1, 10000);
+        QCOMPARE(m_agent->items(), QJsonArray{shot});
+
+        const auto added = m_agent->run({u"folders"_s, u"add"_s, screenshots});
+        QCOMPARE(added.exitCode, 1);
+        QVERIFY2(added.error.contains(u"screenshot"_s), qPrintable(added.error));
+    }
+
 private:
+    static QByteArray png(const QString& software)
+    {
+        QImage image(32, 24, QImage::Format_RGB32);
+        image.fill(Qt::darkMagenta);
+        QBuffer buffer;
+        buffer.open(QIODevice::WriteOnly);
+        QImageWriter writer(&buffer, "png");
+        if (!software.isEmpty()) {
+            writer.setText(u"Software"_s, software);
+        }
+        writer.write(image);
+        return buffer.data();
+    }
+
     QString inbox() const { return m_agent->path(u"Inbox"_s); }
 
     QJsonArray folders()

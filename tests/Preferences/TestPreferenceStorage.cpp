@@ -5,9 +5,6 @@
 #include "support/TestSupport.h"
 
 #include <cstdio>
-#include <QScopeGuard>
-#include <sys/inotify.h>
-#include <unistd.h>
 #include <QCoreApplication>
 #include <QDir>
 #include <QFile>
@@ -15,10 +12,13 @@
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QProcess>
+#include <QScopeGuard>
 #include <QStandardPaths>
 #include <QTemporaryDir>
 #include <QTest>
 #include <QUrl>
+#include <sys/inotify.h>
+#include <unistd.h>
 
 using namespace Vantrope;
 
@@ -337,7 +337,8 @@ private Q_SLOTS:
         QCOMPARE(saves, 1);
         // And the one save holds them all.
         SettingsPreferenceStorage reread(path);
-        QCOMPARE(reread.value(PreferenceKey::userScreenshotShowConfirmationMessage), std::optional(QVariant(true)));
+        QCOMPARE(reread.value(PreferenceKey::userScreenshotShowConfirmationMessage),
+                 std::optional(QVariant(true)));
     }
 };
 

@@ -73,12 +73,13 @@ void WatchedFolderController::startAtLaunch()
 
 void WatchedFolderController::scheduleRecheck()
 {
-    m_clock.schedule(recheckInterval, DispatchQueue::main(), [self = QPointer<WatchedFolderController>(this)] {
-        if (self) {
-            self->recheck();
-            self->scheduleRecheck();
-        }
-    });
+    m_clock.schedule(recheckInterval, DispatchQueue::main(),
+                     [self = QPointer<WatchedFolderController>(this)] {
+                         if (self) {
+                             self->recheck();
+                             self->scheduleRecheck();
+                         }
+                     });
 }
 
 void WatchedFolderController::recheck()
@@ -155,7 +156,8 @@ WatchedFolderController::State WatchedFolderController::stateOf(const ObservedDi
     if (available != State::active) {
         return available;
     }
-    return m_coordinator.observationStatus(directory.url) == DirectoryObserverCoordinator::ObservationStatus::observing
+    return m_coordinator.observationStatus(directory.url) ==
+                   DirectoryObserverCoordinator::ObservationStatus::observing
                ? State::active
                : State::inactive;
 }
@@ -180,78 +182,88 @@ std::expected<WatchedFolderController::Folder, Error> WatchedFolderController::a
         return std::unexpected(Error{Error::Kind::notAFolder, QStringLiteral("not a folder: %1").arg(clean)});
     }
     if (const auto problem = accessProblem(clean)) {
-        return std::unexpected(Error{Error::Kind::unreadable, QStringLiteral("cannot read %1: %2")
-                                                                  .arg(clean, QString::fromLocal8Bit(std::strerror(*problem)))});
+        return std::unexpected(
+            Error{Error::Kind::unreadable, QStringLiteral("cannot read %1: %2")
+                                               .arg(clean, QString::fromLocal8Bit(std::strerror(*problem)))});
     }
     const QUrl url = QUrl::fromLocalFile(clean);
     for (const ObservedDirectory& directory : m_store.items()) {
         if (QDir::cleanPath(directory.url.toLocalFile()) == clean) {
-            return std::unexpected(Error{Error::Kind::alreadyWatched,
-                                         QStringLiteral("%1 is watched already, as %2").arg(clean, directory.identifier)});
+            return std::unexpected(
+                Error{Error::Kind::alreadyWatched,
+                      QStringLiteral("%1 is watched already, as %2").arg(clean, directory.identifier)});
         }
     }
     if (m_coordinator.observationStatus(url) == DirectoryObserverCoordinator::ObservationStatus::restricted) {
-        return std::unexpected(Error{Error::Kind::restricted,
-                                     QStringLiteral("%1 is the screenshot folder, which the screenshot shelf watches "
-                                                    "already")
-                                         .arg(clean)});
+        return std::unexpected(
+            Error{Error::Kind::restricted,
+                  QStringLiteral("%1 is the screenshot folder, which the screenshot shelf watches "
+                                 "already")
+                      .arg(clean)});
     }
     // There are no security scopes here: the bookmark is the path itself.
     const ObservedDirectory directory = ObservedDirectory::make(url, QFile::encodeName(clean));
     if (!m_store.saveItem(directory)) {
         // The store keeps the change in memory; a folder the user was told failed must not linger there.
         m_store.deleteItem(directory);
-        return std::unexpected(Error{Error::Kind::saveFailed,
-                                     QStringLiteral("could not save the list of watched folders at %1")
-                                         .arg(m_store.filePath())});
+        return std::unexpected(Error{
+            Error::Kind::saveFailed,
+            QStringLiteral("could not save the list of watched folders at %1").arg(m_store.filePath())});
     }
     startFolder(directory);
     return Folder{directory, stateOf(directory)};
 }
 
-std::expected<WatchedFolderController::Folder, Error> WatchedFolderController::remove(const QString& identifier)
+std::expected<WatchedFolderController::Folder, Error>
+WatchedFolderController::remove(const QString& identifier)
 {
     const auto directory = find(identifier);
     if (!directory) {
-        return std::unexpected(Error{Error::Kind::unknownFolder,
-                                     QStringLiteral("no watched folder has the identifier \"%1\"").arg(identifier)});
+        return std::unexpected(
+            Error{Error::Kind::unknownFolder,
+                  QStringLiteral("no watched folder has the identifier \"%1\"").arg(identifier)});
     }
     m_coordinator.removeObserver(directory->url);
     m_unavailable.remove(directory->identifier);
     m_startedInodes.remove(directory->identifier);
     if (!m_store.deleteItem(*directory)) {
-        return std::unexpected(Error{Error::Kind::saveFailed,
-                                     QStringLiteral("could not save the list of watched folders at %1")
-                                         .arg(m_store.filePath())});
+        return std::unexpected(Error{
+            Error::Kind::saveFailed,
+            QStringLiteral("could not save the list of watched folders at %1").arg(m_store.filePath())});
     }
     return Folder{*directory, State::inactive};
 }
 
-std::expected<WatchedFolderController::Folder, Error> WatchedFolderController::pause(const QString& identifier)
+std::expected<WatchedFolderController::Folder, Error>
+WatchedFolderController::pause(const QString& identifier)
 {
     auto directory = find(identifier);
     if (!directory) {
-        return std::unexpected(Error{Error::Kind::unknownFolder,
-                                     QStringLiteral("no watched folder has the identifier \"%1\"").arg(identifier)});
+        return std::unexpected(
+            Error{Error::Kind::unknownFolder,
+                  QStringLiteral("no watched folder has the identifier \"%1\"").arg(identifier)});
     }
     directory->lifecycle.isStopped = true;
     const bool saved = m_store.saveItem(*directory);
     m_coordinator.stopObserving(m_coordinator.observer(directory->url));
     if (!saved) {
-        return std::unexpected(Error{Error::Kind::saveFailed,
-                                     QStringLiteral("paused for now, but could not save the list of watched folders "
-                                                    "at %1")
-                                         .arg(m_store.filePath())});
+        return std::unexpected(
+            Error{Error::Kind::saveFailed,
+                  QStringLiteral("paused for now, but could not save the list of watched folders "
+                                 "at %1")
+                      .arg(m_store.filePath())});
     }
     return Folder{*directory, stateOf(*directory)};
 }
 
-std::expected<WatchedFolderController::Folder, Error> WatchedFolderController::resume(const QString& identifier)
+std::expected<WatchedFolderController::Folder, Error>
+WatchedFolderController::resume(const QString& identifier)
 {
     auto directory = find(identifier);
     if (!directory) {
-        return std::unexpected(Error{Error::Kind::unknownFolder,
-                                     QStringLiteral("no watched folder has the identifier \"%1\"").arg(identifier)});
+        return std::unexpected(
+            Error{Error::Kind::unknownFolder,
+                  QStringLiteral("no watched folder has the identifier \"%1\"").arg(identifier)});
     }
     directory->lifecycle.isStopped = false;
     const bool saved = m_store.saveItem(*directory);
@@ -262,10 +274,11 @@ std::expected<WatchedFolderController::Folder, Error> WatchedFolderController::r
         }
     }
     if (!saved) {
-        return std::unexpected(Error{Error::Kind::saveFailed,
-                                     QStringLiteral("resumed for now, but could not save the list of watched folders "
-                                                    "at %1")
-                                         .arg(m_store.filePath())});
+        return std::unexpected(
+            Error{Error::Kind::saveFailed,
+                  QStringLiteral("resumed for now, but could not save the list of watched folders "
+                                 "at %1")
+                      .arg(m_store.filePath())});
     }
     return Folder{*directory, stateOf(*directory)};
 }

@@ -7,8 +7,8 @@
 
 #include <chrono>
 #include <expected>
-#include <QObject>
 #include <QHash>
+#include <QObject>
 #include <QSet>
 
 namespace Vantrope {
@@ -27,7 +27,15 @@ public:
     };
 
     struct Error {
-        enum class Kind { missing, unreadable, notAFolder, alreadyWatched, restricted, unknownFolder, saveFailed };
+        enum class Kind {
+            missing,
+            unreadable,
+            notAFolder,
+            alreadyWatched,
+            restricted,
+            unknownFolder,
+            saveFailed
+        };
         Kind kind = Kind::unknownFolder;
         QString message;
     };
@@ -35,8 +43,8 @@ public:
     // How often vanished and unreadable folders are looked at again.
     static constexpr std::chrono::seconds recheckInterval{2};
 
-    WatchedFolderController(ObservedDirectoryStore& store, DirectoryObserverCoordinator& coordinator, Clock& clock,
-                            QObject* parent = nullptr);
+    WatchedFolderController(ObservedDirectoryStore& store, DirectoryObserverCoordinator& coordinator,
+                            Clock& clock, QObject* parent = nullptr);
     ~WatchedFolderController() override;
 
     // Starts every stored folder that is not paused, then keeps checking on them.

@@ -6,6 +6,7 @@
 #include "Libraries/Core/ReservedTemporaryDirectory.h"
 #include "Preferences/Preferences.h"
 
+#include <algorithm>
 #include <fcntl.h>
 #include <QDir>
 #include <QDirIterator>
@@ -63,7 +64,8 @@ bool isInside(const QString& path, const QString& folder)
 
 } // namespace
 
-TemporaryDataSanitizer::TemporaryDataSanitizer(QStringList directories, Preferences& preferences, Clock& clock)
+TemporaryDataSanitizer::TemporaryDataSanitizer(QStringList directories, Preferences& preferences,
+                                               Clock& clock)
     : m_directories(std::move(directories))
     , m_preferences(preferences)
     , m_clock(clock)
@@ -114,7 +116,8 @@ void TemporaryDataSanitizer::purge(Protected kept, Completion done)
             if (alive.expired()) {
                 return;
             }
-            m_preferences.setValue(PreferenceKeys::lastTemporaryDataSanitationDate, m_clock.currentDateTime());
+            m_preferences.setValue(PreferenceKeys::lastTemporaryDataSanitationDate,
+                                   m_clock.currentDateTime());
             if (done) {
                 done(result);
             }
@@ -122,9 +125,11 @@ void TemporaryDataSanitizer::purge(Protected kept, Completion done)
     });
 }
 
-TemporaryDataSanitizer::Result TemporaryDataSanitizer::sanitizeDirectories(const QList<QUrl>& protectedUrls) const
+TemporaryDataSanitizer::Result
+TemporaryDataSanitizer::sanitizeDirectories(const QList<QUrl>& protectedUrls) const
 {
-    qCInfo(lcDragSession).noquote() << QStringLiteral("Starting with directories: ") + m_directories.join(u", ");
+    qCInfo(lcDragSession).noquote() << QStringLiteral("Starting with directories: ") +
+                                           m_directories.join(u", ");
     QStringList protectedPaths;
     for (const QUrl& url : protectedUrls) {
         if (url.isLocalFile()) {
@@ -139,8 +144,9 @@ TemporaryDataSanitizer::Result TemporaryDataSanitizer::sanitizeDirectories(const
         for (const QFileInfo& entry : entries) {
             const QString path = QDir::cleanPath(entry.filePath());
             // A shelf's text file lies in a folder of its own: that whole folder is the shelf's.
-            const bool isProtected = std::any_of(protectedPaths.begin(), protectedPaths.end(),
-                                                 [&path](const QString& kept) { return isInside(kept, path); });
+            const bool isProtected =
+                std::any_of(protectedPaths.begin(), protectedPaths.end(),
+                            [&path](const QString& kept) { return isInside(kept, path); });
             if (!isProtected) {
                 doomed.append(path);
             }
@@ -149,27 +155,29 @@ TemporaryDataSanitizer::Result TemporaryDataSanitizer::sanitizeDirectories(const
     return removeEntries(doomed, m_directories);
 }
 
-TemporaryDataSanitizer::Result TemporaryDataSanitizer::purgeSnapshots(const QString& snapshotDirectory,
-                                                                      const QSet<QString>& storedIdentifiers) const
+TemporaryDataSanitizer::Result
+TemporaryDataSanitizer::purgeSnapshots(const QString& snapshotDirectory,
+                                       const QSet<QString>& storedIdentifiers) const
 {
     if (snapshotDirectory.isEmpty()) {
         return {};
     }
     QStringList doomed;
-    const QFileInfoList pictures = QDir(snapshotDirectory).entryInfoList({QStringLiteral("*.png")}, QDir::Files);
+    const QFileInfoList pictures =
+        QDir(snapshotDirectory).entryInfoList({QStringLiteral("*.png")}, QDir::Files);
     for (const QFileInfo& picture : pictures) {
         const QString identifier = QUrl::fromPercentEncoding(picture.completeBaseName().toLatin1());
         if (!storedIdentifiers.contains(identifier)) {
             doomed.append(picture.filePath());
         }
     }
-    qCInfo(lcDragSession).noquote() << QStringLiteral("Purging %1 thumbnails of shelves no longer stored")
-                                           .arg(doomed.size());
+    qCInfo(lcDragSession).noquote()
+        << QStringLiteral("Purging %1 thumbnails of shelves no longer stored").arg(doomed.size());
     return removeEntries(doomed, {QDir::cleanPath(snapshotDirectory)});
 }
 
 TemporaryDataSanitizer::Result TemporaryDataSanitizer::removeEntries(const QStringList& paths,
-                                                                    const QStringList& roots) const
+                                                                     const QStringList& roots) const
 {
     Result result;
     if (paths.isEmpty()) {
@@ -195,7 +203,8 @@ TemporaryDataSanitizer::Result TemporaryDataSanitizer::removeEntries(const QStri
             removable.append(path);
         }
     }
-    qCInfo(lcDragSession).noquote() << QStringLiteral("About to delete ") + QString::number(removable.size()) +
+    qCInfo(lcDragSession).noquote() << QStringLiteral("About to delete ") +
+                                           QString::number(removable.size()) +
                                            QStringLiteral(" files/directories");
     for (const QString& path : removable) {
         const QFileInfo info(path);
@@ -213,8 +222,8 @@ TemporaryDataSanitizer::Result TemporaryDataSanitizer::removeEntries(const QStri
             ++result.removed;
         } else {
             ++result.failed;
-            qCWarning(lcDragSession).noquote()
-                << QStringLiteral("Failed to delete item at ") + path + QStringLiteral(" with error: ") + error;
+            qCWarning(lcDragSession).noquote() << QStringLiteral("Failed to delete item at ") + path +
+                                                      QStringLiteral(" with error: ") + error;
         }
     }
     return result;

@@ -5,6 +5,7 @@
 #include "Libraries/Core/URL.h"
 #include "UserScreenshotLogging.h"
 
+#include <algorithm>
 #include <array>
 #include <QDateTime>
 #include <QDir>
@@ -22,9 +23,10 @@ const QStringList screenshotExtensions{QStringLiteral("png"), QStringLiteral("jp
                                        QStringLiteral("tiff")};
 
 // Attribute names that mark a screenshot where a tool sets one.
-const QStringList screenshotExtendedAttributes{QStringLiteral("com.apple.metadata:kMDItemIsScreenCapture"),
-                                               QStringLiteral("com.apple.metadata:kMDItemScreenCaptureGlobalRect"),
-                                               QStringLiteral("com.apple.metadata:kMDItemCaptureType")};
+const QStringList screenshotExtendedAttributes{
+    QStringLiteral("com.apple.metadata:kMDItemIsScreenCapture"),
+    QStringLiteral("com.apple.metadata:kMDItemScreenCaptureGlobalRect"),
+    QStringLiteral("com.apple.metadata:kMDItemCaptureType")};
 
 // Tools that name themselves in a PNG's "Software" text.
 const QStringList screenshotTools{QStringLiteral("gnome-screenshot"), QStringLiteral("spectacle"),
@@ -56,7 +58,8 @@ bool readExactly(QFile& file, char* data, qint64 size)
 
 UserScreenshotLocator::UserScreenshotLocator(Clock& clock, const QString& language)
     : m_clock(clock)
-    , m_screenshotName(localizedScreenshotName(language.isEmpty() ? QLocale::system().name().left(2) : language))
+    , m_screenshotName(
+          localizedScreenshotName(language.isEmpty() ? QLocale::system().name().left(2) : language))
 {}
 
 UserScreenshotLocator::~UserScreenshotLocator() = default;
@@ -75,14 +78,16 @@ bool UserScreenshotLocator::hasToolName(const QString& fileName)
 {
     static const std::array<QRegularExpression, 3> patterns{
         // GNOME: "Screenshot from 2024-05-01 10-11-12.png"; "From" from GNOME 47 on.
-        QRegularExpression(QStringLiteral(R"(^Screenshot [Ff]rom \d{4}-\d{2}-\d{2} \d{2}-\d{2}-\d{2}( \(\d+\))?\.png$)")),
+        QRegularExpression(
+            QStringLiteral(R"(^Screenshot [Ff]rom \d{4}-\d{2}-\d{2} \d{2}-\d{2}-\d{2}( \(\d+\))?\.png$)")),
         // Spectacle: "Screenshot_20240501_101112.png".
         QRegularExpression(QStringLiteral(R"(^Screenshot_\d{8}_\d{6}(-\d+)?\.(png|jpe?g)$)")),
         // Flameshot: "2024-05-01_10-11.png".
         QRegularExpression(QStringLiteral(R"(^\d{4}-\d{2}-\d{2}_\d{2}-\d{2}(_\d+)?\.png$)")),
     };
-    return std::any_of(patterns.begin(), patterns.end(),
-                       [&fileName](const QRegularExpression& pattern) { return pattern.match(fileName).hasMatch(); });
+    return std::any_of(patterns.begin(), patterns.end(), [&fileName](const QRegularExpression& pattern) {
+        return pattern.match(fileName).hasMatch();
+    });
 }
 
 std::optional<QString> UserScreenshotLocator::pngSoftware(const QString& path)
@@ -115,7 +120,8 @@ std::optional<QString> UserScreenshotLocator::pngSoftware(const QString& path)
             if (end > 0 && data.left(end) == "Software") {
                 QByteArray value = data.mid(end + 1);
                 if (type == "iTXt") {
-                    // Compression flag, method, then a language tag and a translated keyword, each ended by a zero.
+                    // Compression flag, method, then a language tag and a translated keyword, each ended by a
+                    // zero.
                     if (value.size() < 2 || value.at(0) != 0) {
                         return std::nullopt;
                     }
@@ -183,7 +189,8 @@ void UserScreenshotLocator::scan(Completion completion)
         const QUrl url = QUrl::fromLocalFile(folder + QLatin1Char('/') + name);
         switch (matchStatus(url, false)) {
         case MatchStatus::match:
-            qCInfo(lcUserScreenshot).noquote() << QStringLiteral("Found a match (") + url.toLocalFile() + u')';
+            qCInfo(lcUserScreenshot).noquote()
+                << QStringLiteral("Found a match (") + url.toLocalFile() + u')';
             m_ignoredFiles.append(url);
             completion(url);
             return;
@@ -199,14 +206,16 @@ void UserScreenshotLocator::scan(Completion completion)
         completion(std::nullopt);
         return;
     }
-    qCInfo(lcUserScreenshot).noquote() << QStringLiteral("Found possible match (") + possible.first().toLocalFile() +
+    qCInfo(lcUserScreenshot).noquote() << QStringLiteral("Found possible match (") +
+                                              possible.first().toLocalFile() +
                                               QStringLiteral(", so we're trying one more time");
-    m_clock.schedule(firstRetryDelay, m_queue,
-                     [this, alive = std::weak_ptr<int>(m_lifetime), possible, completion = std::move(completion)] {
-                         if (!alive.expired()) {
-                             retryFiles(possible, completion);
-                         }
-                     });
+    m_clock.schedule(
+        firstRetryDelay, m_queue,
+        [this, alive = std::weak_ptr<int>(m_lifetime), possible, completion = std::move(completion)] {
+            if (!alive.expired()) {
+                retryFiles(possible, completion);
+            }
+        });
 }
 
 void UserScreenshotLocator::retryFiles(const QList<QUrl>& files, Completion completion)
@@ -221,15 +230,16 @@ void UserScreenshotLocator::retryFiles(const QList<QUrl>& files, Completion comp
         }
     }
     if (m_retryCount < maximumRetries) {
-        qCDebug(lcUserScreenshot).noquote() << QStringLiteral("Nothing found after retry nr %1, will try again...")
-                                                   .arg(m_retryCount);
+        qCDebug(lcUserScreenshot).noquote()
+            << QStringLiteral("Nothing found after retry nr %1, will try again...").arg(m_retryCount);
         ++m_retryCount;
-        m_clock.schedule(retryDelay, m_queue,
-                         [this, alive = std::weak_ptr<int>(m_lifetime), files, completion = std::move(completion)] {
-                             if (!alive.expired()) {
-                                 retryFiles(files, completion);
-                             }
-                         });
+        m_clock.schedule(
+            retryDelay, m_queue,
+            [this, alive = std::weak_ptr<int>(m_lifetime), files, completion = std::move(completion)] {
+                if (!alive.expired()) {
+                    retryFiles(files, completion);
+                }
+            });
         return;
     }
     qCInfo(lcUserScreenshot).noquote() << QStringLiteral("Nothing found after %1 retries").arg(m_retryCount);

@@ -15,8 +15,8 @@
 
 namespace Vantrope {
 
-UserScreenshotObserver::UserScreenshotObserver(BookmarkStore& bookmarkStore, DirectoryWatcher& watcher, Clock& clock,
-                                               const QString& language, QObject* parent)
+UserScreenshotObserver::UserScreenshotObserver(BookmarkStore& bookmarkStore, DirectoryWatcher& watcher,
+                                               Clock& clock, const QString& language, QObject* parent)
     : QObject(parent)
     , m_bookmarkStore(bookmarkStore)
     , m_watcher(watcher)
@@ -57,7 +57,8 @@ std::expected<void, UserScreenshotObserver::ValidationError> UserScreenshotObser
     return {};
 }
 
-std::expected<void, std::variant<UserScreenshotObserver::ValidationError, UserScreenshotObserver::ObserverError>>
+std::expected<void,
+              std::variant<UserScreenshotObserver::ValidationError, UserScreenshotObserver::ObserverError>>
 UserScreenshotObserver::start()
 {
     if (const auto valid = validateDirectory(); !valid) {
@@ -79,8 +80,8 @@ UserScreenshotObserver::start()
     });
     if (!watch) {
         m_status = Failed{ValidationError::underlying};
-        qCWarning(lcUserScreenshot).noquote() << QStringLiteral("Failed to start with error: ") +
-                                                     watch.error().description();
+        qCWarning(lcUserScreenshot).noquote()
+            << QStringLiteral("Failed to start with error: ") + watch.error().description();
         return std::unexpected(ObserverError::failedStarting);
     }
     m_watch = std::move(*watch);
@@ -104,9 +105,10 @@ void UserScreenshotObserver::changeDirectory(const QUrl& url)
         qCWarning(lcUserScreenshot) << "Failed to add location, most likely a bookmark couldn't be obtained";
         return;
     }
-    qCInfo(lcUserScreenshot).noquote() << QStringLiteral("Changed directory to %1. Store count should be 1, it is %2")
-                                              .arg(url.toString())
-                                              .arg(m_bookmarkStore.bookmarks().size());
+    qCInfo(lcUserScreenshot).noquote()
+        << QStringLiteral("Changed directory to %1. Store count should be 1, it is %2")
+               .arg(url.toString())
+               .arg(m_bookmarkStore.bookmarks().size());
 }
 
 void UserScreenshotObserver::directoryChanged()
@@ -133,9 +135,11 @@ QString UserScreenshotObserver::message(ValidationError error)
     case ValidationError::missingDirectory:
         return Localized("validation-error.missing-directory", "No folder for screenshots is chosen.");
     case ValidationError::nonExistingDirectory:
-        return Localized("validation-error.non-existing-directory", "The folder for screenshots does not exist.");
+        return Localized("validation-error.non-existing-directory",
+                         "The folder for screenshots does not exist.");
     case ValidationError::inaccessibleDirectory:
-        return Localized("validation-error.inaccessible-directory", "Vantrope cannot read the folder for screenshots.");
+        return Localized("validation-error.inaccessible-directory",
+                         "Vantrope cannot read the folder for screenshots.");
     case ValidationError::underlying:
         break;
     }

@@ -218,7 +218,8 @@ std::expected<WatchedFolderSummary, Error> oneFolder(const std::expected<QVarian
         return std::unexpected(values.error());
     }
     if (values->isEmpty()) {
-        return std::unexpected(Error{Error::Kind::noAnswer, QStringLiteral("Vantrope answered with nothing")});
+        return std::unexpected(
+            Error{Error::Kind::noAnswer, QStringLiteral("Vantrope answered with nothing")});
     }
     return folderFrom(qdbus_cast<QVariantMap>(values->first()));
 }
@@ -240,13 +241,14 @@ std::expected<QList<WatchedFolderSummary>, Error> ApplicationDBusClient::watched
     return result;
 }
 
-std::expected<WatchedFolderSummary, Error> ApplicationDBusClient::addWatchedFolder(const QByteArray& path) const
+std::expected<WatchedFolderSummary, Error>
+ApplicationDBusClient::addWatchedFolder(const QByteArray& path) const
 {
     return oneFolder(call(QStringLiteral("AddFolder"), {path}));
 }
 
-std::expected<WatchedFolderSummary, Error> ApplicationDBusClient::changeWatchedFolder(const QString& method,
-                                                                                      const QString& identifier) const
+std::expected<WatchedFolderSummary, Error>
+ApplicationDBusClient::changeWatchedFolder(const QString& method, const QString& identifier) const
 {
     return oneFolder(call(method, {identifier}));
 }

@@ -5,9 +5,9 @@
 #include "ApplicationRequestHandler.h"
 #include "WatchedFolderRequestHandler.h"
 
-#include <optional>
 #include <chrono>
 #include <expected>
+#include <optional>
 #include <QVariantList>
 
 namespace Vantrope {

@@ -67,7 +67,8 @@ private:
     bool ready();
     QString refuse(const ApplicationRequestHandler::Error& error);
     WatchedFolderRequestHandler* watchedFolderHandler();
-    QVariantMap folderReply(const std::expected<WatchedFolderSummary, ApplicationRequestHandler::Error>& folder);
+    QVariantMap
+    folderReply(const std::expected<WatchedFolderSummary, ApplicationRequestHandler::Error>& folder);
 
     ApplicationRequestHandler* m_handler = nullptr;
     bool m_claimed = false;

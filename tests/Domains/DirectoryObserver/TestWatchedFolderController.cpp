@@ -50,7 +50,8 @@ struct Fixture : Test::FolderFixture {
     }
     bool pass()
     {
-        return Test::runPass(clock, watcher, [this] { return Test::treePasses(coordinator.observer(url())); });
+        return Test::runPass(clock, watcher,
+                             [this] { return Test::treePasses(coordinator.observer(url())); });
     }
     // Lets one recheck run.
     void recheck()

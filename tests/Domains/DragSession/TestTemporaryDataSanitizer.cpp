@@ -62,7 +62,8 @@ class TestTemporaryDataSanitizer final : public QObject {
 private Q_SLOTS:
     void initTestCase() { Test::isolateStandardPaths(); }
 
-    // Direct entries of the folders are judged whole: one that holds a protected file stays with all it holds.
+    // Direct entries of the folders are judged whole: one that holds a protected file stays with all it
+    // holds.
     void removesOnlyWhatNoShelfHolds_data()
     {
         QTest::addColumn<QStringList>("entries");
@@ -175,7 +176,8 @@ private Q_SLOTS:
         f.sanitizer.startIfDue({}, [&result](const TemporaryDataSanitizer::Result& done) { result = done; });
         if (runs) {
             QTRY_VERIFY(result.has_value());
-            QCOMPARE(f.preferences.value(PreferenceKeys::lastTemporaryDataSanitationDate), f.clock.currentDateTime());
+            QCOMPARE(f.preferences.value(PreferenceKeys::lastTemporaryDataSanitationDate),
+                     f.clock.currentDateTime());
         } else {
             QTest::qWait(200);
             QVERIFY(!result);
@@ -202,8 +204,10 @@ private Q_SLOTS:
     void theProgramsOwnTextFileLayoutIsProtected()
     {
         // A text item's file where the program itself puts it, in a folder named after its content.
-        const auto note = DraggableStorage::filePath(ReservedTemporaryDirectory::textFiles, u"note.txt"_s, "hello");
-        const auto other = DraggableStorage::filePath(ReservedTemporaryDirectory::textFiles, u"old.txt"_s, "bye");
+        const auto note =
+            DraggableStorage::filePath(ReservedTemporaryDirectory::textFiles, u"note.txt"_s, "hello");
+        const auto other =
+            DraggableStorage::filePath(ReservedTemporaryDirectory::textFiles, u"old.txt"_s, "bye");
         QVERIFY(note && other);
         QVERIFY(Test::writeFile(*note, "hello") && Test::writeFile(*other, "bye"));
         QVERIFY(age(*other, 3h) && age(QFileInfo(*other).path(), 3h));

@@ -55,7 +55,10 @@ struct Fixture {
         observer.setChangeHandler([this](const QUrl& url) { handed.append(url); });
     }
     QString path(const QString& name) const { return folder + u'/' + name; }
-    bool write(const QString& name, const QByteArray& data) const { return Test::writeFile(path(name), data); }
+    bool write(const QString& name, const QByteArray& data) const
+    {
+        return Test::writeFile(path(name), data);
+    }
     // The kernel's signal, then the throttle, the scan and the retries with the clock moving as they wait.
     void signalAndRunOut(std::chrono::milliseconds time = 3500ms)
     {
@@ -85,28 +88,31 @@ private Q_SLOTS:
         QTest::addColumn<int>("expected");
         const QByteArray gnome = png(u"gnome-screenshot"_s);
         const QByteArray plain = png();
-        QTest::newRow("GNOME name and Software text") << gnomeName << gnome << 0 << u"en"_s << int(Status::match);
-        QTest::newRow("GNOME 47 name, no text") << u"Screenshot From 2026-11-25 16-40-12.png"_s << plain << 0
-                                                << u"en"_s << int(Status::match);
-        QTest::newRow("Spectacle name") << u"Screenshot_20261125_164012.png"_s << plain << 0 << u"en"_s
-                                        << int(Status::match);
-        QTest::newRow("Flameshot name") << u"2026-11-25_16-40.png"_s << plain << 0 << u"en"_s << int(Status::match);
-        QTest::newRow("any name with the Software text") << u"capture.png"_s << gnome << 0 << u"en"_s
-                                                         << int(Status::match);
-        QTest::newRow("an ordinary picture") << u"holiday.png"_s << plain << 0 << u"en"_s << int(Status::discard);
-        QTest::newRow("another program's Software text") << u"drawing.png"_s << png(u"GIMP 2.10"_s) << 0 << u"en"_s
-                                                         << int(Status::discard);
+        QTest::newRow("GNOME name and Software text")
+            << gnomeName << gnome << 0 << u"en"_s << int(Status::match);
+        QTest::newRow("GNOME 47 name, no text")
+            << u"Screenshot From 2026-11-25 16-40-12.png"_s << plain << 0 << u"en"_s << int(Status::match);
+        QTest::newRow("Spectacle name")
+            << u"Screenshot_20261125_164012.png"_s << plain << 0 << u"en"_s << int(Status::match);
+        QTest::newRow("Flameshot name")
+            << u"2026-11-25_16-40.png"_s << plain << 0 << u"en"_s << int(Status::match);
+        QTest::newRow("any name with the Software text")
+            << u"capture.png"_s << gnome << 0 << u"en"_s << int(Status::match);
+        QTest::newRow("an ordinary picture")
+            << u"holiday.png"_s << plain << 0 << u"en"_s << int(Status::discard);
+        QTest::newRow("another program's Software text")
+            << u"drawing.png"_s << png(u"GIMP 2.10"_s) << 0 << u"en"_s << int(Status::discard);
         QTest::newRow("only the first word: maybe, later")
             << u"Screenshot of my desk.png"_s << plain << 0 << u"en"_s << int(Status::possible);
-        QTest::newRow("a German name and the text") << u"Bildschirmfoto vom 2026-11-25 16-40-12.png"_s << gnome << 0
-                                                    << u"de"_s << int(Status::match);
+        QTest::newRow("a German name and the text")
+            << u"Bildschirmfoto vom 2026-11-25 16-40-12.png"_s << gnome << 0 << u"de"_s << int(Status::match);
         QTest::newRow("a German name alone") << u"Bildschirmfoto vom 2026-11-25 16-40-12.png"_s << plain << 0
                                              << u"de"_s << int(Status::possible);
-        QTest::newRow("half written") << gnomeName << gnome.left(gnome.size() / 2) << 0 << u"en"_s
-                                       << int(Status::possible);
+        QTest::newRow("half written")
+            << gnomeName << gnome.left(gnome.size() / 2) << 0 << u"en"_s << int(Status::possible);
         QTest::newRow("hidden") << u"."_s + gnomeName << gnome << 0 << u"en"_s << int(Status::discard);
-        QTest::newRow("another format") << u"Screenshot from 2026-11-25 16-40-12.gif"_s << gnome << 0 << u"en"_s
-                                        << int(Status::discard);
+        QTest::newRow("another format")
+            << u"Screenshot from 2026-11-25 16-40-12.gif"_s << gnome << 0 << u"en"_s << int(Status::discard);
         QTest::newRow("too old to be new") << gnomeName << gnome << 30 << u"en"_s << int(Status::discard);
     }
 
@@ -181,8 +187,10 @@ private Q_SLOTS:
     {
         QTest::addColumn<bool>("folderChosen");
         QTest::addColumn<int>("error");
-        QTest::newRow("none chosen") << false << int(UserScreenshotObserver::ValidationError::missingDirectory);
-        QTest::newRow("chosen, then deleted") << true << int(UserScreenshotObserver::ValidationError::nonExistingDirectory);
+        QTest::newRow("none chosen") << false
+                                     << int(UserScreenshotObserver::ValidationError::missingDirectory);
+        QTest::newRow("chosen, then deleted")
+            << true << int(UserScreenshotObserver::ValidationError::nonExistingDirectory);
     }
 
     void refusesToStartWithoutAFolder()
