@@ -106,11 +106,16 @@ void WatchedFolderController::recheck()
             observer.determineStatus();
             continue;
         }
-        if (m_unavailable.remove(directory.identifier)) {
+        const bool cameBack = m_unavailable.remove(directory.identifier);
+        if (cameBack) {
             qCInfo(lcDirectoryObserver).noquote() << QStringLiteral("Watched folder %1 is back").arg(path);
         }
         DirectoryObserver& observer = m_coordinator.observer(directory.url);
-        if (!observer.isRunning() || m_startedInodes.value(directory.identifier) != inodeOf(path)) {
+        // A folder deleted and made again between two looks is another directory, which the old watch
+        // does not see.
+        const bool replaced =
+            observer.isRunning() && m_startedInodes.value(directory.identifier) != inodeOf(path);
+        if (cameBack || replaced) {
             if (observer.isRunning()) {
                 m_coordinator.stopObserving(observer);
             }
