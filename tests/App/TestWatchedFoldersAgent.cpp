@@ -43,12 +43,12 @@ private Q_SLOTS:
 
         QVERIFY(writeFile(inbox() + u"/report.pdf"_s, "%PDF-1.4 first"));
         QTRY_COMPARE_WITH_TIMEOUT(m_agent->list().size(), 1, 10000);
-        QCOMPARE(m_agent->items(), QJsonArray{inbox() + u"/report.pdf"_s});
+        QCOMPARE(m_agent->items(), QJsonArray{QString(inbox() + u"/report.pdf"_s)});
 
         QVERIFY(writeFile(inbox() + u"/notes.txt"_s, "second"));
         QTRY_COMPARE_WITH_TIMEOUT(m_agent->items().size(), 2, 10000);
         QCOMPARE(m_agent->list().size(), 1);
-        QVERIFY(m_agent->items().contains(inbox() + u"/notes.txt"_s));
+        QVERIFY(m_agent->items().contains(QString(inbox() + u"/notes.txt"_s)));
     }
 
     void foldersSurviveARestartAndRefuseBadRequests()
@@ -86,7 +86,7 @@ private Q_SLOTS:
         QCOMPARE(onlyFolder().value(u"status"_s).toString(), u"active"_s);
         QVERIFY(writeFile(inbox() + u"/resumed.txt"_s, "x"));
         QTRY_COMPARE_WITH_TIMEOUT(m_agent->list().size(), 1, 10000);
-        QCOMPARE(m_agent->items(), QJsonArray{inbox() + u"/resumed.txt"_s});
+        QCOMPARE(m_agent->items(), QJsonArray{QString(inbox() + u"/resumed.txt"_s)});
 
         QCOMPARE(m_agent->run({u"folders"_s, u"remove"_s, identifier}).exitCode, 0);
         QCOMPARE(folders().size(), 0);
@@ -100,12 +100,14 @@ private Q_SLOTS:
         QCOMPARE(m_agent->run({u"folders"_s, u"add"_s, inbox()}).exitCode, 0);
         QVERIFY(QDir(inbox()).removeRecursively());
         QTRY_COMPARE_WITH_TIMEOUT(onlyFolder().value(u"status"_s).toString(), u"missing"_s, 10000);
+        // The program has seen it gone, not only the listing.
+        QTRY_VERIFY_WITH_TIMEOUT(m_agent->log().contains(QByteArray(QFile::encodeName(inbox()) + " is missing")), 10000);
 
         QVERIFY(QDir().mkpath(inbox()));
         QTRY_COMPARE_WITH_TIMEOUT(onlyFolder().value(u"status"_s).toString(), u"active"_s, 10000);
         QVERIFY(writeFile(inbox() + u"/after.txt"_s, "x"));
         QTRY_COMPARE_WITH_TIMEOUT(m_agent->list().size(), 1, 10000);
-        QCOMPARE(m_agent->items(), QJsonArray{inbox() + u"/after.txt"_s});
+        QCOMPARE(m_agent->items(), QJsonArray{QString(inbox() + u"/after.txt"_s)});
         QVERIFY(m_agent->process().state() == QProcess::Running);
     }
 
