@@ -56,6 +56,10 @@ CommandLine::Request CommandLine::parse(const QStringList& arguments, const QStr
             argument == QStringLiteral("folders")) {
             return parseFolders(rest.mid(index + 1), base);
         }
+        if (command.isEmpty() && operands.isEmpty() && !optionsEnded &&
+            argument == QStringLiteral("settings")) {
+            return parseSettings(rest.mid(index + 1));
+        }
         const bool shelfCommand = command == QStringLiteral("actions") || command == QStringLiteral("run");
         if (!optionsEnded && argument == QStringLiteral("--")) {
             optionsEnded = true;
@@ -197,6 +201,34 @@ CommandLine::Request CommandLine::parseFolders(const QStringList& arguments, con
     return folders;
 }
 
+CommandLine::Request CommandLine::parseSettings(const QStringList& arguments)
+{
+    QStringList operands;
+    bool optionsEnded = false;
+    for (const QString& argument : arguments) {
+        if (!optionsEnded && argument == QStringLiteral("--")) {
+            optionsEnded = true;
+        } else if (!optionsEnded && isOption(argument) && operands.size() < 3) {
+            // A value may begin with a dash ("-1"); only what stands before it is taken for an option.
+            if (operands.size() == 2 && operands.first() == QStringLiteral("set")) {
+                operands.append(argument);
+                continue;
+            }
+            return unknownArgument(argument);
+        } else {
+            operands.append(argument);
+        }
+    }
+    const QString verb = operands.value(0);
+    if (verb == QStringLiteral("get") && operands.size() == 2) {
+        return Settings{operands[1], std::nullopt};
+    }
+    if (verb == QStringLiteral("set") && operands.size() == 3) {
+        return Settings{operands[1], operands[2]};
+    }
+    return Invalid{QStringLiteral("\"settings\" needs \"get KEY\" or \"set KEY VALUE\"")};
+}
+
 std::optional<CommandLine::FileProblem> CommandLine::firstUnusable(const QStringList& paths)
 {
     for (const QString& path : paths) {
@@ -249,6 +281,9 @@ QString CommandLine::helpText()
         "  folders add FOLDER   watch a folder: new files in it open a shelf\n"
         "  folders remove|pause|resume ID\n"
         "                       stop watching a folder, or pause and resume it\n"
+        "  settings get KEY     print a setting, by its name in the preferences file\n"
+        "  settings set KEY VALUE\n"
+        "                       change a setting; lists are given as JSON, such as [\"a\", \"b\"]\n"
         "  quit                 end Vantrope\n"
         "\n"
         "Options:\n"

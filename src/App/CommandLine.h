@@ -54,8 +54,14 @@ public:
         QString argument;
         bool json = false;
     };
+    // `settings get KEY` / `settings set KEY VALUE`, by the names the preferences file uses.
+    struct Settings {
+        QString key;
+        // Absent for `get`.
+        std::optional<QString> value;
+    };
     using Request = std::variant<RunAgent, ShowHelp, ShowVersion, Invalid, AddFiles, NewShelf, OpenRecent,
-                                 CloseAll, Quit, List, ListActions, RunAction, Folders>;
+                                 CloseAll, Quit, List, ListActions, RunAction, Folders, Settings>;
 
     // Usage mistakes exit with this, failures at run time with 1.
     static constexpr int usageExitCode = 2;
@@ -76,6 +82,8 @@ public:
 private:
     // What follows the word "folders".
     static Request parseFolders(const QStringList& arguments, const QDir& base);
+    // What follows the word "settings".
+    static Request parseSettings(const QStringList& arguments);
 };
 
 } // namespace Vantrope

@@ -82,6 +82,15 @@ CommandLineClient::Outcome CommandLineClient::run(const CommandLine::Request& re
                               return {0, result->isEmpty() ? QString() : *result + QLatin1Char('\n'), {}};
                           },
                           [this](const CommandLine::Folders& folders) { return runFolders(folders); },
+                          [this](const CommandLine::Settings& settings) -> Outcome {
+                              const auto value = settings.value
+                                                     ? m_client.setSetting(settings.key, *settings.value)
+                                                     : m_client.setting(settings.key);
+                              if (!value) {
+                                  return failure(value.error());
+                              }
+                              return {0, *value + QLatin1Char('\n'), {}};
+                          },
                           [](const auto&) -> Outcome {
                               return {CommandLine::usageExitCode,
                                       {},

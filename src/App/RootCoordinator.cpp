@@ -29,6 +29,7 @@
 #include "Platform/Desktop/LinuxDesktopActions.h"
 #include "Platform/Linux/InotifyDirectoryWatcher.h"
 #include "Preferences/Preferences.h"
+#include "SettingsService.h"
 #include "Version.h"
 #include "WatchedFolderService.h"
 #include "WindowCoordinator.h"
@@ -72,6 +73,7 @@ RootCoordinator::RootCoordinator(const Dependencies& dependencies, QObject* pare
     m_watchedFolders = std::make_unique<WatchedFolderController>(
         *m_observedDirectoryStore, *m_directoryObserverCoordinator, dependencies.clock);
     m_watchedFolderService = std::make_unique<WatchedFolderService>(*m_watchedFolders);
+    m_settingsService = std::make_unique<SettingsService>(dependencies.preferences);
     m_sanitizer = std::make_unique<TemporaryDataSanitizer>(TemporaryDataSanitizer::reservedDirectories(),
                                                            dependencies.preferences, dependencies.clock);
 

@@ -28,6 +28,7 @@ class DragRecognizerConfiguration;
 class Preferences;
 class ScreenEnvironment;
 class SessionController;
+class SettingsService;
 class UserScreenshotObserver;
 class WatchedFolderController;
 class WatchedFolderService;
@@ -62,6 +63,7 @@ public:
     PersistentDragSessionStore& sessionStore() const { return m_dependencies.sessionStore; }
     WatchedFolderController& watchedFolders() const { return *m_watchedFolders; }
     WatchedFolderService& watchedFolderService() const { return *m_watchedFolderService; }
+    SettingsService& settingsService() const { return *m_settingsService; }
     TemporaryDataSanitizer& sanitizer() const { return *m_sanitizer; }
     UserScreenshotObserver& userScreenshotObserver() const { return *m_userScreenshotObserver; }
     // Clears the temporary data of shelves no longer open or recent now, however recent the last run.
@@ -101,6 +103,7 @@ private:
     std::unique_ptr<DirectoryObserverCoordinator> m_directoryObserverCoordinator;
     std::unique_ptr<WatchedFolderController> m_watchedFolders;
     std::unique_ptr<WatchedFolderService> m_watchedFolderService;
+    std::unique_ptr<SettingsService> m_settingsService;
     std::unique_ptr<TemporaryDataSanitizer> m_sanitizer;
     // After the session controller: the recognizer calls it until the recognizer is gone.
     std::unique_ptr<DragMonitor> m_dragMonitor;

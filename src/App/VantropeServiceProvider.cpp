@@ -8,6 +8,7 @@
 #include "Domains/SessionController/SessionController.h"
 #include "LocalFileName.h"
 #include "RootCoordinator.h"
+#include "SettingsService.h"
 #include "WatchedFolderService.h"
 
 #include <QDir>
@@ -242,6 +243,11 @@ void VantropeServiceProvider::runAction(const QString& shelf, const QString& act
 WatchedFolderRequestHandler* VantropeServiceProvider::watchedFolders()
 {
     return &m_coordinator.watchedFolderService();
+}
+
+SettingsRequestHandler* VantropeServiceProvider::settings()
+{
+    return &m_coordinator.settingsService();
 }
 
 } // namespace Vantrope

@@ -30,6 +30,7 @@ public:
     void runAction(const QString& shelf, const QString& action,
                    std::function<void(const std::expected<QString, Error>&)> done) override;
     WatchedFolderRequestHandler* watchedFolders() override;
+    SettingsRequestHandler* settings() override;
 
 private:
     std::expected<std::shared_ptr<DragSessionCoordinator>, Error> shelfFor(const QString& identifier) const;

@@ -56,6 +56,11 @@ QString describe(const CommandLine::Request& request)
                     .arg(QString::fromUtf8(verbs[int(folders.verb)]), folders.argument,
                          folders.json ? QStringLiteral(" json") : QString());
             },
+            [](const CommandLine::Settings& settings) -> QString {
+                return settings.value
+                           ? QStringLiteral("settings set %1 [%2]").arg(settings.key, *settings.value)
+                           : QStringLiteral("settings get ") + settings.key;
+            },
         },
         request);
 }
@@ -163,6 +168,26 @@ private Q_SLOTS:
         row("folders list takes no operand",
             {QStringLiteral("folders"), QStringLiteral("list"), QStringLiteral("x")},
             "invalid: \"folders list\" takes no arguments");
+        row("settings get",
+            {QStringLiteral("settings"), QStringLiteral("get"), QStringLiteral("NumberOfDrops")},
+            "settings get NumberOfDrops");
+        row("settings set a negative number",
+            {QStringLiteral("settings"), QStringLiteral("set"), QStringLiteral("NumberOfDrops"),
+             QStringLiteral("-1")},
+            "settings set NumberOfDrops [-1]");
+        row("settings set with an empty value",
+            {QStringLiteral("settings"), QStringLiteral("set"), QStringLiteral("K"), QString()},
+            "settings set K []");
+        row("settings set without a value",
+            {QStringLiteral("settings"), QStringLiteral("set"), QStringLiteral("K")},
+            "invalid: \"settings\" needs \"get KEY\" or \"set KEY VALUE\"");
+        row("settings get with a value",
+            {QStringLiteral("settings"), QStringLiteral("get"), QStringLiteral("K"), QStringLiteral("v")},
+            "invalid: \"settings\" needs \"get KEY\" or \"set KEY VALUE\"");
+        row("an option before the value is refused",
+            {QStringLiteral("settings"), QStringLiteral("set"), QStringLiteral("--json"),
+             QStringLiteral("K")},
+            "invalid: unknown argument \"--json\"; see \"vantrope --help\"");
         row("folders after a file is a file", {QStringLiteral("x"), QStringLiteral("folders")},
             "run /work/dir/x /work/dir/folders");
     }

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // SPDX-FileCopyrightText: 2026 The Vantrope developers
+#include "App/Migrator.h"
 #include "Domains/DirectoryObserver/ObservedDirectoryStore.h"
-#include "Migrator.h"
 #include "support/TestSupport.h"
 
 #include <QFile>
@@ -22,7 +22,7 @@ QByteArray olderFile(const QString& root)
 {
     ObservedDirectory withRules = ObservedDirectory::make(QUrl::fromLocalFile(root + u"/a"_s), "a");
     withRules.matchers = {DirectoryObserverItemMatcher::fileName({Comparison::endsWith, u".pdf"_s}),
-                          DirectoryObserverItemMatcher::fileName({Comparison::beginsWith, u"invoice"_s})};
+                          DirectoryObserverItemMatcher::fileName({Comparison::startsWith, u"invoice"_s})};
     withRules.options.observesNestedDirectories = true;
     withRules.lifecycle.isStopped = true;
     const ObservedDirectory without = ObservedDirectory::make(QUrl::fromLocalFile(root + u"/b"_s), "b");
@@ -55,7 +55,7 @@ private Q_SLOTS:
             QCOMPARE(filter.operatorType, DirectoryObserverFilter::OperatorType::And);
         }
         QCOMPARE(migrated.filters.at(1).matcher,
-                 DirectoryObserverItemMatcher::fileName({Comparison::beginsWith, u"invoice"_s}));
+                 DirectoryObserverItemMatcher::fileName({Comparison::startsWith, u"invoice"_s}));
         // Everything else about the folder stays as the user left it.
         QVERIFY(migrated.options.observesNestedDirectories);
         QVERIFY(migrated.lifecycle.isStopped);

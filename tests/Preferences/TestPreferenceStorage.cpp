@@ -309,7 +309,8 @@ private Q_SLOTS:
                  QStringLiteral("QDateTime ") + s_helperDate.toString(Qt::ISODateWithMs));
     }
 
-    // Each save replaces the whole file; a first start with one save per default rewrote it dozens of times.
+    // Each save puts a whole new file in place (created the first time, moved over the old one after), so
+    // the saves are counted by the file appearing; a first start used to save once per default.
     void firstStartSavesTheFileOnce()
     {
         QTemporaryDir folder;
@@ -318,7 +319,7 @@ private Q_SLOTS:
         QVERIFY(inotify >= 0);
         const auto closeInotify = qScopeGuard([inotify] { ::close(inotify); });
         QVERIFY(::inotify_add_watch(inotify, QFile::encodeName(folder.path()).constData(),
-                                    IN_CLOSE_WRITE | IN_MOVED_TO) >= 0);
+                                    IN_CREATE | IN_MOVED_TO) >= 0);
 
         Preferences preferences(std::make_unique<SettingsPreferenceStorage>(path));
         preferences.registerDefaults();

@@ -253,4 +253,17 @@ ApplicationDBusClient::changeWatchedFolder(const QString& method, const QString&
     return oneFolder(call(method, {identifier}));
 }
 
+// Settings
+
+std::expected<QString, Error> ApplicationDBusClient::setting(const QString& name) const
+{
+    return callForString(QStringLiteral("GetSetting"), {name});
+}
+
+std::expected<QString, Error> ApplicationDBusClient::setSetting(const QString& name,
+                                                                const QString& value) const
+{
+    return callForString(QStringLiteral("SetSetting"), {name, value});
+}
+
 } // namespace Vantrope

@@ -55,6 +55,10 @@ public:
     std::expected<WatchedFolderSummary, Error> changeWatchedFolder(const QString& method,
                                                                    const QString& identifier) const;
 
+    // Settings, by their stored names.
+    std::expected<QString, Error> setting(const QString& name) const;
+    std::expected<QString, Error> setSetting(const QString& name, const QString& value) const;
+
 private:
     // Without a timeout, the client's own.
     std::expected<QVariantList, Error> call(const QString& method, const QVariantList& arguments = {},

@@ -303,4 +303,34 @@ QVariantMap ApplicationDBusService::ResumeFolder(const QString& identifier)
     return folders ? folderReply(folders->resumeWatchedFolder(identifier)) : QVariantMap();
 }
 
+// Settings
+
+QString ApplicationDBusService::GetSetting(const QString& name)
+{
+    if (!ready()) {
+        return {};
+    }
+    SettingsRequestHandler* settings = m_handler->settings();
+    if (!settings) {
+        return refuse({ApplicationRequestHandler::Error::Kind::invalidArguments,
+                       QStringLiteral("this Vantrope offers no settings")});
+    }
+    const auto value = settings->setting(name);
+    return value ? *value : refuse(value.error());
+}
+
+QString ApplicationDBusService::SetSetting(const QString& name, const QString& value)
+{
+    if (!ready()) {
+        return {};
+    }
+    SettingsRequestHandler* settings = m_handler->settings();
+    if (!settings) {
+        return refuse({ApplicationRequestHandler::Error::Kind::invalidArguments,
+                       QStringLiteral("this Vantrope offers no settings")});
+    }
+    const auto stored = settings->setSetting(name, value);
+    return stored ? *stored : refuse(stored.error());
+}
+
 } // namespace Vantrope

@@ -3,6 +3,7 @@
 #pragma once
 
 #include "ApplicationRequestHandler.h"
+#include "SettingsRequestHandler.h"
 #include "WatchedFolderRequestHandler.h"
 
 #include <QDBusContext>
@@ -60,6 +61,10 @@ public Q_SLOTS:
     QVariantMap RemoveFolder(const QString& identifier);
     QVariantMap PauseFolder(const QString& identifier);
     QVariantMap ResumeFolder(const QString& identifier);
+
+    // Preferences by their stored names; the value as text, as it stands after the call.
+    QString GetSetting(const QString& name);
+    QString SetSetting(const QString& name, const QString& value);
 
 private:
     // False, and nothing to do, once the caller who waits for the answer has left the bus: a request

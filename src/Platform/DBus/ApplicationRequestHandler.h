@@ -11,6 +11,7 @@
 
 namespace Vantrope {
 
+class SettingsRequestHandler;
 class WatchedFolderRequestHandler;
 
 // One open shelf as other programs see it.
@@ -73,6 +74,8 @@ public:
 
     // The watched folders; none where they are not offered.
     virtual WatchedFolderRequestHandler* watchedFolders() { return nullptr; }
+    // The preferences; none where they are not offered.
+    virtual SettingsRequestHandler* settings() { return nullptr; }
 };
 
 } // namespace Vantrope
