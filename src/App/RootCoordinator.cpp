@@ -101,6 +101,11 @@ void RootCoordinator::start()
         std::make_unique<DragRecognizerConfiguration>(m_dependencies.preferences, *m_dragRecognizer);
     m_dragRecognizer->setDelegate(m_sessionController.get());
     configureScreenshotObservation();
+    connect(&m_dependencies.preferences, &Preferences::changed, this, [this](PreferenceKey key) {
+        if (key == PreferenceKey::screenshotObservationEnabled) {
+            configureScreenshotObservation();
+        }
+    });
     m_directoryObserverCoordinator->setDataSource(this);
     m_sanitizer->startIfDue(temporaryDataInUse(), [](const TemporaryDataSanitizer::Result& result) {
         qCInfo(lcApp) << "Temporary data sanitized:" << result.removed << "removed," << result.busy

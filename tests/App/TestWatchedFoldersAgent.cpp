@@ -113,14 +113,28 @@ private Q_SLOTS:
 
     // The screenshot shelf on: a screenshot saved where GNOME saves them lands on a shelf, an ordinary
     // picture beside it does not, and no watched folder may take the folder as well.
+    void screenshotsLandOnAShelf_data()
+    {
+        QTest::addColumn<bool>("turnedOnWhileRunning");
+        QTest::newRow("on at start") << false;
+        QTest::newRow("turned on while running") << true;
+    }
+
     void screenshotsLandOnAShelf()
     {
+        QFETCH(bool, turnedOnWhileRunning);
         const QString screenshots = m_agent->path(u"Pictures/Screenshots"_s);
         QVERIFY(QDir().mkpath(screenshots));
-        QVERIFY(
-            writeFile(m_agent->path(u"config/vantrope/preferences.json"_s),
-                      R"({"ScreenshotObservationEnabled": true, "UserScreenshotCopyToClipboard": false})"));
+        if (!turnedOnWhileRunning) {
+            QVERIFY(writeFile(m_agent->path(u"config/vantrope/preferences.json"_s),
+                              R"({"ScreenshotObservationEnabled": true})"));
+        }
         QVERIFY(m_agent->start());
+        if (turnedOnWhileRunning) {
+            const auto on =
+                m_agent->run({u"settings"_s, u"set"_s, u"ScreenshotObservationEnabled"_s, u"true"_s});
+            QCOMPARE(on.exitCode, 0);
+        }
 
         QVERIFY(writeFile(screenshots + u"/holiday.png"_s, png({})));
         QTest::qWait(4000);
