@@ -3,12 +3,14 @@
 #include "AppDelegate.h"
 
 #include "AppLogging.h"
+#include "Domains/DirectoryObserver/ObservedDirectoryStore.h"
 #include "Domains/DragSession/DragSessionWindow.h"
 #include "Domains/SessionController/SessionController.h"
 #include "Launcher.h"
 #include "Libraries/Core/Logging.h"
 #include "Libraries/Core/ReservedTemporaryDirectory.h"
 #include "MenuItemController.h"
+#include "Migrator.h"
 #include "Platform/DBus/ApplicationRequestHandler.h"
 #include "Preferences/Preferences.h"
 #include "RootCoordinator.h"
@@ -54,8 +56,13 @@ void AppDelegate::applicationDidFinishLaunching()
     qCInfo(lcApp) << "Application did finish launching";
     // The Dropbox client is set up here once the Dropbox actions land.
     m_dependencies.preferences.registerDefaults();
-    // Then the "instant-actions" item store and the migrations, once they exist. Linux has no older
-    // login-item mechanism to migrate from.
+    // Linux has no older login-item mechanism to migrate from. The "instant-actions" item store and its
+    // migration come with the instant actions.
+    {
+        // Read again by the root coordinator once migrated.
+        ObservedDirectoryStore observedDirectories(QString(), false);
+        Migrator::performWatchedFoldersFilterMigration(observedDirectories);
+    }
 
     m_rootCoordinator = std::make_unique<RootCoordinator>(RootCoordinator::Dependencies{
         m_dependencies.preferences, m_dependencies.sessionStore, m_dependencies.shelfInterface,

@@ -5,6 +5,7 @@
 #include "LocalFileName.h"
 #include "Version.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <cstring>
 #include <unistd.h>
@@ -52,6 +53,14 @@ CommandLine::Request CommandLine::parse(const QStringList& arguments, const QStr
     SetLabel label;
     for (qsizetype index = 0; index < rest.size(); ++index) {
         const QString& argument = rest[index];
+        if (command.isEmpty() && operands.isEmpty() && !optionsEnded &&
+            argument == QStringLiteral("folders")) {
+            return parseFolders(rest.mid(index + 1), base);
+        }
+        if (command.isEmpty() && operands.isEmpty() && !optionsEnded &&
+            argument == QStringLiteral("settings")) {
+            return parseSettings(rest.mid(index + 1));
+        }
         const bool shelfCommand = command == QStringLiteral("actions") || command == QStringLiteral("run") ||
                                   command == QStringLiteral("remove") || command == QStringLiteral("label");
         const bool labelCommand = command == QStringLiteral("label");
@@ -192,6 +201,91 @@ CommandLine::Request CommandLine::parse(const QStringList& arguments, const QStr
     return noOperands(List{json});
 }
 
+CommandLine::Request CommandLine::parseFolders(const QStringList& arguments, const QDir& base)
+{
+    using Verb = Folders::Verb;
+    static const QList<std::pair<QString, Verb>> verbs{
+        {QStringLiteral("list"), Verb::list},     {QStringLiteral("add"), Verb::add},
+        {QStringLiteral("remove"), Verb::remove}, {QStringLiteral("pause"), Verb::pause},
+        {QStringLiteral("resume"), Verb::resume},
+    };
+    const QString usage =
+        QStringLiteral("\"folders\" needs one of: list, add PATH, remove ID, pause ID, resume ID");
+    Folders folders;
+    std::optional<QString> verbName;
+    QStringList operands;
+    bool optionsEnded = false;
+    for (const QString& argument : arguments) {
+        if (!optionsEnded && argument == QStringLiteral("--")) {
+            optionsEnded = true;
+        } else if (!optionsEnded && isOption(argument)) {
+            if (verbName == QStringLiteral("list") && argument == QStringLiteral("--json")) {
+                folders.json = true;
+            } else {
+                return unknownArgument(argument);
+            }
+        } else if (!verbName) {
+            const auto found = std::find_if(verbs.begin(), verbs.end(),
+                                            [&argument](const auto& verb) { return verb.first == argument; });
+            if (found == verbs.end()) {
+                return Invalid{QStringLiteral("unknown folders command \"%1\"; %2").arg(argument, usage)};
+            }
+            verbName = found->first;
+            folders.verb = found->second;
+        } else {
+            operands.append(argument);
+        }
+    }
+    if (!verbName) {
+        // Plain "folders" lists them.
+        return folders;
+    }
+    if (folders.verb == Verb::list) {
+        if (!operands.isEmpty()) {
+            return Invalid{QStringLiteral("\"folders list\" takes no arguments")};
+        }
+        return folders;
+    }
+    if (operands.size() != 1 || operands.first().isEmpty()) {
+        return Invalid{folders.verb == Verb::add
+                           ? QStringLiteral("\"folders add\" needs one folder")
+                           : QStringLiteral("\"folders %1\" needs one folder identifier; \"vantrope folders "
+                                            "list\" shows them")
+                                 .arg(*verbName)};
+    }
+    folders.argument = folders.verb == Verb::add ? QDir::cleanPath(base.absoluteFilePath(operands.first()))
+                                                 : operands.first();
+    return folders;
+}
+
+CommandLine::Request CommandLine::parseSettings(const QStringList& arguments)
+{
+    QStringList operands;
+    bool optionsEnded = false;
+    for (const QString& argument : arguments) {
+        if (!optionsEnded && argument == QStringLiteral("--")) {
+            optionsEnded = true;
+        } else if (!optionsEnded && isOption(argument) && operands.size() < 3) {
+            // A value may begin with a dash ("-1"); only what stands before it is taken for an option.
+            if (operands.size() == 2 && operands.first() == QStringLiteral("set")) {
+                operands.append(argument);
+                continue;
+            }
+            return unknownArgument(argument);
+        } else {
+            operands.append(argument);
+        }
+    }
+    const QString verb = operands.value(0);
+    if (verb == QStringLiteral("get") && operands.size() == 2) {
+        return Settings{operands[1], std::nullopt};
+    }
+    if (verb == QStringLiteral("set") && operands.size() == 3) {
+        return Settings{operands[1], operands[2]};
+    }
+    return Invalid{QStringLiteral("\"settings\" needs \"get KEY\" or \"set KEY VALUE\"")};
+}
+
 std::optional<CommandLine::FileProblem> CommandLine::firstUnusable(const QStringList& paths)
 {
     for (const QString& path : paths) {
@@ -248,6 +342,14 @@ QString CommandLine::helpText()
         "                       --name \"\" removes the name.\n"
         "                       Colours: monochrome orange yellow green turquoise blue pink coral khaki\n"
         "                       spring\n"
+        "  folders [list [--json]]\n"
+        "                       show the watched folders with their identifiers and states\n"
+        "  folders add FOLDER   watch a folder: new files in it open a shelf\n"
+        "  folders remove|pause|resume ID\n"
+        "                       stop watching a folder, or pause and resume it\n"
+        "  settings get KEY     print a setting, by its name in the preferences file\n"
+        "  settings set KEY VALUE\n"
+        "                       change a setting; lists are given as JSON, such as [\"a\", \"b\"]\n"
         "  quit                 end Vantrope\n"
         "\n"
         "Options:\n"

@@ -59,8 +59,23 @@ public:
         std::optional<QString> color;
         std::optional<bool> pinned;
     };
+    // `folders list|add PATH|remove ID|pause ID|resume ID`: `argument` is the absolute path or the
+    // folder's identifier.
+    struct Folders {
+        enum class Verb { list, add, remove, pause, resume };
+        Verb verb = Verb::list;
+        QString argument;
+        bool json = false;
+    };
+    // `settings get KEY` / `settings set KEY VALUE`, by the names the preferences file uses.
+    struct Settings {
+        QString key;
+        // Absent for `get`.
+        std::optional<QString> value;
+    };
     using Request = std::variant<RunAgent, ShowHelp, ShowVersion, Invalid, AddFiles, NewShelf, OpenRecent,
-                                 CloseAll, Quit, List, ListActions, RunAction, RemoveItems, SetLabel>;
+                                 CloseAll, Quit, List, ListActions, RunAction, RemoveItems, SetLabel, Folders,
+                                 Settings>;
 
     // Usage mistakes exit with this, failures at run time with 1.
     static constexpr int usageExitCode = 2;
@@ -77,6 +92,12 @@ public:
     static std::optional<FileProblem> firstUnusable(const QStringList& paths);
     static QString helpText();
     static QString versionText();
+
+private:
+    // What follows the word "folders".
+    static Request parseFolders(const QStringList& arguments, const QDir& base);
+    // What follows the word "settings".
+    static Request parseSettings(const QStringList& arguments);
 };
 
 } // namespace Vantrope

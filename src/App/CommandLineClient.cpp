@@ -96,6 +96,15 @@ CommandLineClient::Outcome CommandLineClient::run(const CommandLine::Request& re
             [this](const CommandLine::SetLabel& label) -> Outcome {
                 return printing(m_client.changeLabel(label.shelf, {label.name, label.color, label.pinned}));
             },
+            [this](const CommandLine::Folders& folders) { return runFolders(folders); },
+            [this](const CommandLine::Settings& settings) -> Outcome {
+                const auto value = settings.value ? m_client.setSetting(settings.key, *settings.value)
+                                                  : m_client.setting(settings.key);
+                if (!value) {
+                    return failure(value.error());
+                }
+                return {0, *value + QLatin1Char('\n'), {}};
+            },
             [](const auto&) -> Outcome {
                 return {
                     CommandLine::usageExitCode, {}, QStringLiteral("this is no command for a running agent")};
@@ -187,6 +196,60 @@ QString CommandLineClient::actionsText(const QList<ShelfActionSummary>& actions)
         text += action.identifier + QLatin1Char('\t') + printable(action.title) + QLatin1Char('\n');
     }
     return text;
+}
+
+// Watched folders
+
+CommandLineClient::Outcome CommandLineClient::runFolders(const CommandLine::Folders& folders) const
+{
+    using Verb = CommandLine::Folders::Verb;
+    std::expected<WatchedFolderSummary, ApplicationDBusClient::Error> changed;
+    switch (folders.verb) {
+    case Verb::list: {
+        const auto list = m_client.watchedFolders();
+        if (!list) {
+            return failure(list.error());
+        }
+        return {0, folders.json ? foldersJson(*list) : foldersText(*list), {}};
+    }
+    case Verb::add:
+        changed = m_client.addWatchedFolder(LocalFileName::encode(folders.argument));
+        break;
+    case Verb::remove:
+        changed = m_client.changeWatchedFolder(QStringLiteral("RemoveFolder"), folders.argument);
+        break;
+    case Verb::pause:
+        changed = m_client.changeWatchedFolder(QStringLiteral("PauseFolder"), folders.argument);
+        break;
+    case Verb::resume:
+        changed = m_client.changeWatchedFolder(QStringLiteral("ResumeFolder"), folders.argument);
+        break;
+    }
+    if (!changed) {
+        return failure(changed.error());
+    }
+    return {0, foldersText({*changed}), {}};
+}
+
+QString CommandLineClient::foldersText(const QList<WatchedFolderSummary>& folders)
+{
+    QString text;
+    for (const WatchedFolderSummary& folder : folders) {
+        text += folder.identifier + QLatin1Char('\t') + folder.status + QLatin1Char('\t') +
+                printable(folder.path) + QLatin1Char('\n');
+    }
+    return text;
+}
+
+QString CommandLineClient::foldersJson(const QList<WatchedFolderSummary>& folders)
+{
+    QJsonArray array;
+    for (const WatchedFolderSummary& folder : folders) {
+        array.append(QJsonObject{{QStringLiteral("identifier"), folder.identifier},
+                                 {QStringLiteral("path"), folder.path},
+                                 {QStringLiteral("status"), folder.status}});
+    }
+    return QString::fromUtf8(QJsonDocument(array).toJson(QJsonDocument::Indented));
 }
 
 } // namespace Vantrope

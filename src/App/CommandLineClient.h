@@ -29,8 +29,13 @@ public:
     static QString actionsText(const QList<ShelfActionSummary>& actions);
     // `name` on one line: control characters and backslashes escaped as in C.
     static QString printable(const QString& name);
+    // One folder a line: its identifier, a tab, its state, a tab, its path.
+    static QString foldersText(const QList<WatchedFolderSummary>& folders);
+    static QString foldersJson(const QList<WatchedFolderSummary>& folders);
 
 private:
+    Outcome runFolders(const CommandLine::Folders& folders) const;
+
     const ApplicationDBusClient& m_client;
 };
 

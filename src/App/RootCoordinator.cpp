@@ -8,17 +8,35 @@
 #include "Domains/Activation/DragMonitor.h"
 #include "Domains/Activation/DragRecognizer.h"
 #include "Domains/Activation/DragRecognizerConfiguration.h"
+#include "Domains/DirectoryObserver/DirectoryObserverCoordinator.h"
+#include "Domains/DirectoryObserver/ObservedDirectoryStore.h"
+#include "Domains/DirectoryObserver/WatchedFolderController.h"
+#include "Domains/DragSession/DragSessionCoordinator.h"
+#include "Domains/DragSession/DragSessionItemsController.h"
+#include "Domains/DragSession/DragSessionSource.h"
+#include "Domains/DragSession/DragSessionWindow.h"
+#include "Domains/DragSession/Message.h"
+#include "Domains/DragSession/MessageWindowCenter.h"
+#include "Domains/DragSession/PersistentDragSession.h"
 #include "Domains/DragSession/PersistentDragSessionStore.h"
 #include "Domains/SessionController/SessionController.h"
+#include "Domains/UserScreenshot/UserScreenshotObserver.h"
 #include "DragMonitorFactory.h"
+#include "Libraries/Core/BookmarkStore.h"
+#include "Libraries/Core/FilesSnapshotController.h"
 #include "MenuItemController.h"
+#include "Models/Draggable/DraggableFile.h"
 #include "Platform/Desktop/LinuxDesktopActions.h"
+#include "Platform/Linux/InotifyDirectoryWatcher.h"
 #include "Preferences/Preferences.h"
+#include "SettingsService.h"
 #include "Version.h"
+#include "WatchedFolderService.h"
 #include "WindowCoordinator.h"
 
 #include <QClipboard>
 #include <QGuiApplication>
+#include <QMimeData>
 
 namespace Vantrope {
 
@@ -26,7 +44,14 @@ RootCoordinator::RootCoordinator(const Dependencies& dependencies, QObject* pare
     : QObject(parent)
     , m_dependencies(dependencies)
 {
-    // The screenshot observer and its bookmark store come first once screenshots land.
+    m_folderWatcher = dependencies.directoryWatcher;
+    if (!m_folderWatcher) {
+        m_directoryWatcher = std::make_unique<InotifyDirectoryWatcher>();
+        m_folderWatcher = m_directoryWatcher.get();
+    }
+    m_screenshotBookmarkStore = std::make_unique<BookmarkStore>(QStringLiteral("user-screenshot"), 1);
+    m_userScreenshotObserver = std::make_unique<UserScreenshotObserver>(*m_screenshotBookmarkStore,
+                                                                        *m_folderWatcher, dependencies.clock);
     m_windowCoordinator = std::make_unique<WindowCoordinator>(dependencies.preferences);
     DesktopActions* desktopActions = dependencies.desktopActions;
     if (!desktopActions) {
@@ -42,16 +67,27 @@ RootCoordinator::RootCoordinator(const Dependencies& dependencies, QObject* pare
         [windows] { windows->showSettings(); }});
     m_menuItemController =
         std::make_unique<MenuItemController>(*m_sessionController, dependencies.sessionStore);
-    // Watched folders and the temporary data sanitizer take their place here when they land.
+    m_observedDirectoryStore = std::make_unique<ObservedDirectoryStore>(QString(), false);
+    m_directoryObserverCoordinator =
+        std::make_unique<DirectoryObserverCoordinator>(dependencies.clock, *m_folderWatcher);
+    m_watchedFolders = std::make_unique<WatchedFolderController>(
+        *m_observedDirectoryStore, *m_directoryObserverCoordinator, dependencies.clock);
+    m_watchedFolderService = std::make_unique<WatchedFolderService>(*m_watchedFolders);
+    m_settingsService = std::make_unique<SettingsService>(dependencies.preferences);
+    m_sanitizer = std::make_unique<TemporaryDataSanitizer>(TemporaryDataSanitizer::reservedDirectories(),
+                                                           dependencies.preferences, dependencies.clock);
 
     start();
     performFirstRunStep();
     // Items left by a share extension: on Linux other programs hand files over the session bus instead.
-    // The watched-folder observers start here once they land.
+    m_watchedFolders->startAtLaunch();
     dependencies.preferences.setValue(PreferenceKeys::hasLaunchedApp, true);
 }
 
-RootCoordinator::~RootCoordinator() = default;
+RootCoordinator::~RootCoordinator()
+{
+    m_directoryObserverCoordinator->setDataSource(nullptr);
+}
 
 void RootCoordinator::start()
 {
@@ -64,6 +100,17 @@ void RootCoordinator::start()
     m_recognizerConfiguration =
         std::make_unique<DragRecognizerConfiguration>(m_dependencies.preferences, *m_dragRecognizer);
     m_dragRecognizer->setDelegate(m_sessionController.get());
+    configureScreenshotObservation();
+    connect(&m_dependencies.preferences, &Preferences::changed, this, [this](PreferenceKey key) {
+        if (key == PreferenceKey::screenshotObservationEnabled) {
+            configureScreenshotObservation();
+        }
+    });
+    m_directoryObserverCoordinator->setDataSource(this);
+    m_sanitizer->startIfDue(temporaryDataInUse(), [](const TemporaryDataSanitizer::Result& result) {
+        qCInfo(lcApp) << "Temporary data sanitized:" << result.removed << "removed," << result.busy
+                      << "still being written," << result.failed << "failed";
+    });
     // Edge docking, screenshots and hot keys are configured here when they land.
     connect(m_sessionController.get(), &SessionController::sessionsChanged, this,
             &RootCoordinator::sessionControllerDidChangeSessions);
@@ -98,6 +145,106 @@ void RootCoordinator::sessionControllerDidChangeSessions()
     }
     m_shelfCount = count;
     m_menuItemController->reload();
+}
+
+void RootCoordinator::configureScreenshotObservation()
+{
+    m_userScreenshotObserver->stop();
+    m_directoryObserverCoordinator->clearRestrictedDirectories();
+    if (!m_dependencies.preferences.value(PreferenceKeys::screenshotObservationEnabled)) {
+        return;
+    }
+    if (!m_userScreenshotObserver->directory()) {
+        m_userScreenshotObserver->changeDirectory(
+            QUrl::fromLocalFile(UserScreenshotObserver::defaultDirectory()));
+    }
+    if (const auto folder = m_userScreenshotObserver->directory()) {
+        m_directoryObserverCoordinator->restrictDirectory(*folder);
+    }
+    SessionController* sessions = m_sessionController.get();
+    sessions->copyToClipboard = [](const QUrl& url) {
+        auto* data = new QMimeData;
+        data->setUrls({url});
+        QGuiApplication::clipboard()->setMimeData(data);
+    };
+    m_userScreenshotObserver->setChangeHandler(
+        [sessions](const QUrl& url) { sessions->handleScreenshot(url); });
+    (void)m_userScreenshotObserver->start();
+}
+
+void RootCoordinator::purgeTemporaryData()
+{
+    m_sanitizer->purge(temporaryDataInUse());
+}
+
+TemporaryDataSanitizer::Protected RootCoordinator::temporaryDataInUse() const
+{
+    TemporaryDataSanitizer::Protected kept;
+    for (const auto& shelf : m_sessionController->coordinators()) {
+        for (const DraggablePtr& item : shelf->itemsController().items()) {
+            if (const auto url = item->url()) {
+                kept.urls.append(*url);
+            }
+        }
+    }
+    for (const auto& session : m_dependencies.sessionStore.sessions()) {
+        kept.urls.append(session->bookmarkUrls());
+        kept.storedShelves.insert(session->identifier());
+    }
+    kept.snapshotDirectory = m_dependencies.sessionStore.snapshotController().directory();
+    return kept;
+}
+
+// Shelves for the watched folders
+
+namespace {
+
+constexpr std::chrono::milliseconds watchedFolderMessageDuration{3000};
+
+DraggableList draggableFiles(const QList<QUrl>& files)
+{
+    DraggableList draggables;
+    for (const QUrl& url : files) {
+        if (auto file = DraggableFile::make(url)) {
+            draggables.append(std::move(file));
+        }
+    }
+    return draggables;
+}
+
+} // namespace
+
+bool RootCoordinator::appendFiles(const QString& shelfIdentifier, const QList<QUrl>& files)
+{
+    const auto shelf = m_sessionController->coordinator(shelfIdentifier);
+    if (!shelf) {
+        return false;
+    }
+    shelf->appendItems(draggableFiles(files));
+    shelf->throttleSave();
+    return true;
+}
+
+std::optional<QString> RootCoordinator::createShelf(const QList<QUrl>& files)
+{
+    const DraggableList draggables = draggableFiles(files);
+    if (draggables.isEmpty()) {
+        return std::nullopt;
+    }
+    const auto shelf = m_sessionController->startSession(
+        DragSessionSource::MenuBarDrop{draggables, m_dependencies.screens.mainScreen()});
+    if (!shelf) {
+        return std::nullopt;
+    }
+    return shelf->id();
+}
+
+void RootCoordinator::showMessage(const QString& shelfIdentifier, const QString& text)
+{
+    if (const auto shelf = m_sessionController->coordinator(shelfIdentifier)) {
+        m_dependencies.messages.show(shelf->window().windowNumber(),
+                                     Message::plain(Message::Icon::info, text), watchedFolderMessageDuration);
+    }
 }
 
 } // namespace Vantrope

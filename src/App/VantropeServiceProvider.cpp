@@ -8,6 +8,8 @@
 #include "Domains/SessionController/SessionController.h"
 #include "LocalFileName.h"
 #include "RootCoordinator.h"
+#include "SettingsService.h"
+#include "WatchedFolderService.h"
 
 #include <QDir>
 #include <QPointer>
@@ -335,6 +337,16 @@ VantropeServiceProvider::changeLabel(const QString& shelf, const LabelChange& ch
     }
     (*coordinator)->setLabel(label);
     return (*coordinator)->id();
+}
+
+WatchedFolderRequestHandler* VantropeServiceProvider::watchedFolders()
+{
+    return &m_coordinator.watchedFolderService();
+}
+
+SettingsRequestHandler* VantropeServiceProvider::settings()
+{
+    return &m_coordinator.settingsService();
 }
 
 } // namespace Vantrope

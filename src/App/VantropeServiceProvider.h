@@ -31,6 +31,8 @@ public:
                    std::function<void(const std::expected<QString, Error>&)> done) override;
     std::expected<QStringList, Error> removeItems(const QString& shelf, const QStringList& items) override;
     std::expected<QString, Error> changeLabel(const QString& shelf, const LabelChange& change) override;
+    WatchedFolderRequestHandler* watchedFolders() override;
+    SettingsRequestHandler* settings() override;
 
 private:
     std::expected<std::shared_ptr<DragSessionCoordinator>, Error> shelfFor(const QString& identifier) const;

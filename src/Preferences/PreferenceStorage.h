@@ -22,6 +22,9 @@ public:
     virtual void setValue(PreferenceKey key, const QVariant& value) = 0;
     // Picks up what other processes wrote since the last sync. Own writes are persisted at once.
     virtual void sync() {}
+    // Writes between the two calls may be saved together, once, at `endBatch()`.
+    virtual void beginBatch() {}
+    virtual void endBatch() {}
 
 protected:
     PreferenceStorage() = default;

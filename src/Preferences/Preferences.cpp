@@ -4,6 +4,8 @@
 
 #include "PreferenceDefinition.h"
 
+#include <QScopeGuard>
+
 Q_LOGGING_CATEGORY(lcPreferences, "vantrope.preferences")
 
 namespace Vantrope {
@@ -32,6 +34,9 @@ void Preferences::registerDefaults(const std::function<void(Preferences&)>& keyb
 {
     using namespace PreferenceKeys;
 
+    // A first start sets dozens of values: one save for all of them.
+    m_storage->beginBatch();
+    const auto saveOnce = qScopeGuard([this] { m_storage->endBatch(); });
     for (const PreferenceDefinition& definition : PreferenceDefinition::all()) {
         if (definition.defaultUse == PreferenceDefaultUse::firstRun) {
             visitPreferenceKey(definition.key,

@@ -12,6 +12,7 @@
 #include <QFileInfo>
 #include <QSettings>
 #include <QStandardPaths>
+#include <utility>
 
 namespace Vantrope {
 
@@ -52,7 +53,10 @@ void SettingsPreferenceStorage::setValue(PreferenceKey key, const QVariant& valu
 {
     const QString name = PreferenceDefinition::of(key).storedName.toString();
     // Read what other processes wrote first, so that a file they broke is set aside, not written over.
-    sync();
+    if (m_batchDepth == 0 || !m_batchRead) {
+        sync();
+        m_batchRead = m_batchDepth > 0;
+    }
     if (value.isNull()) {
         m_settings->remove(name);
     } else if (JsonSettingsFormat::canStore(value)) {
@@ -63,12 +67,37 @@ void SettingsPreferenceStorage::setValue(PreferenceKey key, const QVariant& valu
             << "cannot be stored in the preferences file";
         return;
     }
+    if (m_batchDepth > 0) {
+        m_batchWritten = true;
+        return;
+    }
+    save(name);
+}
+
+void SettingsPreferenceStorage::save(const QString& what)
+{
     sync();
     if (m_settings->status() == QSettings::AccessError) {
-        qCWarning(lcPreferences).noquote() << QStringLiteral("Could not save %1 to %2").arg(name, m_filePath);
+        qCWarning(lcPreferences).noquote() << QStringLiteral("Could not save %1 to %2").arg(what, m_filePath);
         // The value stays in memory and QSettings tries again at the next sync; a fresh object clears the
         // sticky error so that the next failure is reported too.
         open();
+    }
+}
+
+void SettingsPreferenceStorage::beginBatch()
+{
+    ++m_batchDepth;
+}
+
+void SettingsPreferenceStorage::endBatch()
+{
+    if (m_batchDepth == 0 || --m_batchDepth > 0) {
+        return;
+    }
+    m_batchRead = false;
+    if (std::exchange(m_batchWritten, false)) {
+        save(QStringLiteral("the first-run values"));
     }
 }
 

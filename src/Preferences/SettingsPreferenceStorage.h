@@ -26,13 +26,20 @@ public:
     std::optional<QVariant> value(PreferenceKey key) const override;
     void setValue(PreferenceKey key, const QVariant& value) override;
     void sync() override;
+    void beginBatch() override;
+    void endBatch() override;
 
 private:
     void open();
     void setAsideIfUnreadable();
+    // Saves, and says so when the file refused it.
+    void save(const QString& what);
 
     QString m_filePath;
     std::unique_ptr<QSettings> m_settings;
+    int m_batchDepth = 0;
+    bool m_batchRead = false;
+    bool m_batchWritten = false;
 };
 
 } // namespace Vantrope

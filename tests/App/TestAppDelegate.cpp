@@ -5,7 +5,9 @@
 #include "App/MenuItemController.h"
 #include "App/RootCoordinator.h"
 #include "App/WindowCoordinator.h"
+#include "Domains/DragSession/PersistentDragSession.h"
 #include "Libraries/Core/ManualClock.h"
+#include "Libraries/Core/ReservedTemporaryDirectory.h"
 #include "Platform/Qt/QtDragSessionUserInterface.h"
 #include "Platform/Qt/QtScreenEnvironment.h"
 #include "support/FakeFileWatcher.h"
@@ -17,7 +19,9 @@
 #include <QApplication>
 #include <QCursor>
 #include <QFile>
+#include <QFileInfo>
 #include <QMenu>
+#include <QProcess>
 #include <QSignalSpy>
 #include <QTest>
 
@@ -235,6 +239,33 @@ private Q_SLOTS:
         // The settings change it while running.
         preferences().setValue(PreferenceKeys::launchAtLogin, !enabled);
         QCOMPARE(QFile::exists(m_launcher->entryPath()), !enabled);
+    }
+
+    // At launch the program's temporary text files go, except those a recent shelf still holds.
+    void launchClearsTemporaryDataThatNoShelfHolds()
+    {
+        const auto text = TemporaryDirectories::path(ReservedTemporaryDirectory::textFiles);
+        QVERIFY(text);
+        const QString kept = *text + QStringLiteral("/1111/note.txt");
+        const QString orphan = *text + QStringLiteral("/2222/old.txt");
+        for (const QString& path : {kept, orphan}) {
+            QVERIFY(Test::writeFile(path, "words"));
+            // Written long ago, so only the shelves decide.
+            for (const QString& stamped : {path, QFileInfo(path).path()}) {
+                QCOMPARE(QProcess::execute(QStringLiteral("touch"),
+                                           {QStringLiteral("-d"), QStringLiteral("3 hours ago"), stamped}),
+                         0);
+            }
+        }
+        PersistentDragSession::Bookmarks bookmarks;
+        bookmarks.insert(QUrl::fromLocalFile(kept), "note");
+        m_shelves->store.addSessionNow(std::make_shared<PersistentDragSession>(
+            QStringLiteral("RECENT-1"), m_clock->currentDateTime(), std::nullopt, bookmarks, std::nullopt));
+
+        m_delegate->applicationDidFinishLaunching();
+        QTRY_VERIFY(m_shelves->preferences.value(PreferenceKeys::lastTemporaryDataSanitationDate).isValid());
+        QVERIFY(!QFileInfo::exists(QFileInfo(orphan).path()));
+        QCOMPARE(Test::readFile(kept), QByteArray("words"));
     }
 
 private:

@@ -66,6 +66,17 @@ QString describe(const CommandLine::Request& request)
                 }
                 return text;
             },
+            [](const CommandLine::Folders& folders) -> QString {
+                static const char* const verbs[] = {"list", "add", "remove", "pause", "resume"};
+                return QStringLiteral("folders %1 [%2]%3")
+                    .arg(QString::fromUtf8(verbs[int(folders.verb)]), folders.argument,
+                         folders.json ? QStringLiteral(" json") : QString());
+            },
+            [](const CommandLine::Settings& settings) -> QString {
+                return settings.value
+                           ? QStringLiteral("settings set %1 [%2]").arg(settings.key, *settings.value)
+                           : QStringLiteral("settings get ") + settings.key;
+            },
         },
         request);
 }
@@ -171,6 +182,62 @@ private Q_SLOTS:
         row("help after -- is a file",
             {QStringLiteral("add"), QStringLiteral("--"), QStringLiteral("--help")}, "add /work/dir/--help");
         row("version", {QStringLiteral("list"), QStringLiteral("--version")}, "version");
+
+        // Watched folders.
+        row("folders alone lists", {QStringLiteral("folders")}, "folders list []");
+        row("folders list --json",
+            {QStringLiteral("folders"), QStringLiteral("list"), QStringLiteral("--json")},
+            "folders list [] json");
+        row("folders add makes the path absolute",
+            {QStringLiteral("folders"), QStringLiteral("add"), QStringLiteral("../Inbox/")},
+            "folders add [/work/Inbox]");
+        row("folders add takes a dashed name after --",
+            {QStringLiteral("folders"), QStringLiteral("add"), QStringLiteral("--"), QStringLiteral("-in")},
+            "folders add [/work/dir/-in]");
+        row("a folder named like a verb",
+            {QStringLiteral("folders"), QStringLiteral("add"), QStringLiteral("list")},
+            "folders add [/work/dir/list]");
+        row("folders pause", {QStringLiteral("folders"), QStringLiteral("pause"), QStringLiteral("AB-1")},
+            "folders pause [AB-1]");
+        row("folders resume without an identifier", {QStringLiteral("folders"), QStringLiteral("resume")},
+            "invalid: \"folders resume\" needs one folder identifier; \"vantrope folders list\" shows them");
+        row("folders add with two folders",
+            {QStringLiteral("folders"), QStringLiteral("add"), QStringLiteral("a"), QStringLiteral("b")},
+            "invalid: \"folders add\" needs one folder");
+        row("an unknown folders verb",
+            {QStringLiteral("folders"), QStringLiteral("watch"), QStringLiteral("x")},
+            "invalid: unknown folders command \"watch\"; \"folders\" needs one of: list, add PATH, remove "
+            "ID, "
+            "pause ID, resume ID");
+        row("--json belongs to folders list",
+            {QStringLiteral("folders"), QStringLiteral("pause"), QStringLiteral("--json"),
+             QStringLiteral("X")},
+            "invalid: unknown argument \"--json\"; see \"vantrope --help\"");
+        row("folders list takes no operand",
+            {QStringLiteral("folders"), QStringLiteral("list"), QStringLiteral("x")},
+            "invalid: \"folders list\" takes no arguments");
+        row("settings get",
+            {QStringLiteral("settings"), QStringLiteral("get"), QStringLiteral("NumberOfDrops")},
+            "settings get NumberOfDrops");
+        row("settings set a negative number",
+            {QStringLiteral("settings"), QStringLiteral("set"), QStringLiteral("NumberOfDrops"),
+             QStringLiteral("-1")},
+            "settings set NumberOfDrops [-1]");
+        row("settings set with an empty value",
+            {QStringLiteral("settings"), QStringLiteral("set"), QStringLiteral("K"), QString()},
+            "settings set K []");
+        row("settings set without a value",
+            {QStringLiteral("settings"), QStringLiteral("set"), QStringLiteral("K")},
+            "invalid: \"settings\" needs \"get KEY\" or \"set KEY VALUE\"");
+        row("settings get with a value",
+            {QStringLiteral("settings"), QStringLiteral("get"), QStringLiteral("K"), QStringLiteral("v")},
+            "invalid: \"settings\" needs \"get KEY\" or \"set KEY VALUE\"");
+        row("an option before the value is refused",
+            {QStringLiteral("settings"), QStringLiteral("set"), QStringLiteral("--json"),
+             QStringLiteral("K")},
+            "invalid: unknown argument \"--json\"; see \"vantrope --help\"");
+        row("folders after a file is a file", {QStringLiteral("x"), QStringLiteral("folders")},
+            "run /work/dir/x /work/dir/folders");
     }
 
     void parses()

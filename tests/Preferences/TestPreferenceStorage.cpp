@@ -12,10 +12,13 @@
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QProcess>
+#include <QScopeGuard>
 #include <QStandardPaths>
 #include <QTemporaryDir>
 #include <QTest>
 #include <QUrl>
+#include <sys/inotify.h>
+#include <unistd.h>
 
 using namespace Vantrope;
 
@@ -304,6 +307,39 @@ private Q_SLOTS:
                  QStringLiteral("int %1").arg(s_helperDrops));
         QCOMPARE(runHelperProcess({read, path, QStringLiteral("LastTemporaryDataSanitationDate")}),
                  QStringLiteral("QDateTime ") + s_helperDate.toString(Qt::ISODateWithMs));
+    }
+
+    // Each save puts a whole new file in place (created the first time, moved over the old one after), so
+    // the saves are counted by the file appearing; a first start used to save once per default.
+    void firstStartSavesTheFileOnce()
+    {
+        QTemporaryDir folder;
+        const QString path = folder.filePath(QStringLiteral("preferences.json"));
+        const int inotify = ::inotify_init1(IN_NONBLOCK | IN_CLOEXEC);
+        QVERIFY(inotify >= 0);
+        const auto closeInotify = qScopeGuard([inotify] { ::close(inotify); });
+        QVERIFY(::inotify_add_watch(inotify, QFile::encodeName(folder.path()).constData(),
+                                    IN_CREATE | IN_MOVED_TO) >= 0);
+
+        Preferences preferences(std::make_unique<SettingsPreferenceStorage>(path));
+        preferences.registerDefaults();
+
+        int saves = 0;
+        alignas(inotify_event) char buffer[4096];
+        for (ssize_t length; (length = ::read(inotify, buffer, sizeof buffer)) > 0;) {
+            for (char* at = buffer; at < buffer + length;) {
+                const auto* event = reinterpret_cast<const inotify_event*>(at);
+                if (event->len > 0 && qstrcmp(event->name, "preferences.json") == 0) {
+                    ++saves;
+                }
+                at += sizeof(inotify_event) + event->len;
+            }
+        }
+        QCOMPARE(saves, 1);
+        // And the one save holds them all.
+        SettingsPreferenceStorage reread(path);
+        QCOMPARE(reread.value(PreferenceKey::userScreenshotShowConfirmationMessage),
+                 std::optional(QVariant(true)));
     }
 };
 

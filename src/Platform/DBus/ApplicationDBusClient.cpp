@@ -13,6 +13,7 @@
 #include <QDBusMessage>
 #include <QDBusMetaType>
 #include <QDeadlineTimer>
+#include <QFile>
 #include <thread>
 
 namespace Vantrope {
@@ -225,6 +226,71 @@ ApplicationDBusClient::changeLabel(const QString& shelf,
         changes.insert(QStringLiteral("pinned"), *change.pinned);
     }
     return callForString(QStringLiteral("SetLabel"), {shelf, changes});
+}
+
+// Watched folders
+
+namespace {
+
+WatchedFolderSummary folderFrom(const QVariantMap& entry)
+{
+    return {entry.value(QStringLiteral("identifier")).toString(),
+            QFile::decodeName(entry.value(QStringLiteral("path")).toByteArray()),
+            entry.value(QStringLiteral("status")).toString()};
+}
+
+std::expected<WatchedFolderSummary, Error> oneFolder(const std::expected<QVariantList, Error>& values)
+{
+    if (!values) {
+        return std::unexpected(values.error());
+    }
+    if (values->isEmpty()) {
+        return std::unexpected(
+            Error{Error::Kind::noAnswer, QStringLiteral("Vantrope answered with nothing")});
+    }
+    return folderFrom(qdbus_cast<QVariantMap>(values->first()));
+}
+
+} // namespace
+
+std::expected<QList<WatchedFolderSummary>, Error> ApplicationDBusClient::watchedFolders() const
+{
+    const auto values = call(QStringLiteral("ListFolders"));
+    if (!values) {
+        return std::unexpected(values.error());
+    }
+    QList<WatchedFolderSummary> result;
+    if (!values->isEmpty()) {
+        for (const QVariantMap& entry : qdbus_cast<QList<QVariantMap>>(values->first())) {
+            result.append(folderFrom(entry));
+        }
+    }
+    return result;
+}
+
+std::expected<WatchedFolderSummary, Error>
+ApplicationDBusClient::addWatchedFolder(const QByteArray& path) const
+{
+    return oneFolder(call(QStringLiteral("AddFolder"), {path}));
+}
+
+std::expected<WatchedFolderSummary, Error>
+ApplicationDBusClient::changeWatchedFolder(const QString& method, const QString& identifier) const
+{
+    return oneFolder(call(method, {identifier}));
+}
+
+// Settings
+
+std::expected<QString, Error> ApplicationDBusClient::setting(const QString& name) const
+{
+    return callForString(QStringLiteral("GetSetting"), {name});
+}
+
+std::expected<QString, Error> ApplicationDBusClient::setSetting(const QString& name,
+                                                                const QString& value) const
+{
+    return callForString(QStringLiteral("SetSetting"), {name, value});
 }
 
 } // namespace Vantrope

@@ -3,10 +3,11 @@
 #pragma once
 
 #include "ApplicationRequestHandler.h"
+#include "WatchedFolderRequestHandler.h"
 
-#include <optional>
 #include <chrono>
 #include <expected>
+#include <optional>
 #include <QVariantList>
 
 namespace Vantrope {
@@ -51,6 +52,17 @@ public:
     // The shelf's identifier.
     std::expected<QString, Error> changeLabel(const QString& shelf,
                                               const ApplicationRequestHandler::LabelChange& change) const;
+
+    // Watched folders.
+    std::expected<QList<WatchedFolderSummary>, Error> watchedFolders() const;
+    std::expected<WatchedFolderSummary, Error> addWatchedFolder(const QByteArray& path) const;
+    // `method` is one of "RemoveFolder", "PauseFolder", "ResumeFolder".
+    std::expected<WatchedFolderSummary, Error> changeWatchedFolder(const QString& method,
+                                                                   const QString& identifier) const;
+
+    // Settings, by their stored names.
+    std::expected<QString, Error> setting(const QString& name) const;
+    std::expected<QString, Error> setSetting(const QString& name, const QString& value) const;
 
 private:
     // Without a timeout, the client's own.

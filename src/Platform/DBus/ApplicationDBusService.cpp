@@ -270,4 +270,105 @@ QString ApplicationDBusService::SetLabel(const QString& shelf, const QVariantMap
     return changed ? *changed : refuse(changed.error());
 }
 
+// Watched folders
+
+namespace {
+
+QVariantMap folderEntry(const WatchedFolderSummary& folder)
+{
+    return {{QStringLiteral("identifier"), folder.identifier},
+            {QStringLiteral("path"), QFile::encodeName(folder.path)},
+            {QStringLiteral("status"), folder.status}};
+}
+
+} // namespace
+
+WatchedFolderRequestHandler* ApplicationDBusService::watchedFolderHandler()
+{
+    if (!ready()) {
+        return nullptr;
+    }
+    WatchedFolderRequestHandler* folders = m_handler->watchedFolders();
+    if (!folders && calledFromDBus()) {
+        sendErrorReply(ApplicationDBusInterface::errorName(QStringLiteral("NotReady")),
+                       QStringLiteral("this Vantrope does not watch folders"));
+    }
+    return folders;
+}
+
+QVariantMap ApplicationDBusService::folderReply(
+    const std::expected<WatchedFolderSummary, ApplicationRequestHandler::Error>& folder)
+{
+    if (!folder) {
+        refuse(folder.error());
+        return {};
+    }
+    return folderEntry(*folder);
+}
+
+QList<QVariantMap> ApplicationDBusService::ListFolders()
+{
+    QList<QVariantMap> result;
+    if (WatchedFolderRequestHandler* folders = watchedFolderHandler()) {
+        for (const WatchedFolderSummary& folder : folders->watchedFolders()) {
+            result.append(folderEntry(folder));
+        }
+    }
+    return result;
+}
+
+QVariantMap ApplicationDBusService::AddFolder(const QByteArray& path)
+{
+    WatchedFolderRequestHandler* folders = watchedFolderHandler();
+    return folders ? folderReply(folders->addWatchedFolder(path)) : QVariantMap();
+}
+
+QVariantMap ApplicationDBusService::RemoveFolder(const QString& identifier)
+{
+    WatchedFolderRequestHandler* folders = watchedFolderHandler();
+    return folders ? folderReply(folders->removeWatchedFolder(identifier)) : QVariantMap();
+}
+
+QVariantMap ApplicationDBusService::PauseFolder(const QString& identifier)
+{
+    WatchedFolderRequestHandler* folders = watchedFolderHandler();
+    return folders ? folderReply(folders->pauseWatchedFolder(identifier)) : QVariantMap();
+}
+
+QVariantMap ApplicationDBusService::ResumeFolder(const QString& identifier)
+{
+    WatchedFolderRequestHandler* folders = watchedFolderHandler();
+    return folders ? folderReply(folders->resumeWatchedFolder(identifier)) : QVariantMap();
+}
+
+// Settings
+
+QString ApplicationDBusService::GetSetting(const QString& name)
+{
+    if (!ready()) {
+        return {};
+    }
+    SettingsRequestHandler* settings = m_handler->settings();
+    if (!settings) {
+        return refuse({ApplicationRequestHandler::Error::Kind::invalidArguments,
+                       QStringLiteral("this Vantrope offers no settings")});
+    }
+    const auto value = settings->setting(name);
+    return value ? *value : refuse(value.error());
+}
+
+QString ApplicationDBusService::SetSetting(const QString& name, const QString& value)
+{
+    if (!ready()) {
+        return {};
+    }
+    SettingsRequestHandler* settings = m_handler->settings();
+    if (!settings) {
+        return refuse({ApplicationRequestHandler::Error::Kind::invalidArguments,
+                       QStringLiteral("this Vantrope offers no settings")});
+    }
+    const auto stored = settings->setSetting(name, value);
+    return stored ? *stored : refuse(stored.error());
+}
+
 } // namespace Vantrope

@@ -3,6 +3,8 @@
 #pragma once
 
 #include "ApplicationRequestHandler.h"
+#include "SettingsRequestHandler.h"
+#include "WatchedFolderRequestHandler.h"
 
 #include <QDBusContext>
 #include <QObject>
@@ -56,11 +58,26 @@ public Q_SLOTS:
     // Changes the label: "name" (s, empty to remove it), "color" (s), "pinned" (b); returns the shelf.
     QString SetLabel(const QString& shelf, const QVariantMap& changes);
 
+    // Watched folders. Each: "identifier" (s), "path" (ay), "status" (s). Every change answers with the
+    // folder as it now stands.
+    QList<QVariantMap> ListFolders();
+    QVariantMap AddFolder(const QByteArray& path);
+    QVariantMap RemoveFolder(const QString& identifier);
+    QVariantMap PauseFolder(const QString& identifier);
+    QVariantMap ResumeFolder(const QString& identifier);
+
+    // Preferences by their stored names; the value as text, as it stands after the call.
+    QString GetSetting(const QString& name);
+    QString SetSetting(const QString& name, const QString& value);
+
 private:
     // False, and nothing to do, once the caller who waits for the answer has left the bus: a request
     // that sat in a stopped agent must not take effect after its caller reported a failure.
     bool ready();
     QString refuse(const ApplicationRequestHandler::Error& error);
+    WatchedFolderRequestHandler* watchedFolderHandler();
+    QVariantMap
+    folderReply(const std::expected<WatchedFolderSummary, ApplicationRequestHandler::Error>& folder);
 
     ApplicationRequestHandler* m_handler = nullptr;
     bool m_claimed = false;

@@ -11,6 +11,9 @@
 
 namespace Vantrope {
 
+class SettingsRequestHandler;
+class WatchedFolderRequestHandler;
+
 // One open shelf as other programs see it.
 struct ShelfSummary {
     QString identifier;
@@ -86,6 +89,10 @@ public:
     // Returns the shelf's identifier.
     virtual std::expected<QString, Error> changeLabel(const QString& shelf, const LabelChange& change) = 0;
     // End of removal and labels for scripts.
+    // The watched folders; none where they are not offered.
+    virtual WatchedFolderRequestHandler* watchedFolders() { return nullptr; }
+    // The preferences; none where they are not offered.
+    virtual SettingsRequestHandler* settings() { return nullptr; }
 };
 
 } // namespace Vantrope

@@ -3,6 +3,7 @@
 #pragma once
 
 #include "Domains/DirectoryObserver/DirectoryObserver.h"
+#include "Domains/DirectoryObserver/DirectoryObserverCoordinatorDataSource.h"
 #include "Libraries/Core/ManualClock.h"
 #include "support/FakeDirectoryWatcher.h"
 #include "support/TestSupport.h"
@@ -34,6 +35,33 @@ struct FolderFixture {
     QString folder;
     ManualClock clock;
     FakeDirectoryWatcher watcher;
+};
+
+// Shelves as the root coordinator would keep them; a shelf's identifier is its index.
+struct TestShelves final : DirectoryObserverCoordinatorDataSource {
+    struct Shelf {
+        QList<QUrl> files;
+        QStringList messages;
+        bool open = true;
+    };
+    QList<Shelf> shelves;
+
+    bool appendFiles(const QString& shelf, const QList<QUrl>& files) override
+    {
+        if (shelves[shelf.toInt()].open) {
+            shelves[shelf.toInt()].files.append(files);
+        }
+        return shelves[shelf.toInt()].open;
+    }
+    std::optional<QString> createShelf(const QList<QUrl>& files) override
+    {
+        shelves.append({files, {}, true});
+        return QString::number(shelves.size() - 1);
+    }
+    void showMessage(const QString& shelf, const QString& text) override
+    {
+        shelves[shelf.toInt()].messages.append(text);
+    }
 };
 
 // Runs the listings the throttle holds and what they post to the main queue, until nothing is left.

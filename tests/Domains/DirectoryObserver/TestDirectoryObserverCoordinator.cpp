@@ -14,32 +14,7 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-// Shelves as the root coordinator would keep them; a shelf's identifier is its index.
-struct TestShelves final : DirectoryObserverCoordinatorDataSource {
-    struct Shelf {
-        QList<QUrl> files;
-        QStringList messages;
-        bool open = true;
-    };
-    QList<Shelf> shelves;
-
-    bool appendFiles(const QString& shelf, const QList<QUrl>& files) override
-    {
-        if (shelves[shelf.toInt()].open) {
-            shelves[shelf.toInt()].files.append(files);
-        }
-        return shelves[shelf.toInt()].open;
-    }
-    std::optional<QString> createShelf(const QList<QUrl>& files) override
-    {
-        shelves.append({files, {}, true});
-        return QString::number(shelves.size() - 1);
-    }
-    void showMessage(const QString& shelf, const QString& text) override
-    {
-        shelves[shelf.toInt()].messages.append(text);
-    }
-};
+using Test::TestShelves;
 
 struct Fixture : Test::FolderFixture {
     TestShelves shelves;
