@@ -22,6 +22,7 @@
 #include "Platform/Qt/QtScreenEnvironment.h"
 #include "Preferences/MemoryPreferenceStorage.h"
 #include "Preferences/Preferences.h"
+#include "QtShelves.h"
 #include "support/BenchSupport.h"
 
 #include <algorithm>
@@ -36,38 +37,14 @@
 #include <vector>
 
 using namespace Vantrope;
+using Vantrope::Bench::waitFor;
+using Shelves = Vantrope::Bench::QtShelves;
 
 namespace {
 
 constexpr int fileCount = 1000;
 constexpr int largeFileCount = 10000;
 constexpr int opens = 5;
-
-bool waitFor(const std::function<bool()>& condition, int milliseconds = 20000)
-{
-    QElapsedTimer timer;
-    timer.start();
-    while (!condition()) {
-        if (timer.elapsed() > milliseconds) {
-            return false;
-        }
-        QCoreApplication::processEvents(QEventLoop::AllEvents, 5);
-    }
-    return true;
-}
-
-struct Shelves {
-    QTemporaryDir folder;
-    Preferences preferences{std::make_unique<MemoryPreferenceStorage>()};
-    PersistentDragSessionStore store{folder.filePath(QStringLiteral(".drag_sessions")), nullptr,
-                                     Clock::system()};
-    MessageWindowCenter messages{Clock::system()};
-    QtDragSessionUserInterface userInterface{{messages, preferences, Clock::system()}};
-    QtScreenEnvironment screens;
-    QtClipboardSource clipboard;
-    SessionController controller{{store, preferences, userInterface, screens, messages, clipboard,
-                                  Clock::system(), InotifyFileWatcher::shared()}};
-};
 
 // Opens the list and answers the milliseconds until it is on screen and drawn, or -1.
 double openAndDraw(DragSessionCoordinator& shelf)
@@ -127,8 +104,7 @@ std::optional<Figures> measure(int count)
         }
         items.append(DraggableFile::make(QUrl::fromLocalFile(path)));
     }
-    shelves.controller.gestureBegan(QPointF(600, 700));
-    auto shelf = shelves.controller.coordinators().last();
+    auto shelf = shelves.open(QPointF(600, 700));
     shelf->appendItems(items);
     if (!waitFor([&] { return shelf->itemsController().processingItems().isEmpty(); }, 120000)) {
         std::fprintf(stderr, "the items were not processed\n");

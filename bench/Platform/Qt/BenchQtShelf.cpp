@@ -25,6 +25,7 @@
 #include "Platform/X11/X11DragMonitor.h"
 #include "Preferences/MemoryPreferenceStorage.h"
 #include "Preferences/Preferences.h"
+#include "QtShelves.h"
 #include "support/BenchSupport.h"
 #include "support/PointerScript.h"
 
@@ -47,6 +48,8 @@
 #include <vector>
 
 using namespace Vantrope;
+using Vantrope::Bench::waitFor;
+using Shelves = Vantrope::Bench::QtShelves;
 using namespace std::chrono_literals;
 
 namespace {
@@ -54,52 +57,6 @@ namespace {
 constexpr int fileCount = 1000;
 constexpr int drops = 5;
 constexpr int shakes = 3;
-
-bool waitFor(const std::function<bool()>& condition, int milliseconds = 20000)
-{
-    QElapsedTimer timer;
-    timer.start();
-    while (!condition()) {
-        if (timer.elapsed() > milliseconds) {
-            return false;
-        }
-        QCoreApplication::processEvents(QEventLoop::AllEvents, 5);
-    }
-    return true;
-}
-
-// The shelf logic and its Qt windows, as the program puts them together.
-struct Shelves {
-    QTemporaryDir folder;
-    Preferences preferences{std::make_unique<MemoryPreferenceStorage>()};
-    PersistentDragSessionStore store{folder.filePath(QStringLiteral(".drag_sessions")), nullptr,
-                                     Clock::system()};
-    MessageWindowCenter messages{Clock::system()};
-    QtDragSessionUserInterface userInterface{{messages, preferences, Clock::system()}};
-    QtScreenEnvironment screens;
-    QtClipboardSource clipboard;
-    SessionController controller{{store, preferences, userInterface, screens, messages, clipboard,
-                                  Clock::system(), InotifyFileWatcher::shared()}};
-
-    std::shared_ptr<DragSessionCoordinator> open()
-    {
-        controller.gestureBegan(QPointF(700, 500));
-        return controller.coordinators().last();
-    }
-
-    void closeAll()
-    {
-        QList<std::weak_ptr<DragSessionCoordinator>> closing;
-        for (const auto& shelf : controller.coordinators()) {
-            closing.append(shelf);
-            shelf->stop(false);
-        }
-        waitFor([&] {
-            return std::all_of(closing.cbegin(), closing.cend(),
-                               [](const auto& shelf) { return shelf.expired(); });
-        });
-    }
-};
 
 // Drops the files on the shelf as a drag from another program would, through the shelf's own drop view.
 // Answers the milliseconds until the pile holds them all and has been drawn.

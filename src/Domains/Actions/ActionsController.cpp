@@ -430,6 +430,15 @@ bool ActionsController::didSelectOperation(const QString& identifier)
     return m_operationsController && m_operationsController->performMenuItem(identifier);
 }
 
+void ActionsController::didChooseMenuEntry(const ActionMenuEntry& entry)
+{
+    if (const auto* row = std::get_if<ActionMenuEntry::ActionRow>(&entry.value)) {
+        didSelectItem(*row);
+    } else if (const auto* operation = std::get_if<ActionMenuEntry::OperationRow>(&entry.value)) {
+        didSelectOperation(operation->item.identifier);
+    }
+}
+
 bool ActionsController::performAction(const ActionSearchItem& searchItem)
 {
     const QList<SearchElement> elements = m_searchableElements.value_or(QList<SearchElement>());

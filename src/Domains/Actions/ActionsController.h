@@ -84,6 +84,8 @@ public:
     void didSelectItem(const ActionMenuEntry::ActionRow& row);
     // Answers whether the operation started.
     bool didSelectOperation(const QString& identifier);
+    // Whichever kind of row was chosen.
+    void didChooseMenuEntry(const ActionMenuEntry& entry);
     // Runs a search entry; false when it is unknown or the items are not ready.
     bool performAction(const ActionSearchItem& searchItem);
     // The two steps of a run, also for instant actions.

@@ -653,13 +653,8 @@ void DragSessionCoordinator::didRequestActionsMenu()
 
 void DragSessionCoordinator::didChooseActionsMenuEntry(const ActionMenuEntry& entry)
 {
-    if (!m_actionsController) {
-        return;
-    }
-    if (const auto* row = std::get_if<ActionMenuEntry::ActionRow>(&entry.value)) {
-        m_actionsController->didSelectItem(*row);
-    } else if (const auto* operation = std::get_if<ActionMenuEntry::OperationRow>(&entry.value)) {
-        m_actionsController->didSelectOperation(operation->item.identifier);
+    if (m_actionsController) {
+        m_actionsController->didChooseMenuEntry(entry);
     }
 }
 
