@@ -162,8 +162,11 @@ QString DraggableItemImage::kindName(const Draggable& draggable)
         if (type.name().startsWith(QLatin1String("image/"))) {
             return Localized("shelf.kind.image", "Image");
         }
-        if (!type.comment().isEmpty()) {
-            return type.comment();
+        if (QString comment = type.comment(); !comment.isEmpty()) {
+            // The MIME database's English names are lower case ("plain text document"); beside "Image"
+            // and "Folder" they start with a capital.
+            comment[0] = comment[0].toUpper();
+            return comment;
         }
     }
     return Localized("shelf.kind.file", "File");
