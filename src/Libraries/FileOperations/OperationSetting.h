@@ -3,6 +3,7 @@
 #pragma once
 
 #include <expected>
+#include <functional>
 #include <QList>
 #include <QString>
 #include <QStringList>
@@ -64,6 +65,13 @@ struct FileOperationOutcome {
     QString text;            // a text result (recognised text, a file's text content), or empty
     QList<FileOperationFailure> failures;
     bool cancelled = false;
+};
+
+// What a running operation sees of the one that runs it; both may be called from any thread.
+struct FileOperationContext {
+    std::function<bool()> isCancelled = [] { return false; };
+    // `fraction` in 0..1; `title` names the file at work, or is empty.
+    std::function<void(double fraction, const QString& title)> reportProgress = [](double, const QString&) {};
 };
 
 } // namespace Vantrope
