@@ -71,7 +71,7 @@ RootCoordinator::RootCoordinator(const Dependencies& dependencies, QObject* pare
     m_directoryObserverCoordinator =
         std::make_unique<DirectoryObserverCoordinator>(dependencies.clock, *m_folderWatcher);
     m_watchedFolders = std::make_unique<WatchedFolderController>(
-        *m_observedDirectoryStore, *m_directoryObserverCoordinator, dependencies.clock);
+        *m_observedDirectoryStore, *m_directoryObserverCoordinator, dependencies.clock, *m_folderWatcher);
     m_watchedFolderService = std::make_unique<WatchedFolderService>(*m_watchedFolders);
     m_settingsService = std::make_unique<SettingsService>(dependencies.preferences);
     m_sanitizer = std::make_unique<TemporaryDataSanitizer>(TemporaryDataSanitizer::reservedDirectories(),

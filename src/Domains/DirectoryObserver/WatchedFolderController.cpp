@@ -48,11 +48,12 @@ State availability(const QString& path)
 
 WatchedFolderController::WatchedFolderController(ObservedDirectoryStore& store,
                                                  DirectoryObserverCoordinator& coordinator, Clock& clock,
-                                                 QObject* parent)
+                                                 DirectoryWatcher& watcher, QObject* parent)
     : QObject(parent)
     , m_store(store)
     , m_coordinator(coordinator)
     , m_clock(clock)
+    , m_watcher(watcher)
 {}
 
 WatchedFolderController::~WatchedFolderController() = default;
@@ -64,22 +65,53 @@ void WatchedFolderController::startAtLaunch()
     for (const ObservedDirectory& directory : items) {
         m_startedInodes.insert(directory.identifier, inodeOf(directory.url.toLocalFile()));
     }
+    m_started = true;
     recheck();
-    if (!m_checking) {
-        m_checking = true;
-        scheduleRecheck();
+}
+
+void WatchedFolderController::recheckIfStarted()
+{
+    if (m_started) {
+        recheck();
     }
 }
 
-void WatchedFolderController::scheduleRecheck()
+void WatchedFolderController::scheduleRecheckIfNeeded()
 {
+    if (!m_started || m_recheckScheduled || m_unavailable.isEmpty()) {
+        return;
+    }
+    m_recheckScheduled = true;
     m_clock.schedule(recheckInterval, DispatchQueue::main(),
                      [self = QPointer<WatchedFolderController>(this)] {
                          if (self) {
+                             self->m_recheckScheduled = false;
                              self->recheck();
-                             self->scheduleRecheck();
                          }
                      });
+}
+
+void WatchedFolderController::updateRootWatches()
+{
+    QSet<QString> running;
+    for (const ObservedDirectory& directory : m_store.items()) {
+        if (!m_coordinator.observer(directory.url).isRunning()) {
+            continue;
+        }
+        running.insert(directory.identifier);
+        if (m_rootWatches.contains(directory.identifier)) {
+            continue;
+        }
+        // The signal comes on the watcher's thread; the check belongs on ours. A watch never signals
+        // once destroyed, and it goes with this controller.
+        auto watch = m_watcher.watch(directory.url.toLocalFile(), [this] {
+            QMetaObject::invokeMethod(this, &WatchedFolderController::recheck, Qt::QueuedConnection);
+        });
+        if (watch) {
+            m_rootWatches.emplace(directory.identifier, std::move(*watch));
+        }
+    }
+    std::erase_if(m_rootWatches, [&](const auto& entry) { return !running.contains(entry.first); });
 }
 
 void WatchedFolderController::recheck()
@@ -122,6 +154,18 @@ void WatchedFolderController::recheck()
             startFolder(directory);
         }
     }
+    // Paused, removed and restricted folders are not waited for.
+    QSet<QString> shouldRun;
+    for (const ObservedDirectory& directory : m_store.items()) {
+        if (!directory.lifecycle.isStopped &&
+            m_coordinator.observationStatus(directory.url) !=
+                DirectoryObserverCoordinator::ObservationStatus::restricted) {
+            shouldRun.insert(directory.identifier);
+        }
+    }
+    m_unavailable.intersect(shouldRun);
+    updateRootWatches();
+    scheduleRecheckIfNeeded();
 }
 
 void WatchedFolderController::startFolder(const ObservedDirectory& directory)
@@ -216,6 +260,7 @@ std::expected<WatchedFolderController::Folder, Error> WatchedFolderController::a
             QStringLiteral("could not save the list of watched folders at %1").arg(m_store.filePath())});
     }
     startFolder(directory);
+    recheckIfStarted();
     return Folder{directory, stateOf(directory)};
 }
 
@@ -231,7 +276,9 @@ WatchedFolderController::remove(const QString& identifier)
     m_coordinator.removeObserver(directory->url);
     m_unavailable.remove(directory->identifier);
     m_startedInodes.remove(directory->identifier);
-    if (!m_store.deleteItem(*directory)) {
+    const bool deleted = m_store.deleteItem(*directory);
+    recheckIfStarted();
+    if (!deleted) {
         return std::unexpected(Error{
             Error::Kind::saveFailed,
             QStringLiteral("could not save the list of watched folders at %1").arg(m_store.filePath())});
@@ -251,6 +298,7 @@ WatchedFolderController::pause(const QString& identifier)
     directory->lifecycle.isStopped = true;
     const bool saved = m_store.saveItem(*directory);
     m_coordinator.stopObserving(m_coordinator.observer(directory->url));
+    recheckIfStarted();
     if (!saved) {
         return std::unexpected(
             Error{Error::Kind::saveFailed,
@@ -278,6 +326,7 @@ WatchedFolderController::resume(const QString& identifier)
             startFolder(*directory);
         }
     }
+    recheckIfStarted();
     if (!saved) {
         return std::unexpected(
             Error{Error::Kind::saveFailed,

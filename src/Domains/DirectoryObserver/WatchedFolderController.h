@@ -3,10 +3,13 @@
 #pragma once
 
 #include "DirectoryObserverCoordinator.h"
+#include "DirectoryWatcher.h"
 #include "ObservedDirectoryStore.h"
 
 #include <chrono>
 #include <expected>
+#include <map>
+#include <memory>
 #include <QHash>
 #include <QObject>
 #include <QSet>
@@ -40,11 +43,12 @@ public:
         QString message;
     };
 
-    // How often vanished and unreadable folders are looked at again.
+    // How often vanished and unreadable folders are looked at again. Folders that run are not polled:
+    // a change to the folder itself (deleted, moved, permissions, unmounted) wakes the check instead.
     static constexpr std::chrono::seconds recheckInterval{2};
 
     WatchedFolderController(ObservedDirectoryStore& store, DirectoryObserverCoordinator& coordinator,
-                            Clock& clock, QObject* parent = nullptr);
+                            Clock& clock, DirectoryWatcher& watcher, QObject* parent = nullptr);
     ~WatchedFolderController() override;
 
     // Starts every stored folder that is not paused, then keeps checking on them.
@@ -67,17 +71,26 @@ private:
     State stateOf(const ObservedDirectory& directory) const;
     // Copies the stored options into the folder's observer and starts it where it can run.
     void startFolder(const ObservedDirectory& directory);
-    void scheduleRecheck();
+    // After a change by the user, once the folders have started.
+    void recheckIfStarted();
+    // Polls while some folder that should run cannot; stops once none is left.
+    void scheduleRecheckIfNeeded();
+    // Keeps a watch on the folder itself for each folder that runs, and none on the others.
+    void updateRootWatches();
 
     ObservedDirectoryStore& m_store;
     DirectoryObserverCoordinator& m_coordinator;
     Clock& m_clock;
-    bool m_checking = false;
+    bool m_started = false;
     // Folders last seen gone or unreadable, so each change is logged once.
     QSet<QString> m_unavailable;
     // The directory each running folder was started on, by identifier: one deleted and made again
     // under the same name is another directory, which the old watch does not see.
     QHash<QString, quint64> m_startedInodes;
+    DirectoryWatcher& m_watcher;
+    bool m_recheckScheduled = false;
+    // By identifier, on the folders that run.
+    std::map<QString, std::unique_ptr<DirectoryWatcher::Watch>> m_rootWatches;
 };
 
 } // namespace Vantrope

@@ -4,6 +4,7 @@
 #include "FolderTestSupport.h"
 #include "support/TestSupport.h"
 
+#include <QCoreApplication>
 #include <QDir>
 #include <QFile>
 #include <QTest>
@@ -37,7 +38,7 @@ struct Fixture : Test::FolderFixture {
     {
         controller.reset();
         store = std::make_unique<ObservedDirectoryStore>(storePath(), false);
-        controller = std::make_unique<WatchedFolderController>(*store, coordinator, clock);
+        controller = std::make_unique<WatchedFolderController>(*store, coordinator, clock, watcher);
     }
     State stateOf(const QString& identifier) const
     {
@@ -172,6 +173,9 @@ private Q_SLOTS:
         QVERIFY(added);
         f.controller->startAtLaunch();
         const QString identifier = added->directory.identifier;
+        // A folder that runs is not polled: nothing wakes while nothing happens.
+        Test::settle(f.clock);
+        QCOMPARE(f.clock.pendingCount(), 0);
 
         std::optional<Test::UnreadableFolder> unreadable;
         if (deleted) {
@@ -182,12 +186,17 @@ private Q_SLOTS:
                 QSKIP("this process reads any folder");
             }
         }
+        // The change to the folder itself is enough; no time has to pass.
         f.watcher.fireAll();
-        f.recheck();
-        QCOMPARE(f.stateOf(identifier), deleted ? State::missing : State::unreadable);
+        QCoreApplication::sendPostedEvents();
         QCOMPARE(f.coordinator.observationStatus(f.url()),
                  DirectoryObserverCoordinator::ObservationStatus::notObserving);
+        QCOMPARE(f.stateOf(identifier), deleted ? State::missing : State::unreadable);
         QCOMPARE(f.store->items().size(), 1);
+        // Now it is looked for until it is back.
+        QVERIFY(f.clock.pendingCount() > 0);
+        f.recheck();
+        QCOMPARE(f.stateOf(identifier), deleted ? State::missing : State::unreadable);
 
         if (deleted) {
             QVERIFY(QDir().mkpath(f.folder));
@@ -199,6 +208,8 @@ private Q_SLOTS:
         QVERIFY(f.write(u"back.pdf"_s));
         QVERIFY(f.pass());
         QCOMPARE(f.filesOnShelves(), 1);
+        Test::settle(f.clock);
+        QCOMPARE(f.clock.pendingCount(), 0);
     }
 };
 
