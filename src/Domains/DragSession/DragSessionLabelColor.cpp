@@ -2,6 +2,8 @@
 // SPDX-FileCopyrightText: 2026 The Vantrope developers
 #include "DragSessionLabelColor.h"
 
+#include "Libraries/Core/Localized.h"
+
 namespace Vantrope {
 
 namespace {
@@ -66,6 +68,34 @@ AdaptiveColor DragSessionLabelColor::color() const
         return pair(0.62, 0.56, 0.0, 0.94, 0.9, 0.55);
     case Identifier::spring:
         return same(0.37, 0.55, 0.35);
+    }
+    return {};
+}
+
+QString DragSessionLabelColor::title(Identifier color)
+{
+    using Id = Identifier;
+    switch (color) {
+    case Id::monochrome:
+        return Localized("label-color.monochrome", "Gray");
+    case Id::orange:
+        return Localized("label-color.orange", "Orange");
+    case Id::yellow:
+        return Localized("label-color.yellow", "Yellow");
+    case Id::green:
+        return Localized("label-color.green", "Green");
+    case Id::turquoise:
+        return Localized("label-color.turquoise", "Turquoise");
+    case Id::blue:
+        return Localized("label-color.blue", "Blue");
+    case Id::pink:
+        return Localized("label-color.pink", "Pink");
+    case Id::coral:
+        return Localized("label-color.coral", "Coral");
+    case Id::khaki:
+        return Localized("label-color.khaki", "Khaki");
+    case Id::spring:
+        return Localized("label-color.spring", "Spring");
     }
     return {};
 }

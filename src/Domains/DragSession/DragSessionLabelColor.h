@@ -34,6 +34,8 @@ public:
     AdaptiveColor color() const;
 
     static QString rawValue(Identifier id);
+    // The colour's name in the user's language, as the swatches show it.
+    static QString title(Identifier id);
     static std::optional<Identifier> identifier(QStringView rawValue);
     static const std::array<Identifier, 10>& allIdentifiers();
 

@@ -21,34 +21,6 @@ QString DragSessionSettingsAction::iconName() const
     return QStringLiteral("configure");
 }
 
-QString DragSessionSettingsAction::colorTitle(DragSessionLabelColor::Identifier color)
-{
-    using Id = DragSessionLabelColor::Identifier;
-    switch (color) {
-    case Id::monochrome:
-        return Localized("label-color.monochrome", "Gray");
-    case Id::orange:
-        return Localized("label-color.orange", "Orange");
-    case Id::yellow:
-        return Localized("label-color.yellow", "Yellow");
-    case Id::green:
-        return Localized("label-color.green", "Green");
-    case Id::turquoise:
-        return Localized("label-color.turquoise", "Turquoise");
-    case Id::blue:
-        return Localized("label-color.blue", "Blue");
-    case Id::pink:
-        return Localized("label-color.pink", "Pink");
-    case Id::coral:
-        return Localized("label-color.coral", "Coral");
-    case Id::khaki:
-        return Localized("label-color.khaki", "Khaki");
-    case Id::spring:
-        return Localized("label-color.spring", "Spring");
-    }
-    return {};
-}
-
 QString DragSessionSettingsAction::title() const
 {
     return Localized("action.shelf-settings.title", "Shelf Settings");

@@ -33,8 +33,6 @@ public:
     std::optional<ActionMenuEntry> makeMenuEntry(const std::shared_ptr<Action>& action,
                                                  const ActionItemList& items) const override;
 
-    static QString colorTitle(DragSessionLabelColor::Identifier color);
-
 private:
     DragSessionLabel m_label;
     Handler m_handler;

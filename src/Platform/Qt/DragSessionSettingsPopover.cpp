@@ -2,7 +2,7 @@
 // SPDX-FileCopyrightText: 2026 The Vantrope developers
 #include "DragSessionSettingsPopover.h"
 
-#include "Domains/DragSession/DragSessionSettingsAction.h"
+#include "Domains/DragSession/DragSessionLabelColor.h"
 #include "Libraries/Core/Localized.h"
 
 #include <algorithm>
@@ -51,8 +51,8 @@ DragSessionColorSwatch::DragSessionColorSwatch(DragSessionLabelColor::Identifier
     setCheckable(true);
     setCursor(Qt::PointingHandCursor);
     setFocusPolicy(Qt::StrongFocus);
-    setToolTip(DragSessionSettingsAction::colorTitle(color));
-    setAccessibleName(DragSessionSettingsAction::colorTitle(color));
+    setToolTip(DragSessionLabelColor::title(color));
+    setAccessibleName(DragSessionLabelColor::title(color));
 }
 
 void DragSessionColorSwatch::paintEvent(QPaintEvent*)
