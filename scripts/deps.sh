@@ -13,7 +13,7 @@ build_packages=(
     libglib2.0-dev qt6-pdf-dev
 )
 test_packages=(xvfb xauth openbox xdotool x11-utils dbus-daemon dbus-x11 libglib2.0-bin python3-gi gir1.2-gtk-3.0 python3-xlib
-    chromium firefox-esr pcmanfm thunar desktop-file-utils unzip python3 python3-dbus)
+    chromium firefox-esr pcmanfm thunar desktop-file-utils unzip python3 python3-dbus python3-botocore)
 # The archive benchmark times Info-ZIP's zip beside ours.
 bench_packages=(zip)
 
