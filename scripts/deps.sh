@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # SPDX-License-Identifier: GPL-3.0-or-later
 # SPDX-FileCopyrightText: 2026 The Vantrope developers
-# Installs the Debian packages Vantrope needs that are missing. Usage: scripts/deps.sh [build|test|bench]...
+# Installs the Debian packages Vantrope needs that are missing. Usage: scripts/deps.sh [build|test|bench|node]...
 set -euo pipefail
 
 build_packages=(
@@ -16,12 +16,15 @@ test_packages=(xvfb xauth openbox xdotool x11-utils dbus-daemon dbus-x11 libglib
     chromium firefox-esr pcmanfm thunar desktop-file-utils unzip python3 python3-dbus python3-botocore)
 # The archive benchmark times Info-ZIP's zip beside ours.
 bench_packages=(zip)
+# Only where no Node.js is installed: the local S3 server of the upload tests runs on it.
+node_packages=(nodejs npm)
 
 wanted=("${build_packages[@]}")
 for group in "$@"; do
     case "$group" in
         build) ;;
         bench) wanted+=("${bench_packages[@]}") ;;
+        node) wanted+=("${node_packages[@]}") ;;
         test) wanted+=("${test_packages[@]}") ;;
         *) echo "deps.sh: unknown group '$group'" >&2; exit 2 ;;
     esac
