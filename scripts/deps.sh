@@ -16,8 +16,8 @@ build_packages=(
 test_packages=(xvfb xauth openbox xdotool x11-utils dbus-daemon dbus-x11 libglib2.0-bin python3-gi gir1.2-gtk-3.0 python3-xlib
     chromium firefox-esr pcmanfm thunar desktop-file-utils unzip python3 python3-dbus python3-botocore
     gnome-keyring libsecret-tools)
-# The archive benchmark times Info-ZIP's zip beside ours.
-bench_packages=(zip)
+# The archive benchmark times Info-ZIP's zip beside ours, the upload benchmark the AWS command line.
+bench_packages=(zip awscli)
 # Only where no Node.js is installed: the local S3 server of the upload tests runs on it.
 node_packages=(nodejs npm)
 

@@ -2,6 +2,8 @@
 // SPDX-FileCopyrightText: 2026 The Vantrope developers
 #include "Uploader.h"
 
+#include "FileRangeDevice.h"
+
 #include <QBuffer>
 #include <QCryptographicHash>
 #include <QFile>
@@ -15,28 +17,26 @@ namespace Vantrope::AWS {
 
 namespace {
 
-struct PartData {
-    QByteArray data;
-    QByteArray hash;
-    QString failure; // empty when read
-};
-
-PartData readPart(const QString& path, qint64 offset, qint64 size)
+// The hash of one part, read a block at a time; the part itself is sent from the file later.
+std::expected<QByteArray, QString> hashPart(const QString& path, qint64 offset, qint64 size)
 {
     QFile file(path);
-    if (!file.open(QIODevice::ReadOnly)) {
-        return {{}, {}, file.errorString()};
+    if (!file.open(QIODevice::ReadOnly) || !file.seek(offset)) {
+        return std::unexpected(file.errorString());
     }
-    if (!file.seek(offset)) {
-        return {{}, {}, file.errorString()};
+    QCryptographicHash hash(QCryptographicHash::Sha256);
+    QByteArray block(1024 * 1024, Qt::Uninitialized);
+    qint64 left = size;
+    while (left > 0) {
+        const qint64 read = file.read(block.data(), std::min<qint64>(block.size(), left));
+        if (read <= 0) {
+            return std::unexpected(read < 0 ? file.errorString()
+                                            : QStringLiteral("the file changed while it was read"));
+        }
+        hash.addData(QByteArrayView(block.constData(), read));
+        left -= read;
     }
-    PartData part;
-    part.data = file.read(size);
-    if (part.data.size() != size) {
-        return {{}, {}, QStringLiteral("the file changed while it was read")};
-    }
-    part.hash = QCryptographicHash::hash(part.data, QCryptographicHash::Sha256).toHex();
-    return part;
+    return hash.result().toHex();
 }
 
 // The whole file's hash, read a block at a time.
@@ -89,7 +89,8 @@ Error fileError(const QString& detail)
 
 Uploader::Uploader(S3Client::Configuration configuration, File file, Options options, QObject* parent)
     : QObject(parent)
-    , m_client(std::move(configuration))
+    , m_client(configuration)
+    , m_partClient(std::move(configuration))
     , m_file(std::move(file))
     , m_options(std::move(options))
 {}
@@ -221,35 +222,42 @@ void Uploader::pumpParts()
         const int index = m_nextPart++;
         ++m_inFlight;
         const Part part = m_parts[index];
-        auto* watcher = new QFutureWatcher<PartData>(this);
+        auto* watcher = new QFutureWatcher<std::expected<QByteArray, QString>>(this);
         connect(watcher, &QFutureWatcherBase::finished, this, [this, watcher, index] {
             watcher->deleteLater();
             if (m_finished || m_cancelled) {
                 return;
             }
-            const PartData data = watcher->result();
-            if (!data.failure.isEmpty()) {
+            const auto hash = watcher->result();
+            if (!hash) {
                 m_cancelled = true;
-                abortMultipart(fileError(data.failure));
+                abortMultipart(fileError(hash.error()));
                 return;
             }
-            sendPart(index, data.data, data.hash);
+            sendPart(index, *hash);
         });
-        watcher->setFuture(QtConcurrent::run(readPart, m_file.localPath, part.offset, part.size));
+        watcher->setFuture(QtConcurrent::run(hashPart, m_file.localPath, part.offset, part.size));
     }
 }
 
-void Uploader::sendPart(int index, const QByteArray& data, const QByteArray& hash)
+void Uploader::sendPart(int index, const QByteArray& hash)
 {
     const Part& part = m_parts[index];
-    auto* buffer = new QBuffer(this);
-    buffer->setData(data);
-    buffer->open(QIODevice::ReadOnly);
+    auto* body = new FileRangeDevice(m_file.localPath, part.offset, part.size, this);
+    if (!body->open(QIODevice::ReadOnly)) {
+        const QString reason = body->fileErrorString();
+        delete body;
+        --m_inFlight;
+        m_cancelled = true;
+        abortMultipart(fileError(reason));
+        return;
+    }
     const QList<S3Client::QueryItem> query{{QStringLiteral("partNumber"), QString::number(part.number)},
                                            {QStringLiteral("uploadId"), m_uploadId}};
+    S3Client& client = index % 2 == 0 ? m_client : m_partClient;
     QNetworkReply* reply =
-        m_client.send("PUT", m_file.key, query, {}, buffer, hash, [this, index, buffer](auto response) {
-            buffer->deleteLater();
+        client.send("PUT", m_file.key, query, {}, body, hash, [this, index, body](auto response) {
+            body->deleteLater();
             if (m_finished || m_cancelled) {
                 return;
             }

@@ -19,8 +19,9 @@ class QFile;
 namespace Vantrope::AWS {
 
 // One file to one object. Small files go in one signed PUT; larger ones as a multipart upload whose parts
-// (read and hashed off the main thread) go up a few at a time, so memory stays flat however large the
-// file. A failure or a cancel aborts the multipart upload, so the bucket keeps no orphaned parts.
+// (hashed off the main thread, then streamed from the file) go up several at a time, so memory stays flat
+// however large the file. A failure or a cancel aborts the multipart upload, so the bucket keeps no orphaned
+// parts.
 class Uploader final : public QObject {
     Q_OBJECT
 public:
@@ -48,13 +49,19 @@ public:
     // S3 takes parts of at least 5 MiB (but the last) and at most 10,000 parts.
     static constexpr qint64 minimumPartSize = 8 * 1024 * 1024;
     static constexpr int maximumParts = 10000;
-    static constexpr int partsInFlight = 4;
+    // Parts stream from the file, so more in flight costs sockets, not memory. One network manager opens
+    // at most six connections to a host, so the parts take turns between two of them.
+    static constexpr int partsInFlight = 12;
 
     Uploader(S3Client::Configuration configuration, File file, Options options, QObject* parent = nullptr);
     ~Uploader() override;
 
     void setMultipartThreshold(qint64 bytes) { m_multipartThreshold = bytes; }
-    void setClock(std::function<QDateTime()> now) { m_client.setClock(std::move(now)); }
+    void setClock(std::function<QDateTime()> now)
+    {
+        m_client.setClock(now);
+        m_partClient.setClock(std::move(now));
+    }
 
     // Starts once; `completion` runs once, on the main thread.
     void upload(Completion completion);
@@ -76,7 +83,7 @@ private:
     void uploadSingle();
     void startMultipart();
     void pumpParts();
-    void sendPart(int index, const QByteArray& data, const QByteArray& hash);
+    void sendPart(int index, const QByteArray& hash);
     void completeMultipart();
     // Cancels what is under way, drops the parts at the server and then reports `reason` (a
     // cancellation when none).
@@ -87,6 +94,7 @@ private:
     QList<S3Client::Header> objectHeaders() const;
 
     S3Client m_client;
+    S3Client m_partClient;
     File m_file;
     Options m_options;
     qint64 m_multipartThreshold = defaultMultipartThreshold;
