@@ -84,6 +84,7 @@ void WatchedFolderController::scheduleRecheck()
 
 void WatchedFolderController::recheck()
 {
+    bool changed = false;
     for (const ObservedDirectory& directory : m_store.items()) {
         if (directory.lifecycle.isStopped ||
             m_coordinator.observationStatus(directory.url) ==
@@ -98,6 +99,7 @@ void WatchedFolderController::recheck()
                     << QStringLiteral("Watched folder %1 is %2; it starts again once it is back")
                            .arg(path, stateName(state));
                 m_unavailable.insert(directory.identifier);
+                changed = true;
             }
             DirectoryObserver& observer = m_coordinator.observer(directory.url);
             if (observer.isRunning()) {
@@ -107,6 +109,7 @@ void WatchedFolderController::recheck()
             continue;
         }
         const bool cameBack = m_unavailable.remove(directory.identifier);
+        changed = changed || cameBack;
         if (cameBack) {
             qCInfo(lcDirectoryObserver).noquote() << QStringLiteral("Watched folder %1 is back").arg(path);
         }
@@ -121,6 +124,9 @@ void WatchedFolderController::recheck()
             }
             startFolder(directory);
         }
+    }
+    if (changed) {
+        Q_EMIT foldersChanged();
     }
 }
 
@@ -216,6 +222,7 @@ std::expected<WatchedFolderController::Folder, Error> WatchedFolderController::a
             QStringLiteral("could not save the list of watched folders at %1").arg(m_store.filePath())});
     }
     startFolder(directory);
+    Q_EMIT foldersChanged();
     return Folder{directory, stateOf(directory)};
 }
 
@@ -231,7 +238,9 @@ WatchedFolderController::remove(const QString& identifier)
     m_coordinator.removeObserver(directory->url);
     m_unavailable.remove(directory->identifier);
     m_startedInodes.remove(directory->identifier);
-    if (!m_store.deleteItem(*directory)) {
+    const bool deleted = m_store.deleteItem(*directory);
+    Q_EMIT foldersChanged();
+    if (!deleted) {
         return std::unexpected(Error{
             Error::Kind::saveFailed,
             QStringLiteral("could not save the list of watched folders at %1").arg(m_store.filePath())});
@@ -251,6 +260,7 @@ WatchedFolderController::pause(const QString& identifier)
     directory->lifecycle.isStopped = true;
     const bool saved = m_store.saveItem(*directory);
     m_coordinator.stopObserving(m_coordinator.observer(directory->url));
+    Q_EMIT foldersChanged();
     if (!saved) {
         return std::unexpected(
             Error{Error::Kind::saveFailed,
@@ -278,11 +288,39 @@ WatchedFolderController::resume(const QString& identifier)
             startFolder(*directory);
         }
     }
+    Q_EMIT foldersChanged();
     if (!saved) {
         return std::unexpected(
             Error{Error::Kind::saveFailed,
                   QStringLiteral("resumed for now, but could not save the list of watched folders "
                                  "at %1")
+                      .arg(m_store.filePath())});
+    }
+    return Folder{*directory, stateOf(*directory)};
+}
+
+std::expected<WatchedFolderController::Folder, Error>
+WatchedFolderController::change(const ObservedDirectory& changed)
+{
+    auto directory = find(changed.identifier);
+    if (!directory) {
+        return std::unexpected(
+            Error{Error::Kind::unknownFolder,
+                  QStringLiteral("no watched folder has the identifier \"%1\"").arg(changed.identifier)});
+    }
+    directory->options = changed.options;
+    directory->filters = changed.filters;
+    const bool saved = m_store.saveItem(*directory);
+    DirectoryObserver& observer = m_coordinator.observer(directory->url);
+    if (observer.isRunning()) {
+        m_coordinator.stopObserving(observer);
+        startFolder(*directory);
+    }
+    Q_EMIT foldersChanged();
+    if (!saved) {
+        return std::unexpected(
+            Error{Error::Kind::saveFailed,
+                  QStringLiteral("changed for now, but could not save the list of watched folders at %1")
                       .arg(m_store.filePath())});
     }
     return Folder{*directory, stateOf(*directory)};
