@@ -12,6 +12,7 @@
 #include "Settings/ShelvesSettingsPage.h"
 #include "Settings/WatchedFoldersSettingsPage.h"
 
+#include <algorithm>
 #include <QFrame>
 #include <QHBoxLayout>
 #include <QIcon>

@@ -21,8 +21,8 @@
 #include <QAbstractItemView>
 #include <QApplication>
 #include <QCheckBox>
+#include <QClipboard>
 #include <QComboBox>
-#include <QCompleter>
 #include <QDir>
 #include <QFileDialog>
 #include <QJsonArray>
@@ -36,7 +36,7 @@
 #include <QPushButton>
 #include <QScrollArea>
 #include <QStandardPaths>
-#include <QStyleFactory>
+#include <QStyleOptionButton>
 #include <QTemporaryDir>
 #include <QTest>
 #include <QTreeWidget>
@@ -79,14 +79,22 @@ bool chooseInFileDialog(QWidget* owner, const QString& dialogName, const QString
     if (!name) {
         return false;
     }
-    name->selectAll();
-    QTest::keyClicks(name, path);
-    // The completion list would take the Return for itself.
-    if (QCompleter* completer = name->completer(); completer && completer->popup()->isVisible()) {
-        completer->popup()->hide();
-    }
+    // Pasted whole, as typing it a letter at a time lets the dialog's completion rewrite it.
+    QGuiApplication::clipboard()->setText(path);
+    QTest::keyClick(name, Qt::Key_A, Qt::ControlModifier);
+    QTest::keyClick(name, Qt::Key_V, Qt::ControlModifier);
     QTest::keyClick(name, Qt::Key_Return);
     return QTest::qWaitFor([&] { return !owner->findChild<QFileDialog*>(dialogName); });
+}
+
+// Clicks the box itself: the widget may reach far beyond its label, where a click does nothing.
+void clickCheckBox(QCheckBox* box)
+{
+    QStyleOptionButton option;
+    option.initFrom(box);
+    option.text = box->text();
+    const QRect indicator = box->style()->subElementRect(QStyle::SE_CheckBoxIndicator, &option, box);
+    QTest::mouseClick(box, Qt::LeftButton, {}, indicator.center());
 }
 
 void eraseAndType(QLineEdit* edit, const QString& text)
@@ -191,10 +199,10 @@ private Q_SLOTS:
         auto* box = visibleControl<QCheckBox>(page, control);
         QVERIFY(box);
         const bool before = box->isChecked();
-        QTest::mouseClick(box, Qt::LeftButton);
+        clickCheckBox(box);
         QCOMPARE(box->isChecked(), !before);
         QCOMPARE(storedValue(storedName), QJsonValue(box->isChecked() != inverted));
-        QTest::mouseClick(box, Qt::LeftButton);
+        clickCheckBox(box);
         QCOMPARE(storedValue(storedName), QJsonValue(before != inverted));
     }
 
@@ -331,7 +339,8 @@ private Q_SLOTS:
         QTest::mouseClick(add, Qt::LeftButton);
         QVERIFY(chooseInFileDialog(m_window.get(), u"addWatchedFolderDialog"_s, folder));
         auto* list = visibleControl<QTreeWidget>(u"watched-folders"_s, u"watchedFolders"_s);
-        QCOMPARE(list->topLevelItemCount(), 1);
+        QVERIFY2(list->topLevelItemCount() == 1,
+                 qPrintable(m_window->findChild<QLabel*>(u"watchedFolderMessage"_s)->text()));
         QCOMPARE(list->topLevelItem(0)->text(0), folder);
         QCOMPARE(list->topLevelItem(0)->data(1, Qt::UserRole).toString(), u"active"_s);
         QCOMPARE(storedFolders().size(), 1);
@@ -384,7 +393,7 @@ private Q_SLOTS:
         }
         QCOMPARE(property->currentText(), u"Size"_s);
         auto* size = row->findChild<QLineEdit*>(u"size"_s);
-        QVERIFY(size->isVisible());
+        QTRY_VERIFY(size->isVisible());
         eraseAndType(size, u"12abc"_s);
         auto* problem = m_window->findChild<QLabel*>(u"ruleProblem"_s);
         QTRY_VERIFY(problem->isVisible());
@@ -425,7 +434,7 @@ private Q_SLOTS:
         auto* nested = visibleControl<QCheckBox>(u"watched-folders"_s, u"observesNestedDirectories"_s);
         QVERIFY(nested);
         QVERIFY(!nested->isChecked());
-        QTest::mouseClick(nested, Qt::LeftButton);
+        clickCheckBox(nested);
         QVERIFY(storedFolders().value(0).options.observesNestedDirectories);
         QCOMPARE(m_folders->folders().value(0).state, WatchedFolderController::State::active);
     }
@@ -640,8 +649,12 @@ private:
         if (!widget) {
             return nullptr;
         }
+        // A page shown for the first time lays itself out, and shows widgets added to it, a moment later.
+        if (!QTest::qWaitFor([widget] { return widget->isVisible() && !widget->rect().isEmpty(); })) {
+            return nullptr;
+        }
         m_window->findChild<QScrollArea*>(page + u"-scroll"_s)->ensureWidgetVisible(widget);
-        QApplication::processEvents();
+        QTest::qWait(20);
         return widget;
     }
 
