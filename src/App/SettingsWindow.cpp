@@ -108,7 +108,7 @@ SettingsWindow::SettingsWindow(const Context& context, QWidget* parent)
         ActivationAvailability::of(context.session, context.dragMonitor);
     addPage(generalPage, Localized("settings.page.general", "General"), QStringLiteral("preferences-system"),
             new GeneralSettingsPage(context.preferences, availability));
-    addPage(shelvesPage, Localized("settings.page.shelves", "Shelves"), QStringLiteral("view-grid"),
+    addPage(shelvesPage, Localized("settings.page.shelves", "Shelves"), QStringLiteral("user-desktop"),
             new ShelvesSettingsPage(context.preferences));
     addPage(activationPage, Localized("settings.page.activation", "Activation"),
             QStringLiteral("input-mouse"),
@@ -141,7 +141,7 @@ SettingsWindow::SettingsWindow(const Context& context, QWidget* parent)
     }
 
     const int lineHeight = fontMetrics().height();
-    resize(lineHeight * 50, lineHeight * 36);
+    resize(lineHeight * 60, lineHeight * 44);
 
     connect(new QShortcut(QKeySequence::Close, this), &QShortcut::activated, this, &QWidget::close);
     connect(new QShortcut(QKeySequence::Quit, this), &QShortcut::activated, this,

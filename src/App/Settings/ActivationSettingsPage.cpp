@@ -89,8 +89,8 @@ ActivationSettingsPage::ActivationSettingsPage(Preferences& preferences,
     QFormLayout* ignored = addSection(PreferenceBinding::label(PreferenceKey::ignoredApplication));
     m_ignored->setObjectName(QStringLiteral("ignoredApplications"));
     m_ignored->setSelectionMode(QAbstractItemView::ExtendedSelection);
-    m_ignored->setMinimumHeight(fontMetrics().height() * 6);
-    m_ignored->setMaximumHeight(fontMetrics().height() * 10);
+    m_ignored->setMinimumHeight(fontMetrics().height() * 5);
+    m_ignored->setMaximumHeight(fontMetrics().height() * 8);
     m_add->setObjectName(QStringLiteral("addIgnoredApplication"));
     m_remove->setObjectName(QStringLiteral("removeIgnoredApplication"));
     auto* listRow = new QHBoxLayout;

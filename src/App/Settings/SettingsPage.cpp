@@ -13,6 +13,7 @@ SettingsPage::SettingsPage(QWidget* parent)
     : QWidget(parent)
     , m_layout(new QVBoxLayout(this))
 {
+    m_layout->setContentsMargins(0, 4, 12, 0);
     m_layout->setSpacing(6);
 }
 
