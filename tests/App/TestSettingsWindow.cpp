@@ -59,6 +59,11 @@ QPalette darkPalette()
     palette.setColor(QPalette::Highlight, QColor(0x35, 0x84, 0xe4));
     palette.setColor(QPalette::HighlightedText, Qt::white);
     palette.setColor(QPalette::PlaceholderText, QColor(0xa0, 0xa0, 0xa0));
+    palette.setColor(QPalette::Light, QColor(0x4a, 0x4a, 0x4a));
+    palette.setColor(QPalette::Midlight, QColor(0x3e, 0x3e, 0x3e));
+    palette.setColor(QPalette::Mid, QColor(0x30, 0x30, 0x30));
+    palette.setColor(QPalette::Dark, QColor(0x1a, 0x1a, 0x1a));
+    palette.setColor(QPalette::Shadow, Qt::black);
     palette.setColor(QPalette::Disabled, QPalette::Text, QColor(0x80, 0x80, 0x80));
     palette.setColor(QPalette::Disabled, QPalette::WindowText, QColor(0x80, 0x80, 0x80));
     palette.setColor(QPalette::Disabled, QPalette::ButtonText, QColor(0x80, 0x80, 0x80));

@@ -47,6 +47,7 @@ ScreenshotSettingsPage::ScreenshotSettingsPage(Preferences& preferences, UserScr
     shelf->addRow(Localized("settings.screenshots.folder", "Folder"), folderRow);
     m_folderProblem->setObjectName(QStringLiteral("screenshotFolderProblem"));
     m_folderProblem->setWordWrap(true);
+    m_folderProblem->setMinimumWidth(fontMetrics().averageCharWidth() * 50);
     shelf->addRow(QString(), m_folderProblem);
     connect(change, &QPushButton::clicked, this, &ScreenshotSettingsPage::chooseFolder);
 
