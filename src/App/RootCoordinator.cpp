@@ -86,6 +86,8 @@ RootCoordinator::RootCoordinator(const Dependencies& dependencies, QObject* pare
 
 RootCoordinator::~RootCoordinator()
 {
+    // The settings pages work on the watched folders and the drag monitor, which go before the windows.
+    delete m_windowCoordinator->settingsWindow();
     m_directoryObserverCoordinator->setDataSource(nullptr);
 }
 
