@@ -575,6 +575,47 @@ private Q_SLOTS:
         QCOMPARE(availability.unavailableNote(), note);
     }
 
+    // The programs offered for ignoring are named as the recognizer sees their windows.
+    void installedProgramsByWindowClass_data()
+    {
+        QTest::addColumn<QByteArray>("desktopFile");
+        // Empty when the file offers no program.
+        QTest::addColumn<QString>("name");
+        QTest::addColumn<QString>("title");
+        QTest::newRow("window class")
+            << QByteArray("[Desktop Entry]\nType=Application\nName=GNU Image Manipulation "
+                          "Program\nExec=gimp-2.10 %U\nStartupWMClass=Gimp-2.10\n")
+            << u"Gimp-2.10"_s << u"GNU Image Manipulation Program"_s;
+        QTest::newRow("executable with a folder and arguments")
+            << QByteArray("[Desktop Entry]\nType=Application\nName=Inkscape\nExec=\"/usr/bin/inkscape\" %F\n")
+            << u"inkscape"_s << u"Inkscape"_s;
+        QTest::newRow("keys of an action group do not count")
+            << QByteArray("[Desktop Entry]\nType=Application\nName=Editor\nExec=editor\n"
+                          "[Desktop Action new]\nName=New Window\nExec=other --new\n")
+            << u"editor"_s << u"Editor"_s;
+        QTest::newRow("hidden from menus")
+            << QByteArray("[Desktop Entry]\nType=Application\nName=Helper\nExec=helper\nNoDisplay=true\n")
+            << QString() << QString();
+        QTest::newRow("a link, not a program")
+            << QByteArray("[Desktop Entry]\nType=Link\nName=Site\nURL=https://example.org\n") << QString()
+            << QString();
+    }
+
+    void installedProgramsByWindowClass()
+    {
+        QFETCH(QByteArray, desktopFile);
+        QFETCH(QString, name);
+        QFETCH(QString, title);
+        const QString path = m_home->filePath(u"program.desktop"_s);
+        QVERIFY(Test::writeFile(path, desktopFile));
+        const auto application = RunningApplications::fromDesktopFile(path);
+        QCOMPARE(application.has_value(), !name.isEmpty());
+        if (application) {
+            QCOMPARE(application->name, name);
+            QCOMPARE(application->title, title);
+        }
+    }
+
     void theGeneralPageSaysWhatWorksHere()
     {
         auto* summary = visibleControl<QLabel>(u"general"_s, u"activationSummary"_s);
