@@ -86,6 +86,8 @@ RootCoordinator::RootCoordinator(const Dependencies& dependencies, QObject* pare
 
 RootCoordinator::~RootCoordinator()
 {
+    // The settings pages work on the watched folders and the drag monitor, which go before the windows.
+    delete m_windowCoordinator->settingsWindow();
     m_directoryObserverCoordinator->setDataSource(nullptr);
 }
 
@@ -100,6 +102,19 @@ void RootCoordinator::start()
     m_recognizerConfiguration =
         std::make_unique<DragRecognizerConfiguration>(m_dependencies.preferences, *m_dragRecognizer);
     m_dragRecognizer->setDelegate(m_sessionController.get());
+    m_windowCoordinator->setSettingsContext(SettingsWindow::Context{
+        .preferences = m_dependencies.preferences,
+        .session = DisplayEnvironment::detect().kind(),
+        .dragMonitor = m_dragMonitor.get(),
+        .watchedFolders = m_watchedFolders.get(),
+        .screenshots = m_userScreenshotObserver.get(),
+        .screenshotFolderChanged = [this] { configureScreenshotObservation(); },
+        .purgeTemporaryData =
+            [this](ApplicationDataSettingsPage::PurgeCompletion done) {
+                purgeTemporaryData(std::move(done));
+            },
+        .preferencesFile = {},
+    });
     configureScreenshotObservation();
     connect(&m_dependencies.preferences, &Preferences::changed, this, [this](PreferenceKey key) {
         if (key == PreferenceKey::screenshotObservationEnabled) {
@@ -172,9 +187,9 @@ void RootCoordinator::configureScreenshotObservation()
     (void)m_userScreenshotObserver->start();
 }
 
-void RootCoordinator::purgeTemporaryData()
+void RootCoordinator::purgeTemporaryData(TemporaryDataSanitizer::Completion done)
 {
-    m_sanitizer->purge(temporaryDataInUse());
+    m_sanitizer->purge(temporaryDataInUse(), std::move(done));
 }
 
 TemporaryDataSanitizer::Protected RootCoordinator::temporaryDataInUse() const

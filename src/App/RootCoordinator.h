@@ -67,7 +67,7 @@ public:
     TemporaryDataSanitizer& sanitizer() const { return *m_sanitizer; }
     UserScreenshotObserver& userScreenshotObserver() const { return *m_userScreenshotObserver; }
     // Clears the temporary data of shelves no longer open or recent now, however recent the last run.
-    void purgeTemporaryData();
+    void purgeTemporaryData(TemporaryDataSanitizer::Completion done = {});
 
 Q_SIGNALS:
     // The quit item or the Quit shortcut; the application decides.

@@ -18,10 +18,25 @@ WindowCoordinator::~WindowCoordinator()
     delete m_settingsWindow;
 }
 
+void WindowCoordinator::setSettingsContext(const SettingsWindow::Context& context)
+{
+    m_settingsContext.reset();
+    m_settingsContext.emplace(context);
+}
+
+void WindowCoordinator::addSettingsPages(std::function<void(SettingsWindow&)> provider)
+{
+    m_settingsPageProviders.append(std::move(provider));
+}
+
 void WindowCoordinator::showSettings()
 {
     if (!m_settingsWindow) {
-        m_settingsWindow = new SettingsWindow(m_preferences);
+        m_settingsWindow =
+            m_settingsContext ? new SettingsWindow(*m_settingsContext) : new SettingsWindow(m_preferences);
+        for (const auto& provider : std::as_const(m_settingsPageProviders)) {
+            provider(*m_settingsWindow);
+        }
         m_settingsWindow->setAttribute(Qt::WA_DeleteOnClose);
         connect(m_settingsWindow, &SettingsWindow::quitRequested, this, &WindowCoordinator::quitRequested);
     }

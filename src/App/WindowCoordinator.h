@@ -3,8 +3,11 @@
 #pragma once
 
 #include "Domains/DragSession/Screen.h"
+#include "SettingsWindow.h"
 
+#include <functional>
 #include <memory>
+#include <optional>
 #include <QObject>
 #include <QPointer>
 
@@ -14,7 +17,6 @@ namespace Vantrope {
 
 class IntroductionWindow;
 class Preferences;
-class SettingsWindow;
 
 // The program's ordinary windows: settings and the introduction.
 class WindowCoordinator final : public QObject {
@@ -23,6 +25,10 @@ public:
     explicit WindowCoordinator(Preferences& preferences, QObject* parent = nullptr);
     ~WindowCoordinator() override;
 
+    // What the settings pages work on; without it the window has the pages of the preferences only.
+    void setSettingsContext(const SettingsWindow::Context& context);
+    // Runs for every settings window made from now on, to add a page of another part of the program.
+    void addSettingsPages(std::function<void(SettingsWindow&)> provider);
     void showSettings();
     // Centred on `screen`, or wherever the window manager likes without one.
     void showIntroduction(const std::optional<Screen>& screen);
@@ -39,6 +45,8 @@ private:
     Preferences& m_preferences;
     // Weak: the window deletes itself when closed.
     QPointer<SettingsWindow> m_settingsWindow;
+    std::optional<SettingsWindow::Context> m_settingsContext;
+    QList<std::function<void(SettingsWindow&)>> m_settingsPageProviders;
     std::unique_ptr<IntroductionWindow> m_introductionWindow;
 };
 

@@ -134,7 +134,8 @@ using KeyCombinations = QMap<QString, KeyCombination>;
       label("settings.general.tray-icon", "Tray icon"), \
       SettingsItem::storedValue(SettingsItem::MenuBarIcon::traditional)) \
     X(onlineFeaturesDisabled, "OnlineFeaturesDisabled", bool, atRead, \
-      label("settings.advanced.online-features-disabled", "Turn off online features"), false)
+      label("settings.advanced.online-features-disabled", "Turn off online features"), false) \
+    X(lastSettingsPage, "LastSettingsPage", QString, atRead, internal)
 // clang-format on
 
 enum class PreferenceKey {

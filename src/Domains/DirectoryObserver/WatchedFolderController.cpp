@@ -116,6 +116,7 @@ void WatchedFolderController::updateRootWatches()
 
 void WatchedFolderController::recheck()
 {
+    bool changed = false;
     for (const ObservedDirectory& directory : m_store.items()) {
         if (directory.lifecycle.isStopped ||
             m_coordinator.observationStatus(directory.url) ==
@@ -130,6 +131,7 @@ void WatchedFolderController::recheck()
                     << QStringLiteral("Watched folder %1 is %2; it starts again once it is back")
                            .arg(path, stateName(state));
                 m_unavailable.insert(directory.identifier);
+                changed = true;
             }
             DirectoryObserver& observer = m_coordinator.observer(directory.url);
             if (observer.isRunning()) {
@@ -139,6 +141,7 @@ void WatchedFolderController::recheck()
             continue;
         }
         const bool cameBack = m_unavailable.remove(directory.identifier);
+        changed = changed || cameBack;
         if (cameBack) {
             qCInfo(lcDirectoryObserver).noquote() << QStringLiteral("Watched folder %1 is back").arg(path);
         }
@@ -166,6 +169,9 @@ void WatchedFolderController::recheck()
     m_unavailable.intersect(shouldRun);
     updateRootWatches();
     scheduleRecheckIfNeeded();
+    if (changed) {
+        Q_EMIT foldersChanged();
+    }
 }
 
 void WatchedFolderController::startFolder(const ObservedDirectory& directory)
@@ -261,6 +267,7 @@ std::expected<WatchedFolderController::Folder, Error> WatchedFolderController::a
     }
     startFolder(directory);
     recheckIfStarted();
+    Q_EMIT foldersChanged();
     return Folder{directory, stateOf(directory)};
 }
 
@@ -278,6 +285,7 @@ WatchedFolderController::remove(const QString& identifier)
     m_startedInodes.remove(directory->identifier);
     const bool deleted = m_store.deleteItem(*directory);
     recheckIfStarted();
+    Q_EMIT foldersChanged();
     if (!deleted) {
         return std::unexpected(Error{
             Error::Kind::saveFailed,
@@ -299,6 +307,7 @@ WatchedFolderController::pause(const QString& identifier)
     const bool saved = m_store.saveItem(*directory);
     m_coordinator.stopObserving(m_coordinator.observer(directory->url));
     recheckIfStarted();
+    Q_EMIT foldersChanged();
     if (!saved) {
         return std::unexpected(
             Error{Error::Kind::saveFailed,
@@ -327,11 +336,39 @@ WatchedFolderController::resume(const QString& identifier)
         }
     }
     recheckIfStarted();
+    Q_EMIT foldersChanged();
     if (!saved) {
         return std::unexpected(
             Error{Error::Kind::saveFailed,
                   QStringLiteral("resumed for now, but could not save the list of watched folders "
                                  "at %1")
+                      .arg(m_store.filePath())});
+    }
+    return Folder{*directory, stateOf(*directory)};
+}
+
+std::expected<WatchedFolderController::Folder, Error>
+WatchedFolderController::change(const ObservedDirectory& changed)
+{
+    auto directory = find(changed.identifier);
+    if (!directory) {
+        return std::unexpected(
+            Error{Error::Kind::unknownFolder,
+                  QStringLiteral("no watched folder has the identifier \"%1\"").arg(changed.identifier)});
+    }
+    directory->options = changed.options;
+    directory->filters = changed.filters;
+    const bool saved = m_store.saveItem(*directory);
+    DirectoryObserver& observer = m_coordinator.observer(directory->url);
+    if (observer.isRunning()) {
+        m_coordinator.stopObserving(observer);
+        startFolder(*directory);
+    }
+    Q_EMIT foldersChanged();
+    if (!saved) {
+        return std::unexpected(
+            Error{Error::Kind::saveFailed,
+                  QStringLiteral("changed for now, but could not save the list of watched folders at %1")
                       .arg(m_store.filePath())});
     }
     return Folder{*directory, stateOf(*directory)};

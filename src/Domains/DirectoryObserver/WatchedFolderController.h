@@ -60,11 +60,18 @@ public:
     std::expected<Folder, Error> remove(const QString& identifier);
     std::expected<Folder, Error> pause(const QString& identifier);
     std::expected<Folder, Error> resume(const QString& identifier);
+    // Stores the options and rules of `directory` over those of the folder with its identifier, and starts
+    // that folder's observer again with them when it runs. Its place and paused state stay as stored.
+    std::expected<Folder, Error> change(const ObservedDirectory& directory);
 
     // Looks at every folder that should run: stops those gone or unreadable, starts those back.
     void recheck();
 
     static QString stateName(State state);
+
+Q_SIGNALS:
+    // A folder was added, removed, paused, resumed or changed, or one went away or came back.
+    void foldersChanged();
 
 private:
     std::optional<ObservedDirectory> find(const QString& identifier) const;

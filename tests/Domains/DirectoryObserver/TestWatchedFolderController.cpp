@@ -156,6 +156,40 @@ private Q_SLOTS:
         QCOMPARE(f.shelves.shelves.first().files, QList<QUrl>{QUrl::fromLocalFile(f.path(u"after.pdf"_s))});
     }
 
+    // Rules changed in the settings are stored and hold from the next item on; a paused folder stays
+    // paused, and its place cannot be changed that way.
+    void changedRulesHoldAtOnce()
+    {
+        Fixture f;
+        auto added = f.controller->add(f.folder);
+        QVERIFY(added);
+        ObservedDirectory changed = added->directory;
+        changed.filters = {
+            {DirectoryObserverFilter::OperatorType::And,
+             DirectoryObserverItemMatcher::fileExtension(
+                 {DirectoryObserverItemMatcher::StringMatching::Comparison::equals, u"pdf"_s})}};
+        changed.options.rulesCaseSensitive = true;
+        changed.url = QUrl::fromLocalFile(f.root.path());
+        changed.lifecycle.isStopped = true;
+        const auto result = f.controller->change(changed);
+        QVERIFY(result);
+        QCOMPARE(result->state, State::active);
+        QCOMPARE(result->directory.url, f.url());
+        QCOMPARE(ObservedDirectoryStore(f.storePath(), false).items().value(0).filters, changed.filters);
+
+        QVERIFY(f.write(u"notes.txt"_s));
+        QVERIFY(f.write(u"scan.pdf"_s));
+        QVERIFY(f.pass());
+        QCOMPARE(f.filesOnShelves(), 1);
+        QCOMPARE(f.shelves.shelves.first().files, QList<QUrl>{QUrl::fromLocalFile(f.path(u"scan.pdf"_s))});
+
+        QVERIFY(f.controller->pause(added->directory.identifier));
+        changed.filters.clear();
+        QCOMPARE(f.controller->change(changed)->state, State::paused);
+        changed.identifier = u"00000000-0000-0000-0000-000000000000"_s;
+        QCOMPARE(f.controller->change(changed).error().kind, ErrorKind::unknownFolder);
+    }
+
     // A folder that goes away is shown missing or unreadable and starts again once it is back, also as
     // a new directory under the old name.
     void aFolderThatComesBackIsWatchedAgain_data()
