@@ -48,20 +48,17 @@ QString ActivationAvailability::summary() const
     QString works;
     if (!m_dragsVisible) {
         works = Localized("settings.activation.summary.no-drags",
-                          "Shaking the pointer, holding a key during a drag and the drop zone at the top "
-                          "of the screen do not work here: %1")
+                          "Shaking the pointer and holding a key during a drag do not work here: %1")
                     .arg(m_reason.isEmpty() ? Localized("settings.activation.summary.no-monitor",
                                                         "nothing watches drags in this session.")
                                             : m_reason);
     } else if (m_session == DisplayEnvironment::Kind::xwayland) {
         works = Localized("settings.activation.summary.xwayland",
-                          "Shaking the pointer, holding a key during a drag and the drop zone at the top "
-                          "of the screen work for drags that start in X11 programs; Wayland programs keep "
-                          "their drags to themselves.");
+                          "Shaking the pointer and holding a key during a drag work for drags that start in "
+                          "X11 programs; Wayland programs keep their drags to themselves.");
     } else {
         works = Localized("settings.activation.summary.x11",
-                          "Shaking the pointer, holding a key during a drag and the drop zone at the top "
-                          "of the screen work with every program.");
+                          "Shaking the pointer and holding a key during a drag work with every program.");
     }
     return Localized("settings.activation.summary", "This session: %1. %2 %3")
         .arg(sessionName(), works, always);
