@@ -9,6 +9,7 @@
 #include <QDirIterator>
 #include <QFile>
 #include <QFileInfo>
+#include <QStandardPaths>
 #include <QUuid>
 
 namespace Vantrope {
@@ -188,6 +189,9 @@ FileOperationOutcome FileTransfer::transfer(const QStringList& paths, const QStr
                 {source,
                  failureText(Localized("file-transfer.error.copy", "Could not copy"), copied.error())});
             continue;
+        }
+        if (replacing) {
+            QDir().mkpath(QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation));
         }
         if (replacing && !QFile::moveToTrash(target)) {
             removeTree(partial);

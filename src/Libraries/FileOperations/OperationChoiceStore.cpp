@@ -6,11 +6,21 @@
 #include "Libraries/Core/AtomicFileWriter.h"
 
 #include <QFile>
+#include <QFileInfo>
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QStandardPaths>
 
 namespace Vantrope {
+
+namespace {
+
+QString recentKey()
+{
+    return QStringLiteral("_recentDestinations");
+}
+
+} // namespace
 
 OperationChoiceStore::OperationChoiceStore(QString path)
     : m_path(path.isEmpty() ? QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation) +
@@ -52,12 +62,45 @@ void OperationChoiceStore::load()
 
 QVariantMap OperationChoiceStore::lastChoice(const QString& operationIdentifier) const
 {
-    return m_choices.value(operationIdentifier);
+    QVariantMap values = m_choices.value(operationIdentifier);
+    values.remove(recentKey());
+    return values;
 }
 
 void OperationChoiceStore::remember(const QString& operationIdentifier, const QVariantMap& values)
 {
-    m_choices.insert(operationIdentifier, values);
+    QVariantMap stored = values;
+    // The recent folders live beside the values and survive a new choice.
+    if (const QVariant recent = m_choices.value(operationIdentifier).value(recentKey()); recent.isValid()) {
+        stored.insert(recentKey(), recent);
+    }
+    m_choices.insert(operationIdentifier, stored);
+    save();
+}
+
+QStringList OperationChoiceStore::recentDestinations(const QString& operationIdentifier) const
+{
+    QStringList folders;
+    for (const QString& folder : m_choices.value(operationIdentifier).value(recentKey()).toStringList()) {
+        if (QFileInfo(folder).isDir()) {
+            folders.append(folder);
+        }
+    }
+    return folders;
+}
+
+void OperationChoiceStore::addRecentDestination(const QString& operationIdentifier, const QString& folder)
+{
+    QVariantMap& stored = m_choices[operationIdentifier];
+    QStringList folders = stored.value(recentKey()).toStringList();
+    folders.removeAll(folder);
+    folders.prepend(folder);
+    stored.insert(recentKey(), QStringList(folders.mid(0, recentDestinationsLimit)));
+    save();
+}
+
+void OperationChoiceStore::save()
+{
     QJsonObject object;
     for (auto it = m_choices.cbegin(); it != m_choices.cend(); ++it) {
         object.insert(it.key(), QJsonObject::fromVariantMap(it.value()));

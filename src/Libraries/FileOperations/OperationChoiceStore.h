@@ -4,6 +4,7 @@
 
 #include <QHash>
 #include <QString>
+#include <QStringList>
 #include <QVariantMap>
 
 namespace Vantrope {
@@ -17,10 +18,16 @@ public:
 
     QVariantMap lastChoice(const QString& operationIdentifier) const;
     void remember(const QString& operationIdentifier, const QVariantMap& values);
+    // The folders last copied or moved to by that operation, most recent first, at most
+    // `recentDestinationsLimit`; folders that are gone are left out.
+    QStringList recentDestinations(const QString& operationIdentifier) const;
+    void addRecentDestination(const QString& operationIdentifier, const QString& folder);
+    static constexpr int recentDestinationsLimit = 3;
     const QString& path() const { return m_path; }
 
 private:
     void load();
+    void save();
 
     QString m_path;
     QHash<QString, QVariantMap> m_choices;

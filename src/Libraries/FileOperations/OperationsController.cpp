@@ -443,8 +443,8 @@ OperationsController::RunResult OperationsController::startOperation(FileOperati
                 Localized("operations.error.read-only", "The folder \"%1\" cannot be written to.")
                     .arg(destination.filePath()));
         }
-        if (m_environment.didUseDestination) {
-            m_environment.didUseDestination(type, destination.absoluteFilePath());
+        if (m_environment.choices) {
+            m_environment.choices->addRecentDestination(type.identifier(), destination.absoluteFilePath());
         }
     }
     qCInfo(lcFileOperations).noquote()
@@ -453,6 +453,24 @@ OperationsController::RunResult OperationsController::startOperation(FileOperati
           [run = entry->run, files = m_files, resolved, directory = spec.runDirectory](
               const FileOperationContext& context) { return run(files, resolved, directory, context); });
     return {};
+}
+
+bool OperationsController::performTransfer(FileOperationType type, const QString& destination)
+{
+    if ((type != FileOperationType::copyTo && type != FileOperationType::moveTo) || isRunning() ||
+        m_isAsking || !canPerformOperationType(type, m_files)) {
+        return false;
+    }
+    QVariantMap values = initialValues(type);
+    values.insert(QStringLiteral("destination"), destination);
+    didChooseValues(type, values);
+    return true;
+}
+
+QStringList OperationsController::recentDestinations(FileOperationType type) const
+{
+    return m_environment.choices ? m_environment.choices->recentDestinations(type.identifier())
+                                 : QStringList();
 }
 
 bool OperationsController::performUserOperation(const UserOperation& operation)

@@ -45,8 +45,6 @@ public:
         ApplicationScriptsStore* scripts = nullptr;
         std::chrono::milliseconds scriptTimeLimit = ApplicationScript::defaultTimeLimit;
         FileInformation::MetadataReader metadata;
-        // Called after a copy or move with its destination folder, for the recent destinations.
-        std::function<void(FileOperationType type, const QString& destination)> didUseDestination;
     };
     using RunResult = std::expected<void, QString>;
 
@@ -70,6 +68,10 @@ public:
     bool performOperationType(FileOperationType type);
     // Runs at once with `values` (checked, defaults filled in), asking nothing: the command line.
     RunResult performOperationType(FileOperationType type, const QVariantMap& values);
+    // Copy to or move to a folder chosen before (a recent destination): asks only on a name clash.
+    bool performTransfer(FileOperationType type, const QString& destination);
+    // The recent destinations of copy to or move to, most recent first.
+    QStringList recentDestinations(FileOperationType type) const;
     bool performUserOperation(const UserOperation& operation);
     bool performApplicationScript(const ApplicationScript& script);
 

@@ -347,6 +347,8 @@ FileOperationOutcome StandardFileOperations::moveToTrash(const QStringList& file
                                                          const QString&, const FileOperationContext& context)
 {
     FileOperationOutcome outcome;
+    // The home Trash lives in the data folder, which a fresh account may not have yet.
+    QDir().mkpath(QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation));
     for (qsizetype index = 0; index < files.size(); ++index) {
         if (context.isCancelled()) {
             outcome.cancelled = true;
