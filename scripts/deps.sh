@@ -11,6 +11,7 @@ build_packages=(
     qt6-qpa-plugins libqt6svg6
     libminizip-dev zlib1g-dev
     libglib2.0-dev qt6-pdf-dev
+    libvips-dev libexiv2-dev libtesseract-dev
 )
 test_packages=(xvfb xauth openbox xdotool x11-utils dbus-daemon dbus-x11 libglib2.0-bin python3-gi gir1.2-gtk-3.0 python3-xlib
     chromium firefox-esr pcmanfm thunar desktop-file-utils unzip python3 python3-dbus)
