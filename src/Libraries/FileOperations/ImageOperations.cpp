@@ -3,8 +3,11 @@
 #include "ImageOperations.h"
 
 #include "FileOperationsLogging.h"
+#include "ImageMetadata.h"
 #include "ImageOutputFile.h"
+#include "ImagePdfWriter.h"
 #include "Libraries/Core/Localized.h"
+#include "TextRecognizer.h"
 #include "VipsRuntime.h"
 
 #include <cmath>
@@ -13,6 +16,7 @@
 #include <QFile>
 #include <QFileInfo>
 #include <QHash>
+#include <QImage>
 #include <QMimeDatabase>
 #include <vips/vips.h>
 
@@ -388,57 +392,317 @@ bool ImageOperations::canRead(const QString& mimeType)
     return false;
 }
 
-// Not written yet: these answer a failure per file so callers can be wired up meanwhile.
-namespace {
-FileOperationOutcome notYet(const QStringList& files)
-{
-    FileOperationOutcome outcome;
-    for (const QString& file : files)
-        outcome.failures.append(
-            {file, Localized("image-operation.not-yet", "This operation is not available yet.")});
-    return outcome;
-}
-} // namespace
-
 OperationSettings ImageOperations::stripMetadataSettings()
 {
-    return {};
+    OperationSetting remove{QStringLiteral("remove"), Localized("image-strip.remove", "Remove"),
+                            OperationSetting::Type::choice, QStringLiteral("all")};
+    remove.choices = {
+        {QStringLiteral("all"),
+         Localized("image-strip.remove.all", "All metadata (EXIF, IPTC, XMP, location)")},
+        {QStringLiteral("location"), Localized("image-strip.remove.location", "Only the location")},
+    };
+    return {remove};
 }
-FileOperationOutcome ImageOperations::stripMetadata(const QStringList& files, const QVariantMap&,
-                                                    const QString&, const FileOperationContext&)
+
+FileOperationOutcome ImageOperations::stripMetadata(const QStringList& files, const QVariantMap& values,
+                                                    const QString& outputDirectory,
+                                                    const FileOperationContext& context)
 {
-    return notYet(files);
+    const auto removal = stringValue(values, "remove", QStringLiteral("all")) == QLatin1String("location")
+                             ? ImageMetadata::Removal::location
+                             : ImageMetadata::Removal::all;
+    return forEachFile(files, context, [&](const QString& file, double, double) -> StepResult {
+        if (!ImageMetadata::canStrip(file))
+            return {.failure = Localized("image-metadata.unsupported",
+                                         "Metadata can only be removed from JPEG, PNG and WebP images.")};
+        // The copy is stripped, never the original; the image data is copied as it is.
+        auto output = ImageOutputFile::create(outputDirectory, QLatin1Char('.') + QFileInfo(file).suffix());
+        if (!output)
+            return {.failure = output.error()};
+        QFile source(file);
+        QFile target(output->temporaryPath());
+        if (!source.open(QIODevice::ReadOnly))
+            return {.failure = Localized("image-operation.unopenable", "The file could not be opened: %1")
+                                   .arg(source.errorString())};
+        if (!target.open(QIODevice::WriteOnly | QIODevice::Truncate))
+            return {.failure = target.errorString()};
+        QByteArray block;
+        while (!(block = source.read(1 << 20)).isEmpty())
+            if (target.write(block) != block.size())
+                return {.failure =
+                            Localized("image-operation.copy-failed", "The copy could not be written: %1")
+                                .arg(target.errorString())};
+        if (source.error() != QFile::NoError)
+            return {.failure = Localized("image-operation.unopenable", "The file could not be opened: %1")
+                                   .arg(source.errorString())};
+        target.close();
+        if (context.isCancelled())
+            return {.cancelled = true};
+        const auto stripped = ImageMetadata::strip(output->temporaryPath(), removal);
+        if (!stripped)
+            return {.failure = stripped.error()};
+        auto committed = output->commit(ImageOutputFile::baseNameOf(file));
+        if (!committed)
+            return {.failure = committed.error()};
+        return {.output = *committed};
+    });
 }
+
 OperationSettings ImageOperations::stitchSettings()
 {
-    return {};
+    OperationSetting direction{QStringLiteral("direction"), Localized("image-stitch.direction", "Direction"),
+                               OperationSetting::Type::choice, QStringLiteral("horizontal")};
+    direction.choices = {
+        {QStringLiteral("horizontal"), Localized("image-stitch.direction.horizontal", "Side by side")},
+        {QStringLiteral("vertical"), Localized("image-stitch.direction.vertical", "One above the other")},
+    };
+    OperationSetting spacing{QStringLiteral("spacing"),
+                             Localized("image-stitch.spacing", "Spacing in pixels"),
+                             OperationSetting::Type::integer,
+                             0,
+                             0,
+                             1000};
+    OperationSetting background{QStringLiteral("background"),
+                                Localized("image-stitch.background", "Background"),
+                                OperationSetting::Type::choice, QStringLiteral("white")};
+    background.choices = {
+        {QStringLiteral("white"), Localized("image-stitch.background.white", "White")},
+        {QStringLiteral("black"), Localized("image-stitch.background.black", "Black")},
+        {QStringLiteral("transparent"),
+         Localized("image-stitch.background.transparent", "Transparent (PNG)")},
+    };
+    OperationSetting format{QStringLiteral("format"), Localized("image-stitch.format", "Format"),
+                            OperationSetting::Type::choice, QStringLiteral("png")};
+    format.choices = {{QStringLiteral("png"), QStringLiteral("PNG")},
+                      {QStringLiteral("jpeg"), QStringLiteral("JPEG")}};
+    return {direction, spacing, background, format};
 }
-FileOperationOutcome ImageOperations::stitch(const QStringList& files, const QVariantMap&, const QString&,
-                                             const FileOperationContext&)
+
+FileOperationOutcome ImageOperations::stitch(const QStringList& files, const QVariantMap& values,
+                                             const QString& outputDirectory,
+                                             const FileOperationContext& context)
 {
-    return notYet(files);
+    const bool horizontal =
+        stringValue(values, "direction", QStringLiteral("horizontal")) != QLatin1String("vertical");
+    const int spacing = intValue(values, "spacing", 0);
+    const auto format =
+        formatNamed(stringValue(values, "format", QStringLiteral("png"))).value_or(allFormats().first());
+    const QString backgroundName = stringValue(values, "background", QStringLiteral("white"));
+    const bool transparent = backgroundName == QLatin1String("transparent") && format.alpha;
+    const double shade = backgroundName == QLatin1String("black") ? 0 : 255;
+    FileOperationOutcome outcome;
+    auto fail = [&outcome](const QString& file, const QString& message) {
+        qCWarning(lcFileOperations) << "Not stitching" << file << ":" << message;
+        outcome.failures.append({file, message});
+    };
+    if (!VipsRuntime::start()) {
+        for (const QString& file : files)
+            fail(file, Localized("image-operation.no-vips", "Images cannot be processed here."));
+        return outcome;
+    }
+    // Every image is brought to the smallest height (side by side) or width (one above the other), never
+    // enlarged, so that no image is cut or dwarfed.
+    QStringList readable;
+    int common = VIPS_MAX_COORD;
+    for (const QString& file : files) {
+        VipsRuntime::Image header = VipsRuntime::load(file, true);
+        if (!header) {
+            VipsRuntime::takeError();
+            fail(file, unreadableMessage());
+            continue;
+        }
+        const bool swap = vips_image_get_orientation_swap(header.get());
+        const int width = swap ? vips_image_get_height(header.get()) : vips_image_get_width(header.get());
+        const int height = swap ? vips_image_get_width(header.get()) : vips_image_get_height(header.get());
+        common = std::min(common, horizontal ? height : width);
+        readable << file;
+    }
+    std::vector<VipsRuntime::Image> parts;
+    QStringList used;
+    for (qsizetype index = 0; index < readable.size(); ++index) {
+        const QString& file = readable.at(index);
+        if (context.isCancelled()) {
+            outcome.cancelled = true;
+            return outcome;
+        }
+        context.reportProgress(0.5 * index / readable.size(), QFileInfo(file).fileName());
+        const QByteArray name = QFile::encodeName(file);
+        VipsImage* thumbnail = nullptr;
+        if (vips_thumbnail(name.constData(), &thumbnail, horizontal ? VIPS_MAX_COORD : common, "height",
+                           horizontal ? common : VIPS_MAX_COORD, "size", VIPS_SIZE_DOWN, "fail_on",
+                           VIPS_FAIL_ON_TRUNCATED, nullptr) != 0) {
+            VipsRuntime::takeError();
+            fail(file, unreadableMessage());
+            continue;
+        }
+        VipsRuntime::Image image(thumbnail);
+        VipsImage* step = nullptr;
+        // One colour space and depth for all, with alpha only when the background is transparent.
+        if (vips_colourspace(image.get(), &step, VIPS_INTERPRETATION_sRGB, nullptr) == 0) {
+            image.reset(step);
+            if (vips_cast_uchar(image.get(), &step, nullptr) == 0) {
+                image.reset(step);
+                step = nullptr;
+                int ok = 0;
+                if (transparent && !vips_image_hasalpha(image.get()))
+                    ok = vips_bandjoin_const1(image.get(), &step, 255, nullptr);
+                else if (!transparent && vips_image_hasalpha(image.get())) {
+                    VipsArrayDouble* colour = vips_array_double_newv(1, shade);
+                    ok = vips_flatten(image.get(), &step, "background", colour, nullptr);
+                    vips_area_unref(VIPS_AREA(colour));
+                }
+                if (ok == 0 && step)
+                    image.reset(step);
+                else if (ok != 0)
+                    image.reset();
+            } else {
+                image.reset();
+            }
+        } else {
+            image.reset();
+        }
+        // Decoding each part now finds a damaged file while it can still be left out.
+        VipsImage* decoded = image ? vips_image_copy_memory(image.get()) : nullptr;
+        if (!decoded) {
+            qCWarning(lcFileOperations) << "libvips:" << VipsRuntime::takeError();
+            fail(file, unreadableMessage());
+            continue;
+        }
+        parts.emplace_back(decoded);
+        used << file;
+    }
+    if (parts.empty())
+        return outcome;
+    VipsRuntime::Image joined(static_cast<VipsImage*>(g_object_ref(parts.front().get())));
+    for (size_t index = 1; index < parts.size(); ++index) {
+        VipsArrayDouble* colour = transparent ? vips_array_double_newv(4, 0.0, 0.0, 0.0, 0.0)
+                                              : vips_array_double_newv(3, shade, shade, shade);
+        VipsImage* next = nullptr;
+        const int result =
+            vips_join(joined.get(), parts[index].get(), &next,
+                      horizontal ? VIPS_DIRECTION_HORIZONTAL : VIPS_DIRECTION_VERTICAL, "expand", TRUE,
+                      "shim", spacing, "background", colour, "align", VIPS_ALIGN_CENTRE, nullptr);
+        vips_area_unref(VIPS_AREA(colour));
+        if (result != 0) {
+            qCWarning(lcFileOperations) << "libvips:" << VipsRuntime::takeError();
+            for (const QString& file : std::as_const(used))
+                outcome.failures.append(
+                    {file, Localized("image-stitch.failed", "The images could not be joined.")});
+            return outcome;
+        }
+        joined.reset(next);
+    }
+    const StepResult written = writeStep(
+        joined.get(), format, saverOptions(format, 90, 6), outputDirectory,
+        Localized("image-stitch.name", "%1 (stitched)").arg(ImageOutputFile::baseNameOf(used.first())),
+        context, 0.5, 0.5, QString());
+    if (written.cancelled) {
+        outcome.cancelled = true;
+    } else if (!written.failure.isEmpty()) {
+        for (const QString& file : std::as_const(used))
+            outcome.failures.append({file, written.failure});
+    } else {
+        outcome.outputFiles.append(written.output);
+        context.reportProgress(1.0, QString());
+    }
+    return outcome;
 }
+
 OperationSettings ImageOperations::recognizeTextSettings()
 {
-    return {};
+    OperationSetting language{QStringLiteral("language"), Localized("text-recognition.language", "Language"),
+                              OperationSetting::Type::choice, TextRecognizer::defaultLanguage()};
+    for (const QString& code : TextRecognizer::installedLanguages())
+        language.choices.append({code, TextRecognizer::languageTitle(code)});
+    return {language};
 }
-FileOperationOutcome ImageOperations::recognizeText(const QStringList& files, const QVariantMap&,
-                                                    const QString&, const FileOperationContext&)
+
+FileOperationOutcome ImageOperations::recognizeText(const QStringList& files, const QVariantMap& values,
+                                                    const QString&, const FileOperationContext& context)
 {
-    return notYet(files);
+    const QString language = stringValue(values, "language", TextRecognizer::defaultLanguage());
+    QStringList texts;
+    FileOperationOutcome outcome =
+        forEachFile(files, context, [&](const QString& file, double start, double span) -> StepResult {
+            if (!VipsRuntime::start())
+                return {.failure = Localized("image-operation.no-vips", "Images cannot be processed here.")};
+            const QByteArray name = QFile::encodeName(file);
+            VipsImage* thumbnail = nullptr;
+            // Turned upright by its orientation; only an image too large to be a page is shrunk.
+            if (vips_thumbnail(name.constData(), &thumbnail, 10000, "height", 10000, "size", VIPS_SIZE_DOWN,
+                               "fail_on", VIPS_FAIL_ON_TRUNCATED, nullptr) != 0) {
+                qCWarning(lcFileOperations) << "libvips:" << VipsRuntime::takeError();
+                return {.failure = unreadableMessage()};
+            }
+            VipsRuntime::Image image(thumbnail);
+            const double recorded = vips_image_get_xres(image.get()) * 25.4;
+            image = prepareFor(std::move(image), *formatNamed(QStringLiteral("jpeg")));
+            auto pixels =
+                image ? VipsRuntime::toQImage(image.get()) : std::unexpected(VipsRuntime::takeError());
+            if (!pixels) {
+                qCWarning(lcFileOperations) << "libvips:" << pixels.error();
+                return {.failure = unreadableMessage()};
+            }
+            // Screenshots and photos say 72 dpi or nothing; tesseract does best told a page's usual 300.
+            const int dotsPerInch = recorded >= 100 ? int(recorded) : 300;
+            const auto text = TextRecognizer::recognize(*pixels, dotsPerInch, language, context, start, span,
+                                                        QFileInfo(file).fileName());
+            if (context.isCancelled())
+                return {.cancelled = true};
+            if (!text)
+                return {.failure = text.error()};
+            if (!text->isEmpty())
+                texts << *text;
+            return {};
+        });
+    if (!outcome.cancelled)
+        outcome.text = texts.join(QStringLiteral("\n\n"));
+    return outcome;
 }
+
 OperationSettings ImageOperations::imagesToPdfSettings()
 {
-    return {};
+    OperationSetting pageSize{QStringLiteral("pageSize"), Localized("image-pdf.page-size", "Page size"),
+                              OperationSetting::Type::choice, QStringLiteral("fit")};
+    pageSize.choices = {
+        {QStringLiteral("fit"), Localized("image-pdf.page-size.fit", "The image's size")},
+        {QStringLiteral("a4"), QStringLiteral("A4")},
+        {QStringLiteral("letter"), Localized("image-pdf.page-size.letter", "Letter")},
+    };
+    return {pageSize};
 }
-FileOperationOutcome ImageOperations::imagesToPdf(const QStringList& files, const QVariantMap&,
-                                                  const QString&, const FileOperationContext&)
+
+FileOperationOutcome ImageOperations::imagesToPdf(const QStringList& files, const QVariantMap& values,
+                                                  const QString& outputDirectory,
+                                                  const FileOperationContext& context)
 {
-    return notYet(files);
+    const QString pageSize = stringValue(values, "pageSize", QStringLiteral("fit"));
+    return ImagePdfWriter::write(files,
+                                 pageSize == QLatin1String("a4")       ? ImagePdfWriter::PageSize::a4
+                                 : pageSize == QLatin1String("letter") ? ImagePdfWriter::PageSize::letter
+                                                                       : ImagePdfWriter::PageSize::fitImage,
+                                 outputDirectory, context);
 }
-QList<std::pair<QString, QString>> ImageOperations::describeMetadata(const QString&)
+
+QList<std::pair<QString, QString>> ImageOperations::describeMetadata(const QString& path)
 {
-    return {};
+    auto rows = ImageMetadata::describe(path);
+    const bool hasDimensions =
+        !rows.isEmpty() && rows.first().first == Localized("image-metadata.dimensions", "Dimensions");
+    if (!hasDimensions && VipsRuntime::start()) {
+        VipsRuntime::Image header = VipsRuntime::load(path, true);
+        if (header) {
+            const bool swap = vips_image_get_orientation_swap(header.get());
+            rows.prepend(
+                {Localized("image-metadata.dimensions", "Dimensions"),
+                 Localized("image-metadata.dimensions.value", "%1 × %2 pixels")
+                     .arg(swap ? vips_image_get_height(header.get()) : vips_image_get_width(header.get()))
+                     .arg(swap ? vips_image_get_width(header.get()) : vips_image_get_height(header.get()))});
+        } else {
+            VipsRuntime::takeError();
+        }
+    }
+    return rows;
 }
 
 } // namespace Vantrope
