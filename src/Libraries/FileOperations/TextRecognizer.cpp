@@ -5,6 +5,7 @@
 #include "FileOperationsLogging.h"
 #include "Libraries/Core/Localized.h"
 
+#include <dlfcn.h>
 #include <QDir>
 #include <QFile>
 #include <QImage>
@@ -37,6 +38,18 @@ bool cancelRecognition(void* data, int)
         watch->context->reportProgress(watch->start + watch->span * progress / 100.0, watch->title);
     }
     return false;
+}
+
+// Tesseract asks OpenMP for several threads, which spin while they wait for each other: on a desktop busy
+// with other work a page then takes several times as long as on one thread. With dynamic adjustment,
+// OpenMP gives only as many threads as the load average leaves cores free. It is a setting of the
+// calling thread, and is set there.
+void fitOpenMpToLoad()
+{
+    using SetDynamic = void (*)(int);
+    static const auto setDynamic = reinterpret_cast<SetDynamic>(dlsym(RTLD_DEFAULT, "omp_set_dynamic"));
+    if (setDynamic)
+        setDynamic(1);
 }
 
 } // namespace
@@ -107,6 +120,7 @@ std::expected<QString, QString> TextRecognizer::recognize(const QImage& image, i
             Localized("text-recognition.no-language", "The language data for “%1” is not installed.")
                 .arg(languageTitle(language)));
     const QImage grey = image.convertToFormat(QImage::Format_Grayscale8);
+    fitOpenMpToLoad();
     tesseract::TessBaseAPI api;
     const QByteArray directory = QFile::encodeName(dataDirectory());
     if (api.Init(directory.constData(), language.toUtf8().constData(), tesseract::OEM_DEFAULT) != 0)
