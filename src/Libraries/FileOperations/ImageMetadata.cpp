@@ -160,11 +160,16 @@ QList<std::pair<QString, QString>> ImageMetadata::describe(const QString& path)
             const auto found = exif.findKey(Exiv2::ExifKey(key));
             return found == exif.end() ? QString() : text(found->print(&exif));
         };
-        if (image->pixelWidth() > 0 && image->pixelHeight() > 0)
+        if (image->pixelWidth() > 0 && image->pixelHeight() > 0) {
+            // Shown as it is seen: a photo taken upright is stored on its side.
+            const auto orientation = exif.findKey(Exiv2::ExifKey("Exif.Image.Orientation"));
+            const bool turned =
+                orientation != exif.end() && orientation->toLong() >= 5 && orientation->toLong() <= 8;
             rows.append({Localized("image-metadata.dimensions", "Dimensions"),
                          Localized("image-metadata.dimensions.value", "%1 × %2 pixels")
-                             .arg(image->pixelWidth())
-                             .arg(image->pixelHeight())});
+                             .arg(turned ? image->pixelHeight() : image->pixelWidth())
+                             .arg(turned ? image->pixelWidth() : image->pixelHeight())});
+        }
         const QString make = value("Exif.Image.Make");
         QString model = value("Exif.Image.Model");
         if (!make.isEmpty() && !model.startsWith(make, Qt::CaseInsensitive))

@@ -134,6 +134,20 @@ VipsRuntime::Image prepareFor(VipsRuntime::Image image, const Format& format)
     return result == 0 ? VipsRuntime::Image(flat) : nullptr;
 }
 
+// The image as it is meant to be seen: turned by its EXIF orientation, which not every format written
+// keeps. Only a turned image is read with random access; the rest stream from top to bottom.
+VipsRuntime::Image loadUpright(const QString& file)
+{
+    VipsRuntime::Image image = VipsRuntime::load(file, true);
+    if (!image || vips_image_get_orientation(image.get()) <= 1)
+        return image;
+    image = VipsRuntime::load(file, false);
+    VipsImage* turned = nullptr;
+    if (!image || vips_autorot(image.get(), &turned, nullptr) != 0)
+        return nullptr;
+    return VipsRuntime::Image(turned);
+}
+
 QString unreadableMessage()
 {
     return Localized("image-operation.unreadable",
@@ -332,7 +346,7 @@ FileOperationOutcome ImageOperations::convert(const QStringList& files, const QV
         if (!format || !formatWorks(*format))
             return {.failure = Localized("image-convert.unsupported",
                                          "Images cannot be written in that format here.")};
-        VipsRuntime::Image image = prepareFor(VipsRuntime::load(file, true), *format);
+        VipsRuntime::Image image = prepareFor(loadUpright(file), *format);
         if (!image) {
             qCWarning(lcFileOperations) << "libvips:" << VipsRuntime::takeError();
             return {.failure = unreadableMessage()};
@@ -370,7 +384,7 @@ FileOperationOutcome ImageOperations::compress(const QStringList& files, const Q
         if (QFileInfo(file).suffix().compare(format.suffix.mid(1), Qt::CaseInsensitive) != 0)
             return {.failure =
                         Localized("image-compress.unsupported", "Images of this kind cannot be compressed.")};
-        VipsRuntime::Image image = VipsRuntime::load(file, true);
+        VipsRuntime::Image image = loadUpright(file);
         if (!image) {
             qCWarning(lcFileOperations) << "libvips:" << VipsRuntime::takeError();
             return {.failure = unreadableMessage()};

@@ -103,7 +103,8 @@ private Q_SLOTS:
     void hugeImageResizesInLittleMemory();
     void resize_data();
     void resize();
-    void resizeTurnsByOrientation();
+    void outputsAreTurnedByOrientation_data();
+    void outputsAreTurnedByOrientation();
     void convert_data();
     void convert();
     void convertPutsTransparencyOnWhite();
@@ -231,22 +232,49 @@ void TestImageOperations::resize()
     QVERIFY(isBlue(result.pixel(expected.width() * 3 / 4, expected.height() / 2)));
 }
 
-// A camera held upright stores the picture on its side and says so in the EXIF orientation.
-void TestImageOperations::resizeTurnsByOrientation()
+// A camera held upright stores the picture on its side and says so in the EXIF orientation; what is
+// written is upright in its pixels, since not every format keeps the orientation.
+void TestImageOperations::outputsAreTurnedByOrientation_data()
 {
+    QTest::addColumn<QString>("operation");
+    QTest::addColumn<QSize>("expected");
+    QTest::newRow("resize") << u"resize"_s << QSize(200, 300);
+    QTest::newRow("convert to PNG") << u"convert"_s << QSize(400, 600);
+    QTest::newRow("compress") << u"compress"_s << QSize(400, 600);
+    QTest::newRow("get info") << u"describe"_s << QSize(400, 600);
+}
+
+void TestImageOperations::outputsAreTurnedByOrientation()
+{
+    QFETCH(QString, operation);
+    QFETCH(QSize, expected);
     const QString input = save(halves(600, 400), path(u"upright.jpg"_s));
     run(u"exiv2"_s, {u"-M"_s + u"set Exif.Image.Orientation 6"_s, input});
     QVERIFY(run(u"exiv2"_s, {u"-pa"_s, input}).contains(u"right, top"_s));
-    const auto outcome = ImageOperations::resize({input}, {{u"mode"_s, u"longSide"_s}, {u"size"_s, 300}},
-                                                 m_outputs->path(), {});
+    if (operation == u"describe"_s) {
+        const auto rows = ImageOperations::describeMetadata(input);
+        QVERIFY(!rows.isEmpty());
+        QCOMPARE(rows.first().second, u"%1 × %2 pixels"_s.arg(expected.width()).arg(expected.height()));
+        return;
+    }
+    FileOperationOutcome outcome;
+    if (operation == u"resize"_s)
+        outcome = ImageOperations::resize({input}, {{u"mode"_s, u"longSide"_s}, {u"size"_s, 300}},
+                                          m_outputs->path(), {});
+    else if (operation == u"convert"_s)
+        outcome = ImageOperations::convert({input}, {{u"format"_s, u"png"_s}, {u"quality"_s, 90}},
+                                           m_outputs->path(), {});
+    else
+        outcome = ImageOperations::compress({input}, {{u"quality"_s, 80}, {u"pngCompression"_s, 6}},
+                                            m_outputs->path(), {});
     QCOMPARE(outcome.outputFiles.size(), 1);
     QImageReader reader(outcome.outputFiles.first());
     reader.setAutoTransform(false); // the pixels themselves must be upright now
     const QImage result = reader.read();
-    QCOMPARE(result.size(), QSize(200, 300));
+    QCOMPARE(result.size(), expected);
     // Turned a quarter clockwise, the left (red) half is on top.
-    QVERIFY(isRed(result.pixel(100, 60)));
-    QVERIFY(isBlue(result.pixel(100, 240)));
+    QVERIFY(isRed(result.pixel(expected.width() / 2, expected.height() / 5)));
+    QVERIFY(isBlue(result.pixel(expected.width() / 2, expected.height() * 4 / 5)));
 }
 
 void TestImageOperations::convert_data()
