@@ -11,11 +11,13 @@ build_packages=(
     qt6-qpa-plugins libqt6svg6
     libminizip-dev zlib1g-dev
     libglib2.0-dev qt6-pdf-dev
+    libvips-dev libexiv2-dev libtesseract-dev
 )
 test_packages=(xvfb xauth openbox xdotool x11-utils dbus-daemon dbus-x11 libglib2.0-bin python3-gi gir1.2-gtk-3.0 python3-xlib
-    chromium firefox-esr pcmanfm thunar desktop-file-utils unzip python3 python3-dbus)
-# The archive benchmark times Info-ZIP's zip beside ours.
-bench_packages=(zip)
+    chromium firefox-esr pcmanfm thunar desktop-file-utils unzip python3 python3-dbus
+    tesseract-ocr-eng exiv2 poppler-utils file fonts-dejavu-core qt6-image-formats-plugins)
+# The archive benchmark times Info-ZIP's zip beside ours, the image benchmark ImageMagick's mogrify.
+bench_packages=(zip imagemagick)
 
 wanted=("${build_packages[@]}")
 for group in "$@"; do

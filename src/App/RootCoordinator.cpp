@@ -25,6 +25,7 @@
 #include "Libraries/Core/BookmarkStore.h"
 #include "Libraries/Core/FilesSnapshotController.h"
 #include "Libraries/FileOperations/ApplicationScriptsStore.h"
+#include "Libraries/FileOperations/ImageOperations.h"
 #include "Libraries/FileOperations/OperationChoiceStore.h"
 #include "Libraries/FileOperations/UserOperationStore.h"
 #include "MenuItemController.h"
@@ -71,6 +72,7 @@ RootCoordinator::RootCoordinator(const Dependencies& dependencies, QObject* pare
     m_fileOperations.choices = m_operationChoices.get();
     m_fileOperations.userOperations = m_userOperations.get();
     m_fileOperations.scripts = m_applicationScripts.get();
+    m_fileOperations.metadata = ImageOperations::describeMetadata;
     m_sessionController = std::make_unique<SessionController>(SessionController::Dependencies{
         dependencies.sessionStore, dependencies.preferences, dependencies.shelfInterface,
         dependencies.screens, dependencies.messages, dependencies.clipboard, dependencies.clock,

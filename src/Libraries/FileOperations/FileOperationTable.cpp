@@ -2,6 +2,7 @@
 // SPDX-FileCopyrightText: 2026 The Vantrope developers
 #include "FileOperationTable.h"
 
+#include "ImageOperations.h"
 #include "StandardFileOperations.h"
 
 namespace Vantrope {
@@ -24,6 +25,22 @@ QList<FileOperationEntry> makeEntries()
                                 bool output = false) {
         entries.append({type, std::move(settings), std::move(run), use, text, output, {}});
     };
+    // The image operations write new files into the run's folder; the originals stay as they are.
+    const auto addImage = [&entries](FileOperationType type, std::function<OperationSettings()> settings,
+                                     FileOperationEntry::Run run, Text text = Text::none) {
+        entries.append({type, std::move(settings), std::move(run),
+                        text == Text::none ? Use::replaceContent : Use::keepContent, text, true,
+                        ImageOperations::canRead});
+    };
+    addImage(FileOperationType::imageResize, ImageOperations::resizeSettings, ImageOperations::resize);
+    addImage(FileOperationType::imageConvert, ImageOperations::convertSettings, ImageOperations::convert);
+    addImage(FileOperationType::imageCompress, ImageOperations::compressSettings, ImageOperations::compress);
+    addImage(FileOperationType::imageRemoveMetadata, ImageOperations::stripMetadataSettings,
+             ImageOperations::stripMetadata);
+    addImage(FileOperationType::imageStitch, ImageOperations::stitchSettings, ImageOperations::stitch);
+    addImage(FileOperationType::imageTextRecognition, ImageOperations::recognizeTextSettings,
+             ImageOperations::recognizeText, Text::clipboardAndItem);
+    addImage(FileOperationType::imagesToPdf, ImageOperations::imagesToPdfSettings, ImageOperations::imagesToPdf);
     add(FileOperationType::setWallpaper, none, StandardFileOperations::setWallpaper, Use::keepContent);
     add(FileOperationType::copyTextContent, none, StandardFileOperations::copyTextContent, Use::keepContent,
         Text::clipboardAndItem);
