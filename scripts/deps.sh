@@ -14,7 +14,7 @@ build_packages=(
     libvips-dev libexiv2-dev libtesseract-dev
 )
 test_packages=(xvfb xauth openbox xdotool x11-utils dbus-daemon dbus-x11 libglib2.0-bin python3-gi gir1.2-gtk-3.0 python3-xlib
-    chromium firefox-esr pcmanfm thunar desktop-file-utils unzip python3 python3-dbus
+    chromium firefox-esr pcmanfm thunar desktop-file-utils unzip gsettings-desktop-schemas python3 python3-dbus
     tesseract-ocr-eng exiv2 poppler-utils file fonts-dejavu-core qt6-image-formats-plugins)
 # The archive benchmark times Info-ZIP's zip beside ours, the image benchmark ImageMagick's mogrify.
 bench_packages=(zip imagemagick)

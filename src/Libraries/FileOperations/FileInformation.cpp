@@ -68,14 +68,16 @@ FileInformation FileInformation::describe(const QString& path, const MetadataRea
     }
     information.rows.append({Localized("info.modified", "Modified"), dateText(info.lastModified())});
     if (type.name().startsWith(QLatin1String("image/"))) {
+        if (metadata) {
+            // The metadata reader knows the dimensions as the picture is seen (turned by its orientation).
+            information.metadata = metadata(path);
+            return information;
+        }
         QImageReader reader(path);
         reader.setAutoTransform(true);
         if (const QSize size = reader.size(); size.isValid()) {
             information.rows.append({Localized("info.dimensions", "Dimensions"),
                                      QStringLiteral("%1 × %2").arg(size.width()).arg(size.height())});
-        }
-        if (metadata) {
-            information.metadata = metadata(path);
         }
     }
     return information;

@@ -40,7 +40,8 @@ QList<FileOperationEntry> makeEntries()
     addImage(FileOperationType::imageStitch, ImageOperations::stitchSettings, ImageOperations::stitch);
     addImage(FileOperationType::imageTextRecognition, ImageOperations::recognizeTextSettings,
              ImageOperations::recognizeText, Text::clipboardAndItem);
-    addImage(FileOperationType::imagesToPdf, ImageOperations::imagesToPdfSettings, ImageOperations::imagesToPdf);
+    addImage(FileOperationType::imagesToPdf, ImageOperations::imagesToPdfSettings,
+             ImageOperations::imagesToPdf);
     add(FileOperationType::setWallpaper, none, StandardFileOperations::setWallpaper, Use::keepContent);
     add(FileOperationType::copyTextContent, none, StandardFileOperations::copyTextContent, Use::keepContent,
         Text::clipboardAndItem);

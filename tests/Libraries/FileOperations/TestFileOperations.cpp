@@ -5,6 +5,7 @@
 // Test data reads better as plain literals; the program itself keeps the strict casts.
 #undef QT_NO_CAST_FROM_ASCII
 
+#include "Libraries/FileOperations/DesktopWallpaper.h"
 #include "Libraries/FileOperations/FileOperationType.h"
 #include "Libraries/FileOperations/FileTransfer.h"
 #include "Libraries/FileOperations/StandardFileOperations.h"
@@ -14,6 +15,7 @@
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
+#include <QProcess>
 #include <QStandardPaths>
 #include <QTemporaryDir>
 #include <QTest>
@@ -249,6 +251,35 @@ private Q_SLOTS:
         QVERIFY(info.contains("DeletionDate="));
         QCOMPARE(outcome.failures.size(), 1);
         QCOMPARE(outcome.failures.first().path, folder.path() + "/missing.txt");
+    }
+
+    void wallpaperGoesIntoGioSettings()
+    {
+        if (QStandardPaths::findExecutable("gsettings").isEmpty()) {
+            QSKIP("gsettings is not installed");
+        }
+        QTemporaryDir config;
+        QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+        // GIO's key file backend keeps the values in the test's own folder, where another process reads them.
+        environment.insert("GSETTINGS_BACKEND", "keyfile");
+        environment.insert("XDG_CONFIG_HOME", config.path());
+        environment.insert("XDG_CURRENT_DESKTOP", "GNOME");
+        const QString picture = makeFile(config.path(), "my picture #1.png");
+        QCOMPARE(DesktopWallpaper::detect(environment), DesktopWallpaper::Desktop::gnome);
+        const auto set = DesktopWallpaper::set(picture, DesktopWallpaper::Desktop::gnome, environment);
+        QVERIFY2(set, set ? "" : qPrintable(set.error()));
+        for (const QString key : {"picture-uri", "picture-uri-dark"}) {
+            QProcess get;
+            get.setProcessEnvironment(environment);
+            get.start("gsettings", {"get", "org.gnome.desktop.background", key});
+            QVERIFY(get.waitForFinished());
+            QCOMPARE(QString::fromUtf8(get.readAllStandardOutput()).trimmed(),
+                     "'" + QUrl::fromLocalFile(picture).toString(QUrl::FullyEncoded) + "'");
+        }
+        environment.insert("XDG_CURRENT_DESKTOP", "KDE");
+        QCOMPARE(DesktopWallpaper::detect(environment), DesktopWallpaper::Desktop::plasma);
+        environment.insert("XDG_CURRENT_DESKTOP", "ubuntu:XFCE");
+        QCOMPARE(DesktopWallpaper::detect(environment), DesktopWallpaper::Desktop::xfce);
     }
 
     void typesAreOfferedByMimeTypeAndCount_data()
