@@ -3,6 +3,7 @@
 #include "Libraries/FileOperations/ImageOperations.h"
 
 #include <functional>
+#include <mutex>
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
@@ -113,6 +114,8 @@ private Q_SLOTS:
     void badFilesFailAloneByName_data();
     void badFilesFailAloneByName();
     void takenNamesAreNeverReplaced();
+    void unwritableFolderFailsEveryFile();
+    void progressRisesToTheEnd();
     void cancelLeavesNothing_data();
     void cancelLeavesNothing();
     void stripMetadata_data();
@@ -458,6 +461,44 @@ void TestImageOperations::takenNamesAreNeverReplaced()
     QFile file(input);
     QVERIFY(file.open(QIODevice::ReadOnly));
     QCOMPARE(file.readAll(), original);
+}
+
+void TestImageOperations::unwritableFolderFailsEveryFile()
+{
+    // A folder cannot be made inside a file, even by root, as these tests may run.
+    const QString blocker = save(halves(10, 10), path(u"blocker.png"_s));
+    const QStringList files = {save(halves(100, 80), path(u"a.png"_s)),
+                               save(halves(100, 80), path(u"b.png"_s))};
+    const auto outcome = ImageOperations::convert(files, {{u"format"_s, u"jpeg"_s}, {u"quality"_s, 80}},
+                                                  blocker + u"/out"_s, {});
+    QVERIFY(outcome.outputFiles.isEmpty());
+    QCOMPARE(outcome.failures.size(), 2);
+    QCOMPARE(outcome.failures.at(0).path, files.at(0));
+    QCOMPARE(outcome.failures.at(1).path, files.at(1));
+    QVERIFY(outcome.failures.at(0).message.contains(u"/out"_s));
+}
+
+void TestImageOperations::progressRisesToTheEnd()
+{
+    const QStringList files = {save(halves(2000, 1500), path(u"one.png"_s)),
+                               save(halves(2000, 1500), path(u"two.png"_s))};
+    QList<double> fractions;
+    QStringList titles;
+    std::mutex mutex;
+    FileOperationContext context;
+    context.reportProgress = [&](double fraction, const QString& title) {
+        std::lock_guard lock(mutex);
+        fractions << fraction;
+        titles << title;
+    };
+    const auto outcome = ImageOperations::convert(files, {{u"format"_s, u"webp"_s}, {u"quality"_s, 80}},
+                                                  m_outputs->path(), context);
+    QCOMPARE(outcome.outputFiles.size(), 2);
+    QVERIFY(fractions.size() >= 3);
+    QVERIFY(std::ranges::is_sorted(fractions));
+    QCOMPARE(fractions.first(), 0.0);
+    QCOMPARE(fractions.last(), 1.0);
+    QVERIFY(titles.contains(u"one.png"_s) && titles.contains(u"two.png"_s));
 }
 
 void TestImageOperations::cancelLeavesNothing_data()
