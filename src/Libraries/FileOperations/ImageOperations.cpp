@@ -26,6 +26,8 @@ namespace {
 
 using Choice = OperationSetting::Choice;
 
+constexpr qint64 largestOutputPixels = 500'000'000;
+
 struct Format {
     QString value;  // the setting's value
     QString title;  // what a dialog shows
@@ -302,6 +304,12 @@ FileOperationOutcome ImageOperations::resize(const QStringList& files, const QVa
             return {.failure = unreadableMessage()};
         }
         VipsRuntime::Image image(thumbnail);
+        // Enlarging asks for pixels nobody checked: a slip of a digit must not fill the disk.
+        if (qint64(vips_image_get_width(image.get())) * vips_image_get_height(image.get()) >
+            largestOutputPixels)
+            return {.failure = Localized("image-resize.too-large",
+                                         "The resized image would be larger than %1 megapixels.")
+                                   .arg(largestOutputPixels / 1000000)};
         const Format format = formatForSuffix(file);
         image = prepareFor(std::move(image), format);
         if (!image)

@@ -214,6 +214,8 @@ void TestImageOperations::resize_data()
                                     << u"photo (400x300).jpg"_s;
     QTest::newRow("enlarged when asked")
         << u"longSide"_s << 800 << true << QSize(400, 300) << QSize(800, 600) << u"photo (800x600).jpg"_s;
+    QTest::newRow("enlarged past what is sane")
+        << u"percent"_s << 10000 << true << QSize(400, 300) << QSize() << QString();
 }
 
 void TestImageOperations::resize()
@@ -227,6 +229,12 @@ void TestImageOperations::resize()
     const QString input = save(halves(source.width(), source.height()), path(u"photo.jpg"_s));
     const auto outcome = ImageOperations::resize(
         {input}, {{u"mode"_s, mode}, {u"size"_s, size}, {u"enlarge"_s, enlarge}}, m_outputs->path(), {});
+    if (!expected.isValid()) {
+        QCOMPARE(outcome.failures.size(), 1);
+        QVERIFY(outcome.failures.first().message.contains(u"megapixels"_s));
+        QCOMPARE(QDir(m_outputs->path()).entryList(QDir::Files | QDir::Hidden), QStringList());
+        return;
+    }
     QVERIFY(outcome.failures.isEmpty());
     QCOMPARE(outcome.outputFiles, QStringList{m_outputs->filePath(name)});
     QCOMPARE(sizeOf(outcome.outputFiles.first()), expected);
