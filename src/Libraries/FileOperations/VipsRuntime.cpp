@@ -26,6 +26,8 @@ struct EvalWatch {
 void onEval(VipsImage* image, VipsProgress* progress, gpointer data)
 {
     auto* watch = static_cast<EvalWatch*>(data);
+    if (watch->killed)
+        return; // vips reports a few more times while its threads wind down
     if (watch->context->isCancelled()) {
         watch->killed = true;
         vips_image_set_kill(image, TRUE);

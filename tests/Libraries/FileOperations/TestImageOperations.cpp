@@ -16,6 +16,7 @@
 #include <QStandardPaths>
 #include <QTemporaryDir>
 #include <QTest>
+#include <thread>
 #include <vips/vips.h>
 
 using namespace Vantrope;
@@ -118,6 +119,7 @@ private Q_SLOTS:
     void progressRisesToTheEnd();
     void cancelLeavesNothing_data();
     void cancelLeavesNothing();
+    void concurrentRunsDoNotMix();
     void stripMetadata_data();
     void stripMetadata();
     void describeMetadata();
@@ -511,26 +513,94 @@ void TestImageOperations::progressRisesToTheEnd()
 
 void TestImageOperations::cancelLeavesNothing_data()
 {
+    QTest::addColumn<QString>("operation");
     QTest::addColumn<int>("checksBeforeCancel");
-    QTest::newRow("before the first file") << 0;
-    QTest::newRow("between files") << 1;
-    QTest::newRow("while writing") << 4;
+    QTest::newRow("convert, before the first file") << u"convert"_s << 0;
+    QTest::newRow("convert, between files") << u"convert"_s << 1;
+    QTest::newRow("convert, while writing") << u"convert"_s << 4;
+    QTest::newRow("pdf, between pages") << u"pdf"_s << 2;
+    QTest::newRow("stitch, while writing") << u"stitch"_s << 6;
+    QTest::newRow("text, while reading") << u"text"_s << 4;
 }
 
 void TestImageOperations::cancelLeavesNothing()
 {
+    QFETCH(QString, operation);
     QFETCH(int, checksBeforeCancel);
     QStringList files;
-    for (int index = 0; index < 3; ++index)
-        files << save(halves(3000, 2000), path(u"photo %1.png"_s.arg(index)));
+    if (operation == u"text"_s) {
+        QImage page(2480, 1200, QImage::Format_RGB32);
+        page.fill(Qt::white);
+        QPainter painter(&page);
+        QFont font(u"DejaVu Sans"_s);
+        font.setPixelSize(40);
+        painter.setFont(font);
+        painter.drawText(page.rect().adjusted(100, 100, -100, -100), Qt::TextWordWrap,
+                         u"Many words on a page give the recogniser many places to stop. "_s.repeated(20));
+        painter.end();
+        files << save(page, path(u"page.png"_s));
+    } else {
+        for (int index = 0; index < 3; ++index)
+            files << save(halves(3000, 2000), path(u"photo %1.png"_s.arg(index)));
+    }
     std::atomic<int> checks = 0;
     FileOperationContext context;
     context.isCancelled = [&] { return checks++ >= checksBeforeCancel; };
-    const auto outcome = ImageOperations::convert(files, {{u"format"_s, u"webp"_s}, {u"quality"_s, 80}},
-                                                  m_outputs->path(), context);
+    FileOperationOutcome outcome;
+    if (operation == u"convert"_s)
+        outcome = ImageOperations::convert(files, {{u"format"_s, u"webp"_s}, {u"quality"_s, 80}},
+                                           m_outputs->path(), context);
+    else if (operation == u"pdf"_s)
+        outcome = ImageOperations::imagesToPdf(files, {{u"pageSize"_s, u"a4"_s}}, m_outputs->path(), context);
+    else if (operation == u"stitch"_s)
+        outcome = ImageOperations::stitch(files,
+                                          {{u"direction"_s, u"vertical"_s},
+                                           {u"spacing"_s, 0},
+                                           {u"background"_s, u"white"_s},
+                                           {u"format"_s, u"png"_s}},
+                                          m_outputs->path(), context);
+    else
+        outcome =
+            ImageOperations::recognizeText(files, {{u"language"_s, u"eng"_s}}, m_outputs->path(), context);
     QVERIFY(outcome.cancelled);
+    // The work stopped when told, rather than running on and asking again at every step.
+    QVERIFY2(checks < checksBeforeCancel + 10, qPrintable(u"asked %1 times"_s.arg(checks.load())));
     QVERIFY(outcome.outputFiles.isEmpty());
+    QVERIFY(outcome.text.isEmpty());
     QCOMPARE(QDir(m_outputs->path()).entryList(QDir::Files | QDir::Hidden), QStringList());
+}
+
+void TestImageOperations::concurrentRunsDoNotMix()
+{
+    const QStringList first = {save(halves(1200, 800), path(u"a.png"_s)),
+                               save(halves(800, 1200), path(u"b.jpg"_s))};
+    const QStringList second = {save(halves(900, 600), path(u"c.png"_s)),
+                                save(halves(600, 900), path(u"d.jpg"_s))};
+    const QString bad = path(u"bad.png"_s);
+    QFile garbage(bad);
+    QVERIFY(garbage.open(QIODevice::WriteOnly) && garbage.write(QByteArray(64, 'q')) == 64);
+    garbage.close();
+    FileOperationOutcome resized;
+    FileOperationOutcome converted;
+    std::thread one([&] {
+        resized =
+            ImageOperations::resize(first + QStringList{bad}, {{u"mode"_s, u"width"_s}, {u"size"_s, 300}},
+                                    m_outputs->filePath(u"one"_s), {});
+    });
+    std::thread two([&] {
+        converted = ImageOperations::convert(second, {{u"format"_s, u"webp"_s}, {u"quality"_s, 70}},
+                                             m_outputs->filePath(u"two"_s), {});
+    });
+    one.join();
+    two.join();
+    QCOMPARE(resized.outputFiles.size(), 2);
+    QCOMPARE(resized.failures.size(), 1);
+    QCOMPARE(resized.failures.first().path, bad);
+    QCOMPARE(sizeOf(resized.outputFiles.at(0)), QSize(300, 200));
+    QCOMPARE(sizeOf(resized.outputFiles.at(1)), QSize(300, 450));
+    QVERIFY(converted.failures.isEmpty());
+    QCOMPARE(converted.outputFiles.size(), 2);
+    QCOMPARE(sizeOf(converted.outputFiles.at(1)), QSize(600, 900));
 }
 
 void TestImageOperations::stripMetadata_data()
