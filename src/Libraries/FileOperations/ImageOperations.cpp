@@ -18,6 +18,7 @@
 #include <QHash>
 #include <QImage>
 #include <QMimeDatabase>
+#include <QStorageInfo>
 #include <vips/vips.h>
 
 namespace Vantrope {
@@ -27,6 +28,7 @@ namespace {
 using Choice = OperationSetting::Choice;
 
 constexpr qint64 largestOutputPixels = 500'000'000;
+constexpr qint64 minimumFreeBytes = 1 << 20;
 
 struct Format {
     QString value;  // the setting's value
@@ -216,6 +218,10 @@ StepResult writeStep(VipsImage* image, const Format& format, const QString& opti
         return {.cancelled = true};
     if (!written) {
         qCWarning(lcFileOperations) << "libvips:" << written.error();
+        // vips names no cause a user would know; a full disk is the one that is not the image's fault.
+        if (QStorageInfo(outputDirectory).bytesAvailable() < minimumFreeBytes)
+            return {.failure = Localized("image-operation.disk-full", "There is no space left in “%1”.")
+                                   .arg(outputDirectory)};
         return {.failure = unreadableMessage()};
     }
     auto committed = output->commit(baseName);

@@ -13,9 +13,11 @@
 #include <QPainter>
 #include <QProcess>
 #include <QRegularExpression>
+#include <QScopeGuard>
 #include <QStandardPaths>
 #include <QTemporaryDir>
 #include <QTest>
+#include <sys/mount.h>
 #include <thread>
 #include <vips/vips.h>
 
@@ -116,6 +118,7 @@ private Q_SLOTS:
     void badFilesFailAloneByName();
     void takenNamesAreNeverReplaced();
     void unwritableFolderFailsEveryFile();
+    void fullDiskFailsTheFileThatDoesNotFit();
     void progressRisesToTheEnd();
     void cancelLeavesNothing_data();
     void cancelLeavesNothing();
@@ -486,6 +489,30 @@ void TestImageOperations::unwritableFolderFailsEveryFile()
     QCOMPARE(outcome.failures.at(0).path, files.at(0));
     QCOMPARE(outcome.failures.at(1).path, files.at(1));
     QVERIFY(outcome.failures.at(0).message.contains(u"/out"_s));
+}
+
+void TestImageOperations::fullDiskFailsTheFileThatDoesNotFit()
+{
+    const QString disk = m_outputs->filePath(u"disk"_s);
+    QVERIFY(QDir().mkpath(disk));
+    if (::mount("tmpfs", QFile::encodeName(disk).constData(), "tmpfs", 0, "size=1m") != 0)
+        QSKIP("a small tmpfs cannot be mounted here (needs root)");
+    const auto unmount = qScopeGuard([&] { ::umount2(QFile::encodeName(disk).constData(), MNT_DETACH); });
+    QImage noise(1200, 1000, QImage::Format_RGB32);
+    quint32 state = 7;
+    for (int y = 0; y < noise.height(); ++y)
+        for (int x = 0; x < noise.width(); ++x)
+            noise.setPixel(x, y, (state = state * 1664525u + 1013904223u) >> 8);
+    const QString big = save(noise, path(u"noise.png"_s));
+    const QString small = save(halves(100, 80), path(u"small.png"_s));
+    const auto outcome =
+        ImageOperations::convert({big, small}, {{u"format"_s, u"png"_s}, {u"quality"_s, 90}}, disk, {});
+    QCOMPARE(outcome.failures.size(), 1);
+    QCOMPARE(outcome.failures.first().path, big);
+    QVERIFY2(outcome.failures.first().message.contains(u"no space"_s),
+             qPrintable(outcome.failures.first().message));
+    QCOMPARE(outcome.outputFiles, QStringList{disk + u"/small.png"_s});
+    QCOMPARE(QDir(disk).entryList(QDir::Files | QDir::Hidden), QStringList{u"small.png"_s});
 }
 
 void TestImageOperations::progressRisesToTheEnd()
