@@ -10,6 +10,7 @@
 #include <QFont>
 #include <QImage>
 #include <QImageReader>
+#include <QLocale>
 #include <QPainter>
 #include <QProcess>
 #include <QRegularExpression>
@@ -127,6 +128,8 @@ private Q_SLOTS:
     void stripMetadata();
     void describeMetadata();
     void recognizeText();
+    void recognitionLanguages_data();
+    void recognitionLanguages();
     void imagesToPdf_data();
     void imagesToPdf();
     void stitch_data();
@@ -712,6 +715,60 @@ void TestImageOperations::recognizeText()
     QCOMPARE(outcome.failures.size(), 1);
     QCOMPARE(outcome.failures.first().path, bad);
     QCOMPARE(QDir(m_outputs->path()).entryList(QDir::Files | QDir::Hidden), QStringList());
+}
+
+void TestImageOperations::recognitionLanguages_data()
+{
+    QTest::addColumn<QStringList>("installed");
+    QTest::addColumn<QLocale::Language>("locale");
+    QTest::addColumn<QString>("expectedDefault");
+    QTest::newRow("the locale's language installed")
+        << QStringList{u"eng"_s, u"deu"_s} << QLocale::German << u"deu"_s;
+    QTest::newRow("the locale's language missing")
+        << QStringList{u"eng"_s, u"fra"_s} << QLocale::German << u"eng"_s;
+    QTest::newRow("neither") << QStringList{u"spa"_s, u"fra"_s} << QLocale::German << u"fra"_s;
+}
+
+// The languages offered are the data files in tesseract's folder; these are copies of the English data
+// under other names, which is all the choice looks at.
+void TestImageOperations::recognitionLanguages()
+{
+    QFETCH(QStringList, installed);
+    QFETCH(QLocale::Language, locale);
+    QFETCH(QString, expectedDefault);
+    const QString english = u"/usr/share/tesseract-ocr/5/tessdata/eng.traineddata"_s;
+    if (!QFile::exists(english))
+        QSKIP("tesseract-ocr-eng is not installed (scripts/deps.sh test)");
+    const QString data = m_inputs->filePath(u"tessdata"_s);
+    QVERIFY(QDir().mkpath(data));
+    for (const QString& language : installed)
+        QVERIFY(QFile::link(english, data + u"/%1.traineddata"_s.arg(language)));
+    QVERIFY(QFile::link(english, data + u"/osd.traineddata"_s));
+    const QByteArray previousPrefix = qgetenv("TESSDATA_PREFIX");
+    qputenv("TESSDATA_PREFIX", QFile::encodeName(data));
+    QLocale::setDefault(QLocale(locale));
+    const auto restore = qScopeGuard([&] {
+        QLocale::setDefault(QLocale::c());
+        if (previousPrefix.isEmpty())
+            qunsetenv("TESSDATA_PREFIX");
+        else
+            qputenv("TESSDATA_PREFIX", previousPrefix);
+    });
+    const OperationSetting language = ImageOperations::recognizeTextSettings().first();
+    QStringList offered;
+    for (const auto& choice : language.choices)
+        offered << choice.value;
+    QStringList expected = installed;
+    expected.sort();
+    QCOMPARE(offered, expected);
+    QCOMPARE(language.defaultValue.toString(), expectedDefault);
+    // A language that is not installed is refused by name rather than crashing tesseract.
+    const QString scan = save(halves(200, 100), path(u"scan.png"_s));
+    const auto outcome =
+        ImageOperations::recognizeText({scan}, {{u"language"_s, u"ita"_s}}, m_outputs->path(), {});
+    QCOMPARE(outcome.failures.size(), 1);
+    QVERIFY2(outcome.failures.first().message.contains(u"Italian"_s),
+             qPrintable(outcome.failures.first().message));
 }
 
 void TestImageOperations::imagesToPdf_data()
