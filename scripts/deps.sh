@@ -16,8 +16,9 @@ build_packages=(
 test_packages=(xvfb xauth openbox xdotool x11-utils dbus-daemon dbus-x11 libglib2.0-bin python3-gi gir1.2-gtk-3.0 python3-xlib
     chromium firefox-esr pcmanfm thunar desktop-file-utils unzip gsettings-desktop-schemas python3 python3-dbus
     tesseract-ocr-eng exiv2 poppler-utils file fonts-dejavu-core qt6-image-formats-plugins)
-# The archive benchmark times Info-ZIP's zip beside ours, the image benchmark ImageMagick's mogrify.
-bench_packages=(zip imagemagick)
+# The archive benchmark times Info-ZIP's zip beside ours; the image benchmark ImageMagick's mogrify and the
+# tesseract program beside our resize and text recognition.
+bench_packages=(zip imagemagick tesseract-ocr)
 
 wanted=("${build_packages[@]}")
 for group in "$@"; do

@@ -18,6 +18,7 @@
 #include <QHash>
 #include <QImage>
 #include <QMimeDatabase>
+#include <QStorageInfo>
 #include <vips/vips.h>
 
 namespace Vantrope {
@@ -25,6 +26,9 @@ namespace Vantrope {
 namespace {
 
 using Choice = OperationSetting::Choice;
+
+constexpr qint64 largestOutputPixels = 500'000'000;
+constexpr qint64 minimumFreeBytes = 1 << 20;
 
 struct Format {
     QString value;  // the setting's value
@@ -214,6 +218,10 @@ StepResult writeStep(VipsImage* image, const Format& format, const QString& opti
         return {.cancelled = true};
     if (!written) {
         qCWarning(lcFileOperations) << "libvips:" << written.error();
+        // vips names no cause a user would know; a full disk is the one that is not the image's fault.
+        if (QStorageInfo(outputDirectory).bytesAvailable() < minimumFreeBytes)
+            return {.failure = Localized("image-operation.disk-full", "There is no space left in “%1”.")
+                                   .arg(outputDirectory)};
         return {.failure = unreadableMessage()};
     }
     auto committed = output->commit(baseName);
@@ -302,6 +310,12 @@ FileOperationOutcome ImageOperations::resize(const QStringList& files, const QVa
             return {.failure = unreadableMessage()};
         }
         VipsRuntime::Image image(thumbnail);
+        // Enlarging asks for pixels nobody checked: a slip of a digit must not fill the disk.
+        if (qint64(vips_image_get_width(image.get())) * vips_image_get_height(image.get()) >
+            largestOutputPixels)
+            return {.failure = Localized("image-resize.too-large",
+                                         "The resized image would be larger than %1 megapixels.")
+                                   .arg(largestOutputPixels / 1000000)};
         const Format format = formatForSuffix(file);
         image = prepareFor(std::move(image), format);
         if (!image)

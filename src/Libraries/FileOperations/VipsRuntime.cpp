@@ -26,6 +26,8 @@ struct EvalWatch {
 void onEval(VipsImage* image, VipsProgress* progress, gpointer data)
 {
     auto* watch = static_cast<EvalWatch*>(data);
+    if (watch->killed)
+        return; // vips reports a few more times while its threads wind down
     if (watch->context->isCancelled()) {
         watch->killed = true;
         vips_image_set_kill(image, TRUE);
@@ -50,6 +52,15 @@ void* collectSuffixes(GType type, void* a)
     return nullptr;
 }
 
+// libvips's own warnings (a damaged tile, a short file) go to this program's log, not to stderr.
+void logVips(const gchar*, GLogLevelFlags level, const gchar* message, gpointer)
+{
+    if (level & (G_LOG_LEVEL_CRITICAL | G_LOG_LEVEL_ERROR))
+        qCWarning(lcFileOperations) << "libvips:" << message;
+    else
+        qCDebug(lcFileOperations) << "libvips:" << message;
+}
+
 } // namespace
 
 void VipsRuntime::Unref::operator()(VipsImage* image) const
@@ -68,6 +79,7 @@ bool VipsRuntime::start()
             qCWarning(lcFileOperations) << "libvips did not start:" << takeError();
             return;
         }
+        g_log_set_handler("VIPS", GLogLevelFlags(G_LOG_LEVEL_MASK), logVips, nullptr);
         vips_cache_set_max(0);
         vips_leak_set(FALSE);
     });

@@ -3,18 +3,23 @@
 #include "Libraries/FileOperations/ImageOperations.h"
 
 #include <functional>
+#include <mutex>
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
 #include <QFont>
 #include <QImage>
 #include <QImageReader>
+#include <QLocale>
 #include <QPainter>
 #include <QProcess>
 #include <QRegularExpression>
+#include <QScopeGuard>
 #include <QStandardPaths>
 #include <QTemporaryDir>
 #include <QTest>
+#include <sys/mount.h>
+#include <thread>
 #include <vips/vips.h>
 
 using namespace Vantrope;
@@ -113,12 +118,18 @@ private Q_SLOTS:
     void badFilesFailAloneByName_data();
     void badFilesFailAloneByName();
     void takenNamesAreNeverReplaced();
+    void unwritableFolderFailsEveryFile();
+    void fullDiskFailsTheFileThatDoesNotFit();
+    void progressRisesToTheEnd();
     void cancelLeavesNothing_data();
     void cancelLeavesNothing();
+    void concurrentRunsDoNotMix();
     void stripMetadata_data();
     void stripMetadata();
     void describeMetadata();
     void recognizeText();
+    void recognitionLanguages_data();
+    void recognitionLanguages();
     void imagesToPdf_data();
     void imagesToPdf();
     void stitch_data();
@@ -211,6 +222,8 @@ void TestImageOperations::resize_data()
                                     << u"photo (400x300).jpg"_s;
     QTest::newRow("enlarged when asked")
         << u"longSide"_s << 800 << true << QSize(400, 300) << QSize(800, 600) << u"photo (800x600).jpg"_s;
+    QTest::newRow("enlarged past what is sane")
+        << u"percent"_s << 10000 << true << QSize(400, 300) << QSize() << QString();
 }
 
 void TestImageOperations::resize()
@@ -224,6 +237,12 @@ void TestImageOperations::resize()
     const QString input = save(halves(source.width(), source.height()), path(u"photo.jpg"_s));
     const auto outcome = ImageOperations::resize(
         {input}, {{u"mode"_s, mode}, {u"size"_s, size}, {u"enlarge"_s, enlarge}}, m_outputs->path(), {});
+    if (!expected.isValid()) {
+        QCOMPARE(outcome.failures.size(), 1);
+        QVERIFY(outcome.failures.first().message.contains(u"megapixels"_s));
+        QCOMPARE(QDir(m_outputs->path()).entryList(QDir::Files | QDir::Hidden), QStringList());
+        return;
+    }
     QVERIFY(outcome.failures.isEmpty());
     QCOMPARE(outcome.outputFiles, QStringList{m_outputs->filePath(name)});
     QCOMPARE(sizeOf(outcome.outputFiles.first()), expected);
@@ -460,28 +479,158 @@ void TestImageOperations::takenNamesAreNeverReplaced()
     QCOMPARE(file.readAll(), original);
 }
 
+void TestImageOperations::unwritableFolderFailsEveryFile()
+{
+    // A folder cannot be made inside a file, even by root, as these tests may run.
+    const QString blocker = save(halves(10, 10), path(u"blocker.png"_s));
+    const QStringList files = {save(halves(100, 80), path(u"a.png"_s)),
+                               save(halves(100, 80), path(u"b.png"_s))};
+    const auto outcome = ImageOperations::convert(files, {{u"format"_s, u"jpeg"_s}, {u"quality"_s, 80}},
+                                                  blocker + u"/out"_s, {});
+    QVERIFY(outcome.outputFiles.isEmpty());
+    QCOMPARE(outcome.failures.size(), 2);
+    QCOMPARE(outcome.failures.at(0).path, files.at(0));
+    QCOMPARE(outcome.failures.at(1).path, files.at(1));
+    QVERIFY(outcome.failures.at(0).message.contains(u"/out"_s));
+}
+
+void TestImageOperations::fullDiskFailsTheFileThatDoesNotFit()
+{
+    const QString disk = m_outputs->filePath(u"disk"_s);
+    QVERIFY(QDir().mkpath(disk));
+    if (::mount("tmpfs", QFile::encodeName(disk).constData(), "tmpfs", 0, "size=1m") != 0)
+        QSKIP("a small tmpfs cannot be mounted here (needs root)");
+    const auto unmount = qScopeGuard([&] { ::umount2(QFile::encodeName(disk).constData(), MNT_DETACH); });
+    QImage noise(1200, 1000, QImage::Format_RGB32);
+    quint32 state = 7;
+    for (int y = 0; y < noise.height(); ++y)
+        for (int x = 0; x < noise.width(); ++x)
+            noise.setPixel(x, y, (state = state * 1664525u + 1013904223u) >> 8);
+    const QString big = save(noise, path(u"noise.png"_s));
+    const QString small = save(halves(100, 80), path(u"small.png"_s));
+    const auto outcome =
+        ImageOperations::convert({big, small}, {{u"format"_s, u"png"_s}, {u"quality"_s, 90}}, disk, {});
+    QCOMPARE(outcome.failures.size(), 1);
+    QCOMPARE(outcome.failures.first().path, big);
+    QVERIFY2(outcome.failures.first().message.contains(u"no space"_s),
+             qPrintable(outcome.failures.first().message));
+    QCOMPARE(outcome.outputFiles, QStringList{disk + u"/small.png"_s});
+    QCOMPARE(QDir(disk).entryList(QDir::Files | QDir::Hidden), QStringList{u"small.png"_s});
+}
+
+void TestImageOperations::progressRisesToTheEnd()
+{
+    const QStringList files = {save(halves(2000, 1500), path(u"one.png"_s)),
+                               save(halves(2000, 1500), path(u"two.png"_s))};
+    QList<double> fractions;
+    QStringList titles;
+    std::mutex mutex;
+    FileOperationContext context;
+    context.reportProgress = [&](double fraction, const QString& title) {
+        std::lock_guard lock(mutex);
+        fractions << fraction;
+        titles << title;
+    };
+    const auto outcome = ImageOperations::convert(files, {{u"format"_s, u"webp"_s}, {u"quality"_s, 80}},
+                                                  m_outputs->path(), context);
+    QCOMPARE(outcome.outputFiles.size(), 2);
+    QVERIFY(fractions.size() >= 3);
+    QVERIFY(std::ranges::is_sorted(fractions));
+    QCOMPARE(fractions.first(), 0.0);
+    QCOMPARE(fractions.last(), 1.0);
+    QVERIFY(titles.contains(u"one.png"_s) && titles.contains(u"two.png"_s));
+}
+
 void TestImageOperations::cancelLeavesNothing_data()
 {
+    QTest::addColumn<QString>("operation");
     QTest::addColumn<int>("checksBeforeCancel");
-    QTest::newRow("before the first file") << 0;
-    QTest::newRow("between files") << 1;
-    QTest::newRow("while writing") << 4;
+    QTest::newRow("convert, before the first file") << u"convert"_s << 0;
+    QTest::newRow("convert, between files") << u"convert"_s << 1;
+    QTest::newRow("convert, while writing") << u"convert"_s << 4;
+    QTest::newRow("pdf, between pages") << u"pdf"_s << 2;
+    QTest::newRow("stitch, while writing") << u"stitch"_s << 6;
+    QTest::newRow("text, while reading") << u"text"_s << 4;
 }
 
 void TestImageOperations::cancelLeavesNothing()
 {
+    QFETCH(QString, operation);
     QFETCH(int, checksBeforeCancel);
     QStringList files;
-    for (int index = 0; index < 3; ++index)
-        files << save(halves(3000, 2000), path(u"photo %1.png"_s.arg(index)));
+    if (operation == u"text"_s) {
+        QImage page(2480, 1200, QImage::Format_RGB32);
+        page.fill(Qt::white);
+        QPainter painter(&page);
+        QFont font(u"DejaVu Sans"_s);
+        font.setPixelSize(40);
+        painter.setFont(font);
+        painter.drawText(page.rect().adjusted(100, 100, -100, -100), Qt::TextWordWrap,
+                         u"Many words on a page give the recogniser many places to stop. "_s.repeated(20));
+        painter.end();
+        files << save(page, path(u"page.png"_s));
+    } else {
+        for (int index = 0; index < 3; ++index)
+            files << save(halves(3000, 2000), path(u"photo %1.png"_s.arg(index)));
+    }
     std::atomic<int> checks = 0;
     FileOperationContext context;
     context.isCancelled = [&] { return checks++ >= checksBeforeCancel; };
-    const auto outcome = ImageOperations::convert(files, {{u"format"_s, u"webp"_s}, {u"quality"_s, 80}},
-                                                  m_outputs->path(), context);
+    FileOperationOutcome outcome;
+    if (operation == u"convert"_s)
+        outcome = ImageOperations::convert(files, {{u"format"_s, u"webp"_s}, {u"quality"_s, 80}},
+                                           m_outputs->path(), context);
+    else if (operation == u"pdf"_s)
+        outcome = ImageOperations::imagesToPdf(files, {{u"pageSize"_s, u"a4"_s}}, m_outputs->path(), context);
+    else if (operation == u"stitch"_s)
+        outcome = ImageOperations::stitch(files,
+                                          {{u"direction"_s, u"vertical"_s},
+                                           {u"spacing"_s, 0},
+                                           {u"background"_s, u"white"_s},
+                                           {u"format"_s, u"png"_s}},
+                                          m_outputs->path(), context);
+    else
+        outcome =
+            ImageOperations::recognizeText(files, {{u"language"_s, u"eng"_s}}, m_outputs->path(), context);
     QVERIFY(outcome.cancelled);
+    // The work stopped when told, rather than running on and asking again at every step.
+    QVERIFY2(checks < checksBeforeCancel + 10, qPrintable(u"asked %1 times"_s.arg(checks.load())));
     QVERIFY(outcome.outputFiles.isEmpty());
+    QVERIFY(outcome.text.isEmpty());
     QCOMPARE(QDir(m_outputs->path()).entryList(QDir::Files | QDir::Hidden), QStringList());
+}
+
+void TestImageOperations::concurrentRunsDoNotMix()
+{
+    const QStringList first = {save(halves(1200, 800), path(u"a.png"_s)),
+                               save(halves(800, 1200), path(u"b.jpg"_s))};
+    const QStringList second = {save(halves(900, 600), path(u"c.png"_s)),
+                                save(halves(600, 900), path(u"d.jpg"_s))};
+    const QString bad = path(u"bad.png"_s);
+    QFile garbage(bad);
+    QVERIFY(garbage.open(QIODevice::WriteOnly) && garbage.write(QByteArray(64, 'q')) == 64);
+    garbage.close();
+    FileOperationOutcome resized;
+    FileOperationOutcome converted;
+    std::thread one([&] {
+        resized =
+            ImageOperations::resize(first + QStringList{bad}, {{u"mode"_s, u"width"_s}, {u"size"_s, 300}},
+                                    m_outputs->filePath(u"one"_s), {});
+    });
+    std::thread two([&] {
+        converted = ImageOperations::convert(second, {{u"format"_s, u"webp"_s}, {u"quality"_s, 70}},
+                                             m_outputs->filePath(u"two"_s), {});
+    });
+    one.join();
+    two.join();
+    QCOMPARE(resized.outputFiles.size(), 2);
+    QCOMPARE(resized.failures.size(), 1);
+    QCOMPARE(resized.failures.first().path, bad);
+    QCOMPARE(sizeOf(resized.outputFiles.at(0)), QSize(300, 200));
+    QCOMPARE(sizeOf(resized.outputFiles.at(1)), QSize(300, 450));
+    QVERIFY(converted.failures.isEmpty());
+    QCOMPARE(converted.outputFiles.size(), 2);
+    QCOMPARE(sizeOf(converted.outputFiles.at(1)), QSize(600, 900));
 }
 
 void TestImageOperations::stripMetadata_data()
@@ -566,6 +715,60 @@ void TestImageOperations::recognizeText()
     QCOMPARE(outcome.failures.size(), 1);
     QCOMPARE(outcome.failures.first().path, bad);
     QCOMPARE(QDir(m_outputs->path()).entryList(QDir::Files | QDir::Hidden), QStringList());
+}
+
+void TestImageOperations::recognitionLanguages_data()
+{
+    QTest::addColumn<QStringList>("installed");
+    QTest::addColumn<QLocale::Language>("locale");
+    QTest::addColumn<QString>("expectedDefault");
+    QTest::newRow("the locale's language installed")
+        << QStringList{u"eng"_s, u"deu"_s} << QLocale::German << u"deu"_s;
+    QTest::newRow("the locale's language missing")
+        << QStringList{u"eng"_s, u"fra"_s} << QLocale::German << u"eng"_s;
+    QTest::newRow("neither") << QStringList{u"spa"_s, u"fra"_s} << QLocale::German << u"fra"_s;
+}
+
+// The languages offered are the data files in tesseract's folder; these are copies of the English data
+// under other names, which is all the choice looks at.
+void TestImageOperations::recognitionLanguages()
+{
+    QFETCH(QStringList, installed);
+    QFETCH(QLocale::Language, locale);
+    QFETCH(QString, expectedDefault);
+    const QString english = u"/usr/share/tesseract-ocr/5/tessdata/eng.traineddata"_s;
+    if (!QFile::exists(english))
+        QSKIP("tesseract-ocr-eng is not installed (scripts/deps.sh test)");
+    const QString data = m_inputs->filePath(u"tessdata"_s);
+    QVERIFY(QDir().mkpath(data));
+    for (const QString& language : installed)
+        QVERIFY(QFile::link(english, data + u"/%1.traineddata"_s.arg(language)));
+    QVERIFY(QFile::link(english, data + u"/osd.traineddata"_s));
+    const QByteArray previousPrefix = qgetenv("TESSDATA_PREFIX");
+    qputenv("TESSDATA_PREFIX", QFile::encodeName(data));
+    QLocale::setDefault(QLocale(locale));
+    const auto restore = qScopeGuard([&] {
+        QLocale::setDefault(QLocale::c());
+        if (previousPrefix.isEmpty())
+            qunsetenv("TESSDATA_PREFIX");
+        else
+            qputenv("TESSDATA_PREFIX", previousPrefix);
+    });
+    const OperationSetting language = ImageOperations::recognizeTextSettings().first();
+    QStringList offered;
+    for (const auto& choice : language.choices)
+        offered << choice.value;
+    QStringList expected = installed;
+    expected.sort();
+    QCOMPARE(offered, expected);
+    QCOMPARE(language.defaultValue.toString(), expectedDefault);
+    // A language that is not installed is refused by name rather than crashing tesseract.
+    const QString scan = save(halves(200, 100), path(u"scan.png"_s));
+    const auto outcome =
+        ImageOperations::recognizeText({scan}, {{u"language"_s, u"ita"_s}}, m_outputs->path(), {});
+    QCOMPARE(outcome.failures.size(), 1);
+    QVERIFY2(outcome.failures.first().message.contains(u"Italian"_s),
+             qPrintable(outcome.failures.first().message));
 }
 
 void TestImageOperations::imagesToPdf_data()
