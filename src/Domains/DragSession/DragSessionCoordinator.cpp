@@ -71,8 +71,8 @@ DragSessionCoordinator::DragSessionCoordinator(DragSessionSource source, const D
     , m_dropIntake(dependencies.clock)
     , m_saveThrottler(saveDelay, DispatchQueue::main(), dependencies.clock)
     , m_desktopActions(dependencies.desktopActions)
-    , m_fileOperations(dependencies.fileOperations)
     , m_copyText(dependencies.copyText)
+    , m_fileOperations(dependencies.fileOperations)
     , m_openPreferences(dependencies.openPreferences)
 {
     auto parts = dependencies.userInterface.makeShelf(*this, DragSessionWindowPlacement::defaultSize);

@@ -192,7 +192,11 @@ ApplicationDBusClient::shelfActions(const QString& shelf) const
     for (const QVariantMap& entry : qdbus_cast<QList<QVariantMap>>(values->first())) {
         QVariantList options;
         // Maps inside the answer arrive as D-Bus arguments still to be read.
-        for (const QVariant& option : entry.value(QStringLiteral("options")).toList()) {
+        const QVariant rawOptions = entry.value(QStringLiteral("options"));
+        const QVariantList optionList = rawOptions.canConvert<QDBusArgument>()
+                                            ? qdbus_cast<QVariantList>(rawOptions)
+                                            : rawOptions.toList();
+        for (const QVariant& option : optionList) {
             QVariantMap map =
                 option.canConvert<QDBusArgument>() ? qdbus_cast<QVariantMap>(option) : option.toMap();
             if (const QVariant choices = map.value(QStringLiteral("choices"));

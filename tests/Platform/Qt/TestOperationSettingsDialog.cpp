@@ -46,7 +46,7 @@ OperationsDisplayController::SettingsRequest everyKindOfField()
 template<typename Window> Window* shownWindow()
 {
     Window* found = nullptr;
-    QTest::qWaitFor(
+    const bool shown = QTest::qWaitFor(
         [&found] {
             for (QWidget* widget : QApplication::topLevelWidgets()) {
                 if (auto* window = qobject_cast<Window*>(widget); window && window->isVisible()) {
@@ -57,7 +57,7 @@ template<typename Window> Window* shownWindow()
             return false;
         },
         5000);
-    return found;
+    return shown ? found : nullptr;
 }
 
 class Recorder final : public OperationsControllerDelegate {
@@ -114,7 +114,8 @@ private Q_SLOTS:
         width->setFocus();
         width->selectAll();
         QTest::keyClicks(width, "1600");
-        QTest::mouseClick(enlarge, Qt::LeftButton);
+        enlarge->setFocus();
+        QTest::keyClick(enlarge, Qt::Key_Space);
         suffix->setFocus();
         suffix->selectAll();
         QTest::keyClicks(suffix, "-web");
