@@ -8,6 +8,7 @@
 #include "Libraries/FileOperations/OperationChoiceStore.h"
 #include "Libraries/FileOperations/OperationsController.h"
 #include "Libraries/FileOperations/OperationsControllerDelegate.h"
+#include "Platform/Qt/FileInformationWindow.h"
 #include "Platform/Qt/OperationSettingsDialog.h"
 #include "Platform/Qt/QtOperationsDisplayController.h"
 #include "support/TestSupport.h"
@@ -18,6 +19,7 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QMessageBox>
+#include <QPointer>
 #include <QPushButton>
 #include <QSpinBox>
 #include <QTemporaryDir>
@@ -178,6 +180,37 @@ private Q_SLOTS:
                  (QStringList{folder.path() + "/Note 1.txt", folder.path() + "/Note 2.txt"}));
         QCOMPARE(choices.lastChoice("operationBatchRename").value("pattern").toString(),
                  QStringLiteral("Note {counter}"));
+    }
+
+    void getInfoShowsTheItemsDetails()
+    {
+        QTemporaryDir folder;
+        const QString path = folder.path() + "/notes for May.txt";
+        QVERIFY(Test::writeFile(path, QByteArray(2048, 'n')));
+        QtOperationsDisplayController display;
+        OperationsController::Environment environment;
+        environment.display = &display;
+        OperationsController controller(environment);
+        controller.setItems({QUrl::fromLocalFile(path)});
+        QVERIFY(controller.performableOperationTypes().contains(FileOperationType::getInfo));
+        QVERIFY(controller.performOperationType(FileOperationType::getInfo));
+        auto* window = shownWindow<FileInformationWindow>();
+        QVERIFY(window);
+        QStringList texts;
+        for (const QLabel* label : window->findChildren<QLabel*>()) {
+            texts.append(label->text());
+        }
+        QVERIFY2(texts.contains("notes for May.txt"), qPrintable(texts.join('|')));
+        QVERIFY2(texts.contains("Plain text document"), qPrintable(texts.join('|')));
+        QVERIFY2(std::any_of(texts.cbegin(), texts.cend(),
+                             [](const QString& text) { return text.contains("2,048 bytes"); }),
+                 qPrintable(texts.join('|')));
+        QVERIFY(texts.contains(folder.path()));
+        QVERIFY(QTest::qWaitForWindowActive(window));
+        const QPointer<FileInformationWindow> open(window);
+        QTest::keyClick(window, Qt::Key_Escape);
+        // Escape closes it, and a closed one is gone.
+        QTRY_VERIFY(open.isNull());
     }
 
     void clashQuestionAnswersWithTheButtonPressed_data()
