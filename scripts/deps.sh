@@ -12,12 +12,15 @@ build_packages=(
     libminizip-dev zlib1g-dev
     libglib2.0-dev qt6-pdf-dev
     qtkeychain-qt6-dev
+    libvips-dev libexiv2-dev libtesseract-dev
 )
 test_packages=(xvfb xauth openbox xdotool x11-utils dbus-daemon dbus-x11 libglib2.0-bin python3-gi gir1.2-gtk-3.0 python3-xlib
-    chromium firefox-esr pcmanfm thunar desktop-file-utils unzip python3 python3-dbus python3-botocore
-    gnome-keyring libsecret-tools)
-# The archive benchmark times Info-ZIP's zip beside ours, the upload benchmark the AWS command line.
-bench_packages=(zip awscli)
+    chromium firefox-esr pcmanfm thunar desktop-file-utils unzip gsettings-desktop-schemas python3 python3-dbus
+    tesseract-ocr-eng exiv2 poppler-utils file fonts-dejavu-core qt6-image-formats-plugins
+    python3-botocore gnome-keyring libsecret-tools)
+# The archive benchmark times Info-ZIP's zip beside ours; the image benchmark ImageMagick's mogrify and the
+# tesseract program beside our resize and text recognition; the upload benchmark the AWS command line.
+bench_packages=(zip imagemagick tesseract-ocr awscli)
 # Only where no Node.js is installed: the local S3 server of the upload tests runs on it.
 node_packages=(nodejs npm)
 

@@ -50,6 +50,7 @@ CommandLine::Request CommandLine::parse(const QStringList& arguments, const QStr
     bool optionsEnded = false;
     bool json = false;
     std::optional<QString> shelf;
+    QVariantMap settings;
     SetLabel label;
     for (qsizetype index = 0; index < rest.size(); ++index) {
         const QString& argument = rest[index];
@@ -89,6 +90,13 @@ CommandLine::Request CommandLine::parse(const QStringList& arguments, const QStr
                     return Invalid{QStringLiteral("\"--shelf\" needs a shelf identifier")};
                 }
                 shelf = **value;
+            } else if (command == QStringLiteral("run") && (value = valueOf(QStringLiteral("--set")))) {
+                const qsizetype equals = *value ? (*value)->indexOf(QLatin1Char('=')) : -1;
+                if (equals <= 0) {
+                    return Invalid{
+                        QStringLiteral("\"--set\" needs a setting as key=value, such as width=1600")};
+                }
+                settings.insert((*value)->left(equals), (*value)->mid(equals + 1));
             } else if (labelCommand && (value = valueOf(QStringLiteral("--name")))) {
                 if (!*value) {
                     return Invalid{QStringLiteral("\"--name\" needs a name (\"\" removes the name)")};
@@ -169,7 +177,7 @@ CommandLine::Request CommandLine::parse(const QStringList& arguments, const QStr
             return Invalid{
                 QStringLiteral("\"run\" needs one action identifier; \"vantrope actions\" lists them")};
         }
-        return RunAction{operands.first(), shelf.value_or(QString())};
+        return RunAction{operands.first(), shelf.value_or(QString()), settings};
     }
     if (command == QStringLiteral("remove")) {
         if (operands.isEmpty()) {
@@ -331,8 +339,10 @@ QString CommandLine::helpText()
         "  actions [--shelf ID] [--json]\n"
         "                       list the actions on offer for a shelf's items (default: the shelf used "
         "last)\n"
-        "  run ACTION [--shelf ID]\n"
-        "                       run one of those actions and print its result (a link or a message)\n"
+        "  run ACTION [--shelf ID] [--set KEY=VALUE]...\n"
+        "                       run one of those actions and print its result (a link, a message, or\n"
+        "                       the files a file operation made); --set gives a file operation's\n"
+        "                       settings, which \"actions --json\" lists as \"options\"\n"
         "  remove ITEM... [--shelf ID]\n"
         "                       take items off a shelf (not off the disk; default: the shelf used last);\n"
         "                       ITEM is the item's number in the shelf's list, from 1, or its path as\n"

@@ -5,6 +5,7 @@
 #include <optional>
 #include <QDir>
 #include <QString>
+#include <QVariantMap>
 #include <QStringList>
 #include <variant>
 
@@ -45,6 +46,8 @@ public:
     struct RunAction {
         QString action;
         QString shelf;
+        // "--set key=value" for a file operation's settings, the values as typed.
+        QVariantMap settings;
     };
     // Takes items off a shelf. Each item is its position in the shelf's list (from 1), or the item as
     // `list` prints it; a relative path is made absolute here.

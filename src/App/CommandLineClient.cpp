@@ -76,7 +76,7 @@ CommandLineClient::Outcome CommandLineClient::run(const CommandLine::Request& re
                 return {0, list.json ? actionsJson(*actions) : actionsText(*actions), {}};
             },
             [this](const CommandLine::RunAction& run) -> Outcome {
-                const auto result = m_client.runAction(run.shelf, run.action);
+                const auto result = m_client.runAction(run.shelf, run.action, run.settings);
                 if (!result) {
                     return failure(result.error());
                 }
@@ -183,8 +183,12 @@ QString CommandLineClient::actionsJson(const QList<ShelfActionSummary>& actions)
 {
     QJsonArray array;
     for (const ShelfActionSummary& action : actions) {
-        array.append(QJsonObject{{QStringLiteral("identifier"), action.identifier},
-                                 {QStringLiteral("title"), action.title}});
+        QJsonObject object{{QStringLiteral("identifier"), action.identifier},
+                           {QStringLiteral("title"), action.title}};
+        if (!action.options.isEmpty()) {
+            object.insert(QStringLiteral("options"), QJsonArray::fromVariantList(action.options));
+        }
+        array.append(object);
     }
     return QString::fromUtf8(QJsonDocument(array).toJson(QJsonDocument::Indented));
 }

@@ -24,10 +24,15 @@
 #include "DragMonitorFactory.h"
 #include "Libraries/Core/BookmarkStore.h"
 #include "Libraries/Core/FilesSnapshotController.h"
+#include "Libraries/FileOperations/ApplicationScriptsStore.h"
+#include "Libraries/FileOperations/ImageOperations.h"
+#include "Libraries/FileOperations/OperationChoiceStore.h"
+#include "Libraries/FileOperations/UserOperationStore.h"
 #include "MenuItemController.h"
 #include "Models/Draggable/DraggableFile.h"
 #include "Platform/Desktop/LinuxDesktopActions.h"
 #include "Platform/Linux/InotifyDirectoryWatcher.h"
+#include "Platform/Qt/QtOperationsDisplayController.h"
 #include "Preferences/Preferences.h"
 #include "SettingsService.h"
 #include "Version.h"
@@ -59,12 +64,21 @@ RootCoordinator::RootCoordinator(const Dependencies& dependencies, QObject* pare
         desktopActions = m_desktopActions.get();
     }
     WindowCoordinator* windows = m_windowCoordinator.get();
+    m_operationsDisplay = std::make_unique<QtOperationsDisplayController>();
+    m_operationChoices = std::make_unique<OperationChoiceStore>();
+    m_userOperations = std::make_unique<UserOperationStore>();
+    m_applicationScripts = std::make_unique<ApplicationScriptsStore>();
+    m_fileOperations.display = m_operationsDisplay.get();
+    m_fileOperations.choices = m_operationChoices.get();
+    m_fileOperations.userOperations = m_userOperations.get();
+    m_fileOperations.scripts = m_applicationScripts.get();
+    m_fileOperations.metadata = ImageOperations::describeMetadata;
     m_sessionController = std::make_unique<SessionController>(SessionController::Dependencies{
         dependencies.sessionStore, dependencies.preferences, dependencies.shelfInterface,
         dependencies.screens, dependencies.messages, dependencies.clipboard, dependencies.clock,
         dependencies.fileWatcher, desktopActions,
         [](const QString& text) { QGuiApplication::clipboard()->setText(text); },
-        [windows] { windows->showSettings(); }});
+        [windows] { windows->showSettings(); }, &m_fileOperations});
     m_menuItemController =
         std::make_unique<MenuItemController>(*m_sessionController, dependencies.sessionStore);
     m_observedDirectoryStore = std::make_unique<ObservedDirectoryStore>(QString(), false);

@@ -5,6 +5,7 @@
 #include "Domains/DirectoryObserver/DirectoryObserverCoordinatorDataSource.h"
 #include "Domains/DragSession/TemporaryDataSanitizer.h"
 #include "Libraries/Core/Clock.h"
+#include "Libraries/FileOperations/OperationsController.h"
 
 #include <memory>
 #include <QObject>
@@ -91,6 +92,13 @@ private:
     Dependencies m_dependencies;
     // The program's own desktop actions when the caller gives none.
     std::unique_ptr<DesktopActions> m_desktopActions;
+    // What every shelf's file operations share: the windows that ask, the remembered values, the user's
+    // own operations and scripts. They outlive the shelves.
+    std::unique_ptr<OperationsDisplayController> m_operationsDisplay;
+    std::unique_ptr<OperationChoiceStore> m_operationChoices;
+    std::unique_ptr<UserOperationStore> m_userOperations;
+    std::unique_ptr<ApplicationScriptsStore> m_applicationScripts;
+    OperationsController::Environment m_fileOperations;
     // The folder watches of the watched folders and the screenshot shelf.
     std::unique_ptr<DirectoryWatcher> m_directoryWatcher;
     DirectoryWatcher* m_folderWatcher = nullptr;

@@ -12,6 +12,7 @@
 #include "WatchedFolderService.h"
 
 #include <QDir>
+#include <QHash>
 #include <QPointer>
 #include <QSet>
 
@@ -20,6 +21,35 @@ namespace Vantrope {
 namespace {
 
 using Error = ApplicationRequestHandler::Error;
+
+// A file operation's setting as `actions --json` lists it.
+QVariantMap describeSetting(const OperationSetting& setting)
+{
+    static const QHash<OperationSetting::Type, QString> types{
+        {OperationSetting::Type::integer, QStringLiteral("integer")},
+        {OperationSetting::Type::choice, QStringLiteral("choice")},
+        {OperationSetting::Type::boolean, QStringLiteral("boolean")},
+        {OperationSetting::Type::text, QStringLiteral("text")},
+        {OperationSetting::Type::folder, QStringLiteral("folder")}};
+    QVariantMap description{{QStringLiteral("key"), setting.key},
+                            {QStringLiteral("title"), setting.title},
+                            {QStringLiteral("type"), types.value(setting.type)}};
+    if (setting.defaultValue.isValid()) {
+        description.insert(QStringLiteral("default"), setting.defaultValue);
+    }
+    if (setting.type == OperationSetting::Type::integer) {
+        description.insert(QStringLiteral("minimum"), setting.minimum);
+        description.insert(QStringLiteral("maximum"), setting.maximum);
+    }
+    if (setting.type == OperationSetting::Type::choice) {
+        QStringList values;
+        for (const OperationSetting::Choice& choice : setting.choices) {
+            values.append(choice.value);
+        }
+        description.insert(QStringLiteral("choices"), values);
+    }
+    return description;
+}
 
 QString newestShelfIdentifier(const SessionController& sessions)
 {
@@ -212,22 +242,30 @@ void VantropeServiceProvider::shelfActions(
         done(std::unexpected(coordinator.error()));
         return;
     }
-    (*coordinator)->availableActions([done](const DragSessionCoordinator::AvailableActions& actions) {
-        if (!actions) {
-            done(std::unexpected(
-                Error{Error::Kind::actionFailed, QStringLiteral("the shelf's items could not be prepared: %1")
-                                                     .arg(actions.error().description())}));
-            return;
-        }
-        QList<ShelfActionSummary> result;
-        for (const ActionSearchItem& item : *actions) {
-            result.append({item.identifier, item.title});
-        }
-        done(result);
-    });
+    (*coordinator)
+        ->availableActions([done, shelf = QPointer<DragSessionCoordinator>(coordinator->get())](
+                               const DragSessionCoordinator::AvailableActions& actions) {
+            if (!actions) {
+                done(std::unexpected(Error{Error::Kind::actionFailed,
+                                           QStringLiteral("the shelf's items could not be prepared: %1")
+                                               .arg(actions.error().description())}));
+                return;
+            }
+            QList<ShelfActionSummary> result;
+            for (const ActionSearchItem& item : *actions) {
+                QVariantList options;
+                for (const OperationSetting& setting :
+                     shelf ? shelf->operationSettings(item.identifier) : OperationSettings()) {
+                    options.append(describeSetting(setting));
+                }
+                result.append({item.identifier, item.title, options});
+            }
+            done(result);
+        });
 }
 
 void VantropeServiceProvider::runAction(const QString& shelf, const QString& action,
+                                        const QVariantMap& settings,
                                         std::function<void(const std::expected<QString, Error>&)> done)
 {
     const auto coordinator = shelfFor(shelf);
@@ -239,7 +277,7 @@ void VantropeServiceProvider::runAction(const QString& shelf, const QString& act
         done(std::unexpected(Error{Error::Kind::actionFailed, QStringLiteral("the shelf is empty")}));
         return;
     }
-    (*coordinator)->runAction(action, [done](const Action::Result& result) {
+    (*coordinator)->runAction(action, settings, [done](const Action::Result& result) {
         if (!result) {
             done(std::unexpected(Error{Error::Kind::actionFailed, result.error().description()}));
             return;

@@ -27,7 +27,7 @@ public:
     void
     shelfActions(const QString& shelf,
                  std::function<void(const std::expected<QList<ShelfActionSummary>, Error>&)> done) override;
-    void runAction(const QString& shelf, const QString& action,
+    void runAction(const QString& shelf, const QString& action, const QVariantMap& settings,
                    std::function<void(const std::expected<QString, Error>&)> done) override;
     std::expected<QStringList, Error> removeItems(const QString& shelf, const QStringList& items) override;
     std::expected<QString, Error> changeLabel(const QString& shelf, const LabelChange& change) override;

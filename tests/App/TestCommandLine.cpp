@@ -48,7 +48,12 @@ QString describe(const CommandLine::Request& request)
                        (list.json ? QStringLiteral(" json") : QString());
             },
             [](const CommandLine::RunAction& run) -> QString {
-                return QStringLiteral("run-action ") + run.action + QStringLiteral(" shelf=") + run.shelf;
+                QString text =
+                    QStringLiteral("run-action ") + run.action + QStringLiteral(" shelf=") + run.shelf;
+                for (auto it = run.settings.cbegin(); it != run.settings.cend(); ++it) {
+                    text += QLatin1Char(' ') + it.key() + QLatin1Char('=') + it.value().toString();
+                }
+                return text;
             },
             [](const CommandLine::RemoveItems& remove) -> QString {
                 return QStringLiteral("remove [%1] shelf=%2").arg(remove.items.join(u'|'), remove.shelf);
@@ -137,6 +142,19 @@ private Q_SLOTS:
             {QStringLiteral("run"), QStringLiteral("--shelf"), QStringLiteral("X"),
              QStringLiteral("clear_shelf")},
             "run-action clear_shelf shelf=X");
+        row("run with settings",
+            {QStringLiteral("run"), QStringLiteral("operationImageResize"), QStringLiteral("--set"),
+             QStringLiteral("width=1600"), QStringLiteral("--set=name=a=b"), QStringLiteral("--set"),
+             QStringLiteral("empty=")},
+            "run-action operationImageResize shelf= empty= name=a=b width=1600");
+        row("--set without a key",
+            {QStringLiteral("run"), QStringLiteral("x"), QStringLiteral("--set"), QStringLiteral("=1")},
+            "invalid: \"--set\" needs a setting as key=value, such as width=1600");
+        row("--set without a value", {QStringLiteral("run"), QStringLiteral("x"), QStringLiteral("--set")},
+            "invalid: \"--set\" needs a setting as key=value, such as width=1600");
+        row("--set belongs to run",
+            {QStringLiteral("actions"), QStringLiteral("--set"), QStringLiteral("a=b")},
+            "invalid: unknown argument \"--set\"; see \"vantrope --help\"");
         row("run without an action", {QStringLiteral("run")},
             "invalid: \"run\" needs one action identifier; \"vantrope actions\" lists them");
         row("run with two actions", {QStringLiteral("run"), QStringLiteral("a"), QStringLiteral("b")},

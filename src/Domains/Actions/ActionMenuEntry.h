@@ -2,7 +2,7 @@
 // SPDX-FileCopyrightText: 2026 The Vantrope developers
 #pragma once
 
-#include "OperationsController.h"
+#include "OperationsProvider.h"
 
 #include <memory>
 #include <optional>
@@ -33,7 +33,7 @@ struct ActionMenuEntry {
         std::vector<ActionMenuEntry> entries;
     };
     struct OperationRow {
-        OperationsController::MenuItem item;
+        OperationsProvider::MenuItem item;
     };
 
     std::variant<ActionRow, Separator, Submenu, OperationRow> value;

@@ -264,7 +264,7 @@ void ActionsController::deliverItems(const QString& pass, const ItemsResult& ite
     m_actionItems = *items;
     menuPool().start([self = QPointer(this), pass, items = *items, actions = m_actions,
                       operationItems = m_operationsController ? m_operationsController->menuItems()
-                                                              : QList<OperationsController::MenuItem>(),
+                                                              : QList<OperationsProvider::MenuItem>(),
                       excluded = m_excludedCategories]() mutable {
         MenuWork work;
         work.performable = performableActions(actions, items);
@@ -311,9 +311,9 @@ void ActionsController::finishPass(const ItemsResult& items)
 QList<ActionsController::SearchElement>
 ActionsController::makeSearchElements(const ActionList& performable) const
 {
-    const QList<OperationsController::SearchElement> operations =
+    const QList<OperationsProvider::SearchElement> operations =
         m_operationsController ? m_operationsController->searchElements()
-                               : QList<OperationsController::SearchElement>();
+                               : QList<OperationsProvider::SearchElement>();
     return ActionsControllerSearchItemsFactory(performable, operations, m_supplementarySearchActions)
         .makeElements();
 }
@@ -321,9 +321,9 @@ ActionsController::makeSearchElements(const ActionList& performable) const
 ActionsControllerMenu ActionsController::makeMenuNow(const ActionItemList& items)
 {
     const ActionList performable = performableActions(m_actions, items);
-    const QList<OperationsController::MenuItem> operationItems =
+    const QList<OperationsProvider::MenuItem> operationItems =
         m_operationsController ? m_operationsController->menuItems()
-                               : QList<OperationsController::MenuItem>();
+                               : QList<OperationsProvider::MenuItem>();
     m_searchableElements = makeSearchElements(performable);
     Q_EMIT searchableElementsChanged();
     return ActionsControllerMenuFactory(performable, items, operationItems, systemShareActionsLimit,
@@ -467,13 +467,13 @@ bool ActionsController::performAction(const ActionSearchItem& searchItem)
     if (const auto* operation =
             std::get_if<ActionsControllerSearchItemsFactory::OperationBacking>(&backing)) {
         switch (operation->element.kind) {
-        case OperationsController::SearchElement::Kind::operationType:
+        case OperationsProvider::SearchElement::Kind::operationType:
             qCInfo(lcActions) << "Performing file operation triggered from search item...";
             break;
-        case OperationsController::SearchElement::Kind::userOperation:
+        case OperationsProvider::SearchElement::Kind::userOperation:
             qCInfo(lcActions) << "Performing user operation triggered from search item...";
             break;
-        case OperationsController::SearchElement::Kind::applicationScript:
+        case OperationsProvider::SearchElement::Kind::applicationScript:
             qCInfo(lcActions) << "Performing application script triggered from search item...";
             break;
         }

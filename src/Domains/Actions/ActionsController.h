@@ -13,7 +13,7 @@
 #include "ActionsControllerSupplementarySearchAction.h"
 #include "ActionSearchItem.h"
 #include "Models/Draggable/Draggable.h"
-#include "OperationsController.h"
+#include "OperationsProvider.h"
 
 #include <expected>
 #include <functional>
@@ -51,7 +51,7 @@ public:
         ShareActionsProvider shareActionsProvider;
         std::shared_ptr<ActionArchiver> archiver;
         // None: no file operations in menu or search.
-        std::unique_ptr<OperationsController> operationsController;
+        std::unique_ptr<OperationsProvider> operationsController;
         // Where archives are made; empty means the reserved archives folder.
         QString archivesFolder;
     };
@@ -105,7 +105,7 @@ public:
     const ActionPtr& performingAction() const { return m_performingAction; }
     const ActionItemsAssembler* actionItemsAssembler() const { return m_actionItemsAssembler.get(); }
     const std::optional<ActionContext>& actionContext() const { return m_actionContext; }
-    OperationsController* fileOperationsController() const { return m_operationsController.get(); }
+    OperationsProvider* fileOperationsController() const { return m_operationsController.get(); }
     ActionControllerHistory& history() { return m_history; }
 
 Q_SIGNALS:
@@ -135,7 +135,7 @@ private:
     ActionControllerHistory m_history;
     ShareActionsProvider m_shareActionsProvider;
     std::shared_ptr<ActionArchiver> m_archiver;
-    std::unique_ptr<OperationsController> m_operationsController;
+    std::unique_ptr<OperationsProvider> m_operationsController;
     QString m_archivesFolder;
     ActionsControllerDelegate* m_delegate = nullptr;
     QList<ActionCategory> m_excludedCategories;

@@ -12,7 +12,7 @@
 namespace Vantrope {
 
 ActionsControllerMenuFactory::ActionsControllerMenuFactory(
-    ActionList actions, ActionItemList items, QList<OperationsController::MenuItem> operationMenuItems,
+    ActionList actions, ActionItemList items, QList<OperationsProvider::MenuItem> operationMenuItems,
     int systemShareActionsLimit, QList<ActionCategory> excludedCategories)
     : m_actions(std::move(actions))
     , m_items(std::move(items))
@@ -63,7 +63,7 @@ std::vector<ActionsControllerMenuFactory::MenuItemGroup> ActionsControllerMenuFa
 
     if (!m_excludedCategories.contains(ActionCategory::fileOperations) && !m_operationMenuItems.isEmpty()) {
         MenuItemGroup operations{ActionCategory::fileOperations, {}};
-        for (const OperationsController::MenuItem& item : m_operationMenuItems) {
+        for (const OperationsProvider::MenuItem& item : m_operationMenuItems) {
             operations.entries.push_back(ActionMenuEntry{ActionMenuEntry::OperationRow{item}});
         }
         // Before the supplementary group; without one, before the last group rather than after it.

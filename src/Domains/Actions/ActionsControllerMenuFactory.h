@@ -6,7 +6,7 @@
 #include "ActionCategory.h"
 #include "ActionItem.h"
 #include "ActionMenuEntry.h"
-#include "OperationsController.h"
+#include "OperationsProvider.h"
 
 #include <QList>
 #include <vector>
@@ -28,7 +28,7 @@ public:
     // `actions` are those that can run on `items`, in the controller's order. `operationMenuItems` are
     // those of the operations controller; empty when there is none.
     ActionsControllerMenuFactory(ActionList actions, ActionItemList items,
-                                 QList<OperationsController::MenuItem> operationMenuItems,
+                                 QList<OperationsProvider::MenuItem> operationMenuItems,
                                  int systemShareActionsLimit = defaultSystemShareActionsLimit,
                                  QList<ActionCategory> excludedCategories = {});
 
@@ -41,7 +41,7 @@ private:
 
     ActionList m_actions;
     ActionItemList m_items;
-    QList<OperationsController::MenuItem> m_operationMenuItems;
+    QList<OperationsProvider::MenuItem> m_operationMenuItems;
     int m_systemShareActionsLimit;
     QList<ActionCategory> m_excludedCategories;
 };

@@ -10,7 +10,7 @@
 namespace Vantrope {
 
 ActionsControllerSearchItemsFactory::ActionsControllerSearchItemsFactory(
-    ActionList actions, QList<OperationsController::SearchElement> operations,
+    ActionList actions, QList<OperationsProvider::SearchElement> operations,
     QList<ActionsControllerSupplementarySearchAction> supplementaryActions)
     : m_actions(std::move(actions))
     , m_operations(std::move(operations))
@@ -28,7 +28,7 @@ QList<ActionsControllerSearchItemsFactory::Element> ActionsControllerSearchItems
                                                  action->iconName(), keywords(*action)},
                                 ActionBacking{action}});
     }
-    for (const OperationsController::SearchElement& operation : m_operations) {
+    for (const OperationsProvider::SearchElement& operation : m_operations) {
         elements.append(Element{ActionSearchItem{operation.identifier, searchTitle(operation.title),
                                                  operation.iconName, operation.keywords},
                                 OperationBacking{operation}});

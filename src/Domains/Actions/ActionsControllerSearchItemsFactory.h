@@ -5,7 +5,7 @@
 #include "Action.h"
 #include "ActionsControllerSupplementarySearchAction.h"
 #include "ActionSearchItem.h"
-#include "OperationsController.h"
+#include "OperationsProvider.h"
 
 #include <functional>
 #include <QList>
@@ -22,7 +22,7 @@ public:
         ActionPtr action;
     };
     struct OperationBacking {
-        OperationsController::SearchElement element;
+        OperationsProvider::SearchElement element;
     };
     struct SupplementaryBacking {
         std::function<bool()> perform;
@@ -41,7 +41,7 @@ public:
     };
 
     ActionsControllerSearchItemsFactory(
-        ActionList actions, QList<OperationsController::SearchElement> operations,
+        ActionList actions, QList<OperationsProvider::SearchElement> operations,
         QList<ActionsControllerSupplementarySearchAction> supplementaryActions);
 
     QList<Element> makeElements() const;
@@ -55,7 +55,7 @@ public:
 
 private:
     ActionList m_actions;
-    QList<OperationsController::SearchElement> m_operations;
+    QList<OperationsProvider::SearchElement> m_operations;
     QList<ActionsControllerSupplementarySearchAction> m_supplementaryActions;
 };
 

@@ -7,6 +7,7 @@
 #include "Domains/Actions/ActionIdentifiers.h"
 #include "Domains/Actions/ActionPreparation.h"
 #include "Domains/Actions/DesktopActions.h"
+#include "Domains/Actions/FileOperationsProvider.h"
 #include "DragSessionLogging.h"
 #include "DragSessionSettingsAction.h"
 #include "DragSessionWindowPlacement.h"
@@ -15,6 +16,7 @@
 #include "MessageWindowCenter.h"
 #include "Models/Draggable/DraggableFile.h"
 #include "Models/Draggable/DraggablePromise.h"
+#include "Models/Draggable/DraggableText.h"
 #include "PersistentDragSession.h"
 #include "PersistentDragSessionStore.h"
 #include "Preferences/Preferences.h"
@@ -70,6 +72,7 @@ DragSessionCoordinator::DragSessionCoordinator(DragSessionSource source, const D
     , m_saveThrottler(saveDelay, DispatchQueue::main(), dependencies.clock)
     , m_desktopActions(dependencies.desktopActions)
     , m_copyText(dependencies.copyText)
+    , m_fileOperations(dependencies.fileOperations)
     , m_openPreferences(dependencies.openPreferences)
 {
     auto parts = dependencies.userInterface.makeShelf(*this, DragSessionWindowPlacement::defaultSize);
@@ -370,6 +373,12 @@ void DragSessionCoordinator::prepareActionsIfNeeded(const DraggableList& items)
             return desktop->makeShareActions(urls);
         };
         services.archiver = desktop->archiver();
+    }
+    if (m_fileOperations) {
+        auto operations = std::make_unique<OperationsController>(*m_fileOperations);
+        operations->setDelegate(this);
+        services.operationsController =
+            std::make_unique<FileOperationsProvider>(std::move(operations), m_preferences);
     }
     m_actionsController =
         std::make_unique<ActionsController>(items, makeActions(), m_preferences, std::move(services));
@@ -751,7 +760,21 @@ void DragSessionCoordinator::showSearch(const QString& text)
 
 void DragSessionCoordinator::runAction(const QString& identifier, RunCompletion completion)
 {
-    availableActions([self = QPointer(this), identifier, completion](const AvailableActions& actions) {
+    runAction(identifier, {}, std::move(completion));
+}
+
+OperationSettings DragSessionCoordinator::operationSettings(const QString& identifier) const
+{
+    OperationsProvider* operations =
+        m_actionsController ? m_actionsController->fileOperationsController() : nullptr;
+    return operations ? operations->settings(identifier) : OperationSettings();
+}
+
+void DragSessionCoordinator::runAction(const QString& identifier, const QVariantMap& values,
+                                       RunCompletion completion)
+{
+    availableActions([self = QPointer(this), identifier, values,
+                      completion](const AvailableActions& actions) {
         if (!self || !actions) {
             completion(std::unexpected(actions ? ActionError(ActionError::Kind::canceled) : actions.error()));
             return;
@@ -775,7 +798,30 @@ void DragSessionCoordinator::runAction(const QString& identifier, RunCompletion 
             self->m_actionsController->performAction(*found);
             return;
         }
-        // Pinning and the file operations end at once.
+        if (std::holds_alternative<ActionsControllerSearchItemsFactory::OperationBacking>(element->backing)) {
+            OperationsProvider* operations = self->m_actionsController->fileOperationsController();
+            if (!operations || self->m_operationRunCompletion) {
+                completion(std::unexpected(ActionError(ActionError::Kind::reserved)));
+                return;
+            }
+            self->m_operationRunCompletion = completion;
+            self->m_operationOutputs.clear();
+            const auto started = operations->performWithValues(identifier, values);
+            if (!started) {
+                self->m_operationRunCompletion = {};
+                completion(std::unexpected(ActionError::underlying(started.error())));
+            } else if (self && !self->m_isOperationRunning && self->m_operationRunCompletion) {
+                // Ended at once (an info window), or never ran in the background.
+                std::exchange(self->m_operationRunCompletion, {})(ActionResultContext{});
+            }
+            return;
+        }
+        if (!values.isEmpty()) {
+            completion(std::unexpected(ActionError::underlying(
+                Localized("actions.run.no-settings", "\"%1\" takes no settings.").arg(identifier))));
+            return;
+        }
+        // Pinning ends at once.
         if (self->m_actionsController->performAction(*found)) {
             completion(ActionResultContext{});
         } else {
@@ -1155,6 +1201,117 @@ void DragSessionCoordinator::replaceContent(const QList<QUrl>& urls)
     qCInfo(lcDragSession).noquote()
         << QStringLiteral("Reloading content with %1 items...").arg(draggables.size());
     appendItems(draggables);
+}
+
+// The file operations' reports.
+
+void DragSessionCoordinator::operationDidStart(OperationsController&, const QString& title)
+{
+    markUsed();
+    m_isOperationRunning = true;
+    m_operationOutputs.clear();
+    // The run changes the items (renames, moves): the change must not rebuild the controller under it.
+    m_supressItemPreparationOnItemsUpdate = true;
+    m_window->setAlphaValue(1, true);
+    setShareState({DragSessionActionState::Loading{
+        0, title.isEmpty() ? Localized("content.share-progress.loading.label", "Working…") : title}});
+}
+
+void DragSessionCoordinator::operationDidProgress(OperationsController&, double fraction,
+                                                  const QString& title)
+{
+    QString shown = title;
+    if (const auto* loading = std::get_if<DragSessionActionState::Loading>(&m_shareState.value);
+        loading && shown.isEmpty()) {
+        shown = loading->title;
+    }
+    setShareState({DragSessionActionState::Loading{fraction, shown}});
+}
+
+void DragSessionCoordinator::operationReplaceContent(OperationsController&, const QStringList& paths)
+{
+    QList<QUrl> urls;
+    for (const QString& path : paths) {
+        urls.append(QUrl::fromLocalFile(path));
+    }
+    m_operationOutputs = paths;
+    replaceContent(urls);
+}
+
+void DragSessionCoordinator::operationRemoveContent(OperationsController&, const QStringList& paths)
+{
+    DraggableList gone;
+    for (const DraggablePtr& item : m_itemsController->items()) {
+        const std::optional<QUrl> url = item->url();
+        if (url && url->isLocalFile() && paths.contains(url->toLocalFile())) {
+            gone.append(item);
+        }
+    }
+    if (!gone.isEmpty()) {
+        removeItems(gone);
+    }
+}
+
+void DragSessionCoordinator::operationProduceText(OperationsController&, const QString& text, bool asItem)
+{
+    if (m_copyText) {
+        m_copyText(text);
+    }
+    if (asItem) {
+        if (auto item =
+                DraggableText::make(text.toUtf8(), QStringLiteral("text/plain;charset=utf-8"), true)) {
+            appendItems({item});
+        }
+    }
+    showMessage(Localized("file-operation.text-copied", "Copied to the clipboard"), Message::Icon::info,
+                actionMessageDuration);
+}
+
+void DragSessionCoordinator::finishOperationRun(const Action::Result& result)
+{
+    m_isOperationRunning = false;
+    const QPointer self(this);
+    if (m_operationRunCompletion) {
+        std::exchange(m_operationRunCompletion, {})(result);
+    }
+    if (!self || m_hasStopped) {
+        return;
+    }
+    m_supressItemPreparationOnItemsUpdate = false;
+    m_view->updateHoverState(m_window->containsMouse());
+    // The controller goes with the run's end; the next menu is made for what the shelf holds now.
+    dropActionsController();
+    scheduleItemsUpdate();
+}
+
+void DragSessionCoordinator::operationDidFinish(OperationsController&, const QString& message)
+{
+    setShareState({DragSessionActionState::None{}});
+    m_window->setAlphaValue(1, true);
+    if (!message.isEmpty()) {
+        showMessage(message, Message::Icon::warning, failureMessageDuration);
+    }
+    throttleSave();
+    QStringList lines = m_operationOutputs;
+    if (!message.isEmpty()) {
+        lines.append(message);
+    }
+    finishOperationRun(ActionResultContext{ActionResultContext::Message{lines.join(QLatin1Char('\n'))}});
+}
+
+void DragSessionCoordinator::operationDidFail(OperationsController&, const QString& message)
+{
+    m_window->setAlphaValue(1, true);
+    setShareState({DragSessionActionState::Error{
+        Localized("file-operation.error.title", "Could not perform action"), message}});
+    finishOperationRun(std::unexpected(ActionError::underlying(message)));
+}
+
+void DragSessionCoordinator::operationDidCancel(OperationsController&)
+{
+    setShareState({DragSessionActionState::None{}});
+    m_window->setAlphaValue(1, true);
+    finishOperationRun(std::unexpected(ActionError(ActionError::Kind::canceled)));
 }
 
 void DragSessionCoordinator::setShareState(const DragSessionActionState& state)

@@ -14,6 +14,8 @@
 #include "DragSessionUserInterface.h"
 #include "Libraries/Core/Clock.h"
 #include "Libraries/Core/Throttler.h"
+#include "Libraries/FileOperations/OperationsController.h"
+#include "Libraries/FileOperations/OperationsControllerDelegate.h"
 #include "Message.h"
 #include "MoveToNewShelfAction.h"
 
@@ -46,7 +48,8 @@ public:
 class DragSessionCoordinator final : public QObject,
                                      public DragSessionViewDelegate,
                                      public ActionsControllerDelegate,
-                                     public DragSessionContentOutlineCoordinatorDelegate {
+                                     public DragSessionContentOutlineCoordinatorDelegate,
+                                     public OperationsControllerDelegate {
     Q_OBJECT
 public:
     struct Dependencies {
@@ -61,6 +64,8 @@ public:
         // Puts text (a shared link) on the clipboard.
         std::function<void(const QString& text)> copyText = {};
         std::function<void()> openPreferences = {};
+        // What the file operations need from the program; none offers no file operations.
+        const OperationsController::Environment* fileOperations = nullptr;
     };
 
     // What `actions` lists and `run` reports to scripts.
@@ -136,6 +141,11 @@ public:
     bool isSearchShown() const { return m_isSearchShown; }
     // Runs the action on offer with this identifier through the shelf's controller, as a menu choice.
     void runAction(const QString& identifier, RunCompletion completion);
+    // The same with values for a file operation, which then asks nothing; its completion comes when the
+    // operation has ended, with the files it produced as the message.
+    void runAction(const QString& identifier, const QVariantMap& values, RunCompletion completion);
+    // The values a file operation on offer takes (`runAction`'s), empty for everything else.
+    OperationSettings operationSettings(const QString& identifier) const;
 
     // The order-independent hash of the item identifiers the action machinery was last prepared for.
     std::optional<size_t> preparedItemsHash() const { return m_preparedItemsHash; }
@@ -196,10 +206,22 @@ public:
     void didFinishPerformingAction(const ActionPtr& action, ActionsController& actionsController,
                                    const Action::Result& result) override;
 
+    // OperationsControllerDelegate
+    void operationDidStart(OperationsController& controller, const QString& title) override;
+    void operationDidProgress(OperationsController& controller, double fraction,
+                              const QString& title) override;
+    void operationReplaceContent(OperationsController& controller, const QStringList& paths) override;
+    void operationRemoveContent(OperationsController& controller, const QStringList& paths) override;
+    void operationProduceText(OperationsController& controller, const QString& text, bool asItem) override;
+    void operationDidFinish(OperationsController& controller, const QString& message) override;
+    void operationDidFail(OperationsController& controller, const QString& message) override;
+    void operationDidCancel(OperationsController& controller) override;
+
 Q_SIGNALS:
     void labelChanged();
 
 private:
+    void finishOperationRun(const Action::Result& result);
     // Takes a read drop's items, or says why it took none; then the drop is over.
     bool concludeDrop(const DragSessionDropIntake::Outcome& outcome);
     void showDropFailure(const DragSessionDropIntake::Rejection& rejection);
@@ -260,6 +282,11 @@ private:
     quint64 m_itemsUpdateGeneration = 0;
     DesktopActions* m_desktopActions = nullptr;
     std::function<void(const QString&)> m_copyText;
+    const OperationsController::Environment* m_fileOperations = nullptr;
+    // The command line's run of a file operation, waiting for its end, and what it produced so far.
+    RunCompletion m_operationRunCompletion;
+    QStringList m_operationOutputs;
+    bool m_isOperationRunning = false;
     std::function<void()> m_openPreferences;
     std::unique_ptr<ActionsController> m_actionsController;
     std::weak_ptr<DragSessionSettingsAction> m_settingsAction;

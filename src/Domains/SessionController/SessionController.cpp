@@ -118,7 +118,8 @@ std::shared_ptr<DragSessionCoordinator> SessionController::startSession(DragSess
     const DragSessionCoordinator::Dependencies dependencies{
         m_dependencies.sessionStore,   m_dependencies.preferences, m_dependencies.userInterface,
         m_dependencies.messages,       m_dependencies.clipboard,   m_dependencies.clock,
-        m_dependencies.desktopActions, m_dependencies.copyText,    m_dependencies.openPreferences};
+        m_dependencies.desktopActions, m_dependencies.copyText,    m_dependencies.openPreferences,
+        m_dependencies.fileOperations};
     auto coordinator = std::make_shared<DragSessionCoordinator>(std::move(source), newLabel(),
                                                                 std::move(itemsController), dependencies);
     coordinator->setDelegate(this);

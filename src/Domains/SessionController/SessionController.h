@@ -52,6 +52,8 @@ public:
         DesktopActions* desktopActions = nullptr;
         std::function<void(const QString& text)> copyText = {};
         std::function<void()> openPreferences = {};
+        // What every shelf's file operations need; none offers no file operations.
+        const OperationsController::Environment* fileOperations = nullptr;
     };
 
     explicit SessionController(const Dependencies& dependencies, QObject* parent = nullptr);

@@ -56,6 +56,9 @@ QString folderName(ReservedTemporaryDirectory directory)
     case ReservedTemporaryDirectory::logs:
         name = Localized("directories.logs.directory-name", "Logs");
         break;
+    case ReservedTemporaryDirectory::operations:
+        name = Localized("directories.operations.directory-name", "Operations");
+        break;
     }
     // A translation must not be able to point outside the temporary directory.
     name.replace(QLatin1Char('/'), QLatin1Char('_'));

@@ -9,7 +9,7 @@ namespace Vantrope {
 
 // Folders under the program's temporary directory ($XDG_CACHE_HOME/vantrope) that hold files the program
 // writes itself and clears later.
-enum class ReservedTemporaryDirectory { textFiles, promises, archives, shortcuts, logs };
+enum class ReservedTemporaryDirectory { textFiles, promises, archives, shortcuts, logs, operations };
 
 namespace TemporaryDirectories {
 

@@ -50,9 +50,9 @@ bool ApplicationDBusClient::isAgentRunning() const
     return bus.isConnected() && bus.interface()->isServiceRegistered(ApplicationDBusInterface::serviceName());
 }
 
-std::expected<QVariantList, Error> ApplicationDBusClient::call(const QString& method,
-                                                               const QVariantList& arguments,
-                                                               std::optional<std::chrono::milliseconds> timeout) const
+std::expected<QVariantList, Error>
+ApplicationDBusClient::call(const QString& method, const QVariantList& arguments,
+                            std::optional<std::chrono::milliseconds> timeout) const
 {
     QDBusConnection bus = QDBusConnection::sessionBus();
     if (!bus.isConnected()) {
@@ -69,8 +69,8 @@ std::expected<QVariantList, Error> ApplicationDBusClient::call(const QString& me
     message.setAutoStartService(false);
     const std::chrono::milliseconds wait = timeout.value_or(m_timeout);
     // The bus takes milliseconds as an int; longer than that is as good as no limit.
-    const QDBusMessage reply = bus.call(
-        message, QDBus::Block, int(std::min<std::chrono::milliseconds::rep>(wait.count(), INT_MAX)));
+    const QDBusMessage reply =
+        bus.call(message, QDBus::Block, int(std::min<std::chrono::milliseconds::rep>(wait.count(), INT_MAX)));
     if (reply.type() == QDBusMessage::ReplyMessage) {
         return reply.arguments();
     }
@@ -97,9 +97,9 @@ std::expected<QVariantList, Error> ApplicationDBusClient::call(const QString& me
         Error::Kind::noAnswer, QStringLiteral("the call to Vantrope failed: %1").arg(reply.errorMessage())});
 }
 
-std::expected<QString, Error> ApplicationDBusClient::callForString(const QString& method,
-                                                                   const QVariantList& arguments,
-                                                                   std::optional<std::chrono::milliseconds> timeout) const
+std::expected<QString, Error>
+ApplicationDBusClient::callForString(const QString& method, const QVariantList& arguments,
+                                     std::optional<std::chrono::milliseconds> timeout) const
 {
     const auto values = call(method, arguments, timeout);
     if (!values) {
@@ -180,7 +180,8 @@ std::expected<QList<ShelfActionSummary>, Error>
 ApplicationDBusClient::shelfActions(const QString& shelf) const
 {
     // Preparing the items of a large shelf reads every file once.
-    const auto values = call(QStringLiteral("ListActions"), {shelf}, std::max(m_timeout, std::chrono::milliseconds(60000)));
+    const auto values =
+        call(QStringLiteral("ListActions"), {shelf}, std::max(m_timeout, std::chrono::milliseconds(60000)));
     if (!values) {
         return std::unexpected(values.error());
     }
@@ -189,15 +190,34 @@ ApplicationDBusClient::shelfActions(const QString& shelf) const
         return result;
     }
     for (const QVariantMap& entry : qdbus_cast<QList<QVariantMap>>(values->first())) {
+        QVariantList options;
+        // Maps inside the answer arrive as D-Bus arguments still to be read.
+        const QVariant rawOptions = entry.value(QStringLiteral("options"));
+        const QVariantList optionList = rawOptions.canConvert<QDBusArgument>()
+                                            ? qdbus_cast<QVariantList>(rawOptions)
+                                            : rawOptions.toList();
+        for (const QVariant& option : optionList) {
+            QVariantMap map =
+                option.canConvert<QDBusArgument>() ? qdbus_cast<QVariantMap>(option) : option.toMap();
+            if (const QVariant choices = map.value(QStringLiteral("choices"));
+                choices.canConvert<QDBusArgument>()) {
+                map.insert(QStringLiteral("choices"), qdbus_cast<QStringList>(choices));
+            }
+            options.append(map);
+        }
         result.append({entry.value(QStringLiteral("identifier")).toString(),
-                       entry.value(QStringLiteral("title")).toString()});
+                       entry.value(QStringLiteral("title")).toString(), options});
     }
     return result;
 }
 
-std::expected<QString, Error> ApplicationDBusClient::runAction(const QString& shelf,
-                                                               const QString& action) const
+std::expected<QString, Error> ApplicationDBusClient::runAction(const QString& shelf, const QString& action,
+                                                               const QVariantMap& settings) const
 {
+    if (!settings.isEmpty()) {
+        return callForString(QStringLiteral("RunActionWithSettings"), {shelf, action, settings},
+                             std::chrono::milliseconds::max());
+    }
     return callForString(QStringLiteral("RunAction"), {shelf, action}, std::chrono::milliseconds::max());
 }
 

@@ -46,7 +46,8 @@ public:
     // An empty shelf identifier asks for the shelf used last.
     std::expected<QList<ShelfActionSummary>, Error> shelfActions(const QString& shelf) const;
     // Waits for the action to end, however long that takes (an upload may take minutes).
-    std::expected<QString, Error> runAction(const QString& shelf, const QString& action) const;
+    std::expected<QString, Error> runAction(const QString& shelf, const QString& action,
+                                            const QVariantMap& settings = {}) const;
     // The removed items as the agent lists them.
     std::expected<QStringList, Error> removeItems(const QString& shelf, const QStringList& items) const;
     // The shelf's identifier.
@@ -66,10 +67,12 @@ public:
 
 private:
     // Without a timeout, the client's own.
-    std::expected<QVariantList, Error> call(const QString& method, const QVariantList& arguments = {},
-                                            std::optional<std::chrono::milliseconds> timeout = std::nullopt) const;
-    std::expected<QString, Error> callForString(const QString& method, const QVariantList& arguments,
-                                                std::optional<std::chrono::milliseconds> timeout = std::nullopt) const;
+    std::expected<QVariantList, Error>
+    call(const QString& method, const QVariantList& arguments = {},
+         std::optional<std::chrono::milliseconds> timeout = std::nullopt) const;
+    std::expected<QString, Error>
+    callForString(const QString& method, const QVariantList& arguments,
+                  std::optional<std::chrono::milliseconds> timeout = std::nullopt) const;
 
     std::chrono::milliseconds m_timeout;
 };

@@ -206,8 +206,12 @@ QList<QVariantMap> ApplicationDBusService::ListActions(const QString& shelf)
             }
             QList<QVariantMap> entries;
             for (const ShelfActionSummary& action : *actions) {
-                entries.append({{QStringLiteral("identifier"), action.identifier},
-                                {QStringLiteral("title"), action.title}});
+                QVariantMap entry{{QStringLiteral("identifier"), action.identifier},
+                                  {QStringLiteral("title"), action.title}};
+                if (!action.options.isEmpty()) {
+                    entry.insert(QStringLiteral("options"), action.options);
+                }
+                entries.append(entry);
             }
             connection.send(request.createReply(QVariant::fromValue(entries)));
         });
@@ -216,11 +220,17 @@ QList<QVariantMap> ApplicationDBusService::ListActions(const QString& shelf)
 
 QString ApplicationDBusService::RunAction(const QString& shelf, const QString& action)
 {
+    return RunActionWithSettings(shelf, action, {});
+}
+
+QString ApplicationDBusService::RunActionWithSettings(const QString& shelf, const QString& action,
+                                                      const QVariantMap& settings)
+{
     if (!ready() || !calledFromDBus()) {
         return {};
     }
     setDelayedReply(true);
-    m_handler->runAction(shelf, action,
+    m_handler->runAction(shelf, action, settings,
                          [connection = connection(), request = message()](
                              const std::expected<QString, ApplicationRequestHandler::Error>& result) {
                              if (!result) {

@@ -49,10 +49,13 @@ public Q_SLOTS:
     void Quit();
     // Each shelf: "identifier" (s), "name" (s, absent without one), "color" (s), "pinned" (b), "items" (as).
     QList<QVariantMap> ListShelves();
-    // Each action: "identifier" (s), "title" (s). An empty shelf identifier means the shelf used last.
+    // Each action: "identifier" (s), "title" (s), and for a file operation with settings "options" (aa{sv}).
+    // An empty shelf identifier means the shelf used last.
     QList<QVariantMap> ListActions(const QString& shelf);
     // Answers once the action has ended, with its link or message (maybe empty), or an error.
     QString RunAction(const QString& shelf, const QString& action);
+    // The same with a file operation's settings, key to value as text ("width" -> "1600").
+    QString RunActionWithSettings(const QString& shelf, const QString& action, const QVariantMap& settings);
     // Removes items (positions from 1 or the items as ListShelves gives them); returns those removed.
     QStringList RemoveItems(const QString& shelf, const QStringList& items);
     // Changes the label: "name" (s, empty to remove it), "color" (s), "pinned" (b); returns the shelf.

@@ -8,6 +8,8 @@
 #include <QList>
 #include <QString>
 #include <QStringList>
+#include <QVariantList>
+#include <QVariantMap>
 
 namespace Vantrope {
 
@@ -28,6 +30,9 @@ struct ShelfSummary {
 struct ShelfActionSummary {
     QString identifier;
     QString title;
+    // A file operation's settings, each a map: "key", "title", "type" (integer, choice, boolean, text,
+    // folder), "default", and "minimum"/"maximum" or "choices" where they apply.
+    QVariantList options;
 };
 
 // What a running Vantrope does for other programs over its D-Bus interface and for its own command
@@ -71,7 +76,8 @@ public:
     shelfActions(const QString& shelf,
                  std::function<void(const std::expected<QList<ShelfActionSummary>, Error>&)> done) = 0;
     // Runs one of them; `done` gets what it left (a link or a message, maybe empty) once it has ended.
-    virtual void runAction(const QString& shelf, const QString& action,
+    // `settings` are a file operation's values as typed (key to text); other actions take none.
+    virtual void runAction(const QString& shelf, const QString& action, const QVariantMap& settings,
                            std::function<void(const std::expected<QString, Error>&)> done) = 0;
 
     // Removal and labels for scripts.

@@ -103,7 +103,7 @@ public:
     std::function<void(ActionsController&)> onFinish;
 };
 
-class FakeOperationsController final : public OperationsController {
+class FakeOperationsController final : public OperationsProvider {
 public:
     void setItems(const QList<QUrl>& urls) override { items = urls; }
     QList<MenuItem> menuItems() const override
@@ -753,7 +753,7 @@ private:
 
     void makeController(const DraggableList& draggables, const ActionList& actions,
                         const QStringList& shareTargets,
-                        std::unique_ptr<OperationsController> operations = nullptr)
+                        std::unique_ptr<OperationsProvider> operations = nullptr)
     {
         Services services;
         if (!shareTargets.isEmpty()) {

@@ -27,9 +27,9 @@ ActionList makeActions(const QStringList& rows)
     return actions;
 }
 
-QList<OperationsController::MenuItem> makeOperations(const QStringList& identifiers)
+QList<OperationsProvider::MenuItem> makeOperations(const QStringList& identifiers)
 {
-    QList<OperationsController::MenuItem> items;
+    QList<OperationsProvider::MenuItem> items;
     for (const QString& identifier : identifiers) {
         items.append({identifier, identifier, QStringLiteral("run-build")});
     }

@@ -104,13 +104,13 @@ private Q_SLOTS:
         auto openWith = Test::makeAction(QStringLiteral("openfilewith"), ActionCategory::primary);
         openWith->searchable = false;
         auto copy = Test::makeAction(QStringLiteral("copy_to_pasteboard"), ActionCategory::shelf);
-        const QList<OperationsController::SearchElement> operations{
-            {OperationsController::SearchElement::Kind::operationType,
+        const QList<OperationsProvider::SearchElement> operations{
+            {OperationsProvider::SearchElement::Kind::operationType,
              QStringLiteral("op.resize"),
              QStringLiteral("Resize Images..."),
              QStringLiteral("transform-scale"),
              {QStringLiteral("image")}},
-            {OperationsController::SearchElement::Kind::userOperation,
+            {OperationsProvider::SearchElement::Kind::userOperation,
              QStringLiteral("7f1c"),
              QStringLiteral("My script"),
              QStringLiteral("run-build"),
