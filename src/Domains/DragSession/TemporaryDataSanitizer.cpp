@@ -74,8 +74,10 @@ TemporaryDataSanitizer::TemporaryDataSanitizer(QStringList directories, Preferen
 QStringList TemporaryDataSanitizer::reservedDirectories()
 {
     QStringList directories;
-    for (const auto directory : {ReservedTemporaryDirectory::textFiles, ReservedTemporaryDirectory::promises,
-                                 ReservedTemporaryDirectory::archives}) {
+    // Each operation's results lie in a run folder of their own, kept while a shelf holds one of them.
+    for (const auto directory :
+         {ReservedTemporaryDirectory::textFiles, ReservedTemporaryDirectory::promises,
+          ReservedTemporaryDirectory::archives, ReservedTemporaryDirectory::operations}) {
         if (const auto path = TemporaryDirectories::path(directory)) {
             directories.append(*path);
         }

@@ -220,6 +220,26 @@ private Q_SLOTS:
         QCOMPARE(Test::readFile(*note), QByteArray("hello"));
         QVERIFY(!QFileInfo::exists(*other));
     }
+
+    // Results of file operations go into a run folder each; a folder whose file a shelf holds stays.
+    void operationRunFoldersStayWhileAShelfHoldsTheirFiles()
+    {
+        const auto operations = TemporaryDirectories::path(ReservedTemporaryDirectory::operations);
+        QVERIFY(operations);
+        const QString kept = *operations + u"/20261125-101010-aaaa/photo.webp"_s;
+        const QString gone = *operations + u"/20261124-090909-bbbb/old.webp"_s;
+        QVERIFY(Test::writeFile(kept, "kept") && Test::writeFile(gone, "gone"));
+        for (const QString& path : {kept, gone}) {
+            QVERIFY(age(path, 3h) && age(QFileInfo(path).path(), 3h));
+        }
+        ManualClock clock{QDateTime::currentDateTimeUtc()};
+        Preferences preferences{std::make_unique<MemoryPreferenceStorage>()};
+        TemporaryDataSanitizer sanitizer(TemporaryDataSanitizer::reservedDirectories(), preferences, clock);
+
+        sanitizer.sanitizeDirectories({QUrl::fromLocalFile(kept)});
+        QCOMPARE(Test::readFile(kept), QByteArray("kept"));
+        QVERIFY(!QFileInfo::exists(QFileInfo(gone).path()));
+    }
 };
 
 QTEST_GUILESS_MAIN(TestTemporaryDataSanitizer)
