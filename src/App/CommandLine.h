@@ -5,8 +5,8 @@
 #include <optional>
 #include <QDir>
 #include <QString>
-#include <QVariantMap>
 #include <QStringList>
+#include <QVariantMap>
 #include <variant>
 
 namespace Vantrope {
@@ -76,9 +76,9 @@ public:
         // Absent for `get`.
         std::optional<QString> value;
     };
-    using Request = std::variant<RunAgent, ShowHelp, ShowVersion, Invalid, AddFiles, NewShelf, OpenRecent,
-                                 CloseAll, Quit, List, ListActions, RunAction, RemoveItems, SetLabel, Folders,
-                                 Settings>;
+    using Request =
+        std::variant<RunAgent, ShowHelp, ShowVersion, Invalid, AddFiles, NewShelf, OpenRecent, CloseAll, Quit,
+                     List, ListActions, RunAction, RemoveItems, SetLabel, Folders, Settings>;
 
     // Usage mistakes exit with this, failures at run time with 1.
     static constexpr int usageExitCode = 2;

@@ -136,7 +136,8 @@ private Q_SLOTS:
         m_foldersFile = m_home->filePath(u".observed_directories"_s);
         m_store = std::make_unique<ObservedDirectoryStore>(m_foldersFile, false);
         m_coordinator = std::make_unique<DirectoryObserverCoordinator>(Clock::system(), m_watcher);
-        m_folders = std::make_unique<WatchedFolderController>(*m_store, *m_coordinator, Clock::system(), m_watcher);
+        m_folders =
+            std::make_unique<WatchedFolderController>(*m_store, *m_coordinator, Clock::system(), m_watcher);
         m_folders->startAtLaunch();
         m_screenshotBookmarks = std::make_unique<BookmarkStore>(u"settings-test-screenshot"_s, 1);
         m_screenshots =

@@ -322,8 +322,7 @@ ActionsControllerMenu ActionsController::makeMenuNow(const ActionItemList& items
 {
     const ActionList performable = performableActions(m_actions, items);
     const QList<OperationsProvider::MenuItem> operationItems =
-        m_operationsController ? m_operationsController->menuItems()
-                               : QList<OperationsProvider::MenuItem>();
+        m_operationsController ? m_operationsController->menuItems() : QList<OperationsProvider::MenuItem>();
     m_searchableElements = makeSearchElements(performable);
     Q_EMIT searchableElementsChanged();
     return ActionsControllerMenuFactory(performable, items, operationItems, systemShareActionsLimit,
