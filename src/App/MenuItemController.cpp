@@ -6,6 +6,7 @@
 #include "Domains/SessionController/SessionController.h"
 #include "DragSessionHistoryMenuItemFactory.h"
 #include "Libraries/Core/Localized.h"
+#include "Preferences/Preferences.h"
 #include "StatusItemController.h"
 
 #include <QMenu>
@@ -52,6 +53,21 @@ MenuItemController::~MenuItemController() = default;
 void MenuItemController::showStatusItem()
 {
     m_statusItem->show();
+}
+
+void MenuItemController::followPreferences(Preferences& preferences)
+{
+    const auto apply = [this, &preferences] {
+        m_statusItem->setIconStyle(preferences.value(PreferenceKeys::preferredMenuBarIconIdentifier));
+        m_statusItem->setHidden(preferences.value(PreferenceKeys::prefersHiddenStatusItem));
+    };
+    apply();
+    connect(&preferences, &Preferences::changed, this, [apply](PreferenceKey key) {
+        if (key == PreferenceKey::preferredMenuBarIconIdentifier ||
+            key == PreferenceKey::prefersHiddenStatusItem) {
+            apply();
+        }
+    });
 }
 
 void MenuItemController::reload()

@@ -13,6 +13,7 @@ namespace Vantrope {
 class DragSessionHistoryMenuItemFactory;
 class PersistentDragSessionFetchController;
 class PersistentDragSessionStore;
+class Preferences;
 class SessionController;
 class StatusItemController;
 
@@ -28,6 +29,8 @@ public:
     ~MenuItemController() override;
 
     void showStatusItem();
+    // Follows the tray preferences (icon style, hidden) from now on.
+    void followPreferences(Preferences& preferences);
     // Rebuilds the menu on the next turn of the event loop, or once it closes if it is open.
     void reload();
 

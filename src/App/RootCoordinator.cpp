@@ -151,6 +151,7 @@ void RootCoordinator::start()
             &RootCoordinator::terminationRequested);
     connect(&m_dependencies.sessionStore, &PersistentDragSessionStore::sessionsChanged,
             m_menuItemController.get(), &MenuItemController::reload);
+    m_menuItemController->followPreferences(m_dependencies.preferences);
     m_menuItemController->showStatusItem();
 }
 

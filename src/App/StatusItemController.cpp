@@ -4,6 +4,7 @@
 
 #include "AppLogging.h"
 #include "Libraries/Core/Localized.h"
+#include "Preferences/SettingsItem.h"
 
 #include <QCursor>
 #include <QIcon>
@@ -40,6 +41,11 @@ StatusItemController::~StatusItemController() = default;
 
 void StatusItemController::show()
 {
+    m_shown = true;
+    if (m_hidden) {
+        qCInfo(lcApp) << "Tray item hidden, as the settings ask";
+        return;
+    }
     if (!QSystemTrayIcon::isSystemTrayAvailable()) {
         qCWarning(lcApp) << "No system tray is running yet; the tray item appears as soon as one starts";
     }
@@ -50,6 +56,39 @@ void StatusItemController::show()
 bool StatusItemController::isVisible() const
 {
     return m_trayIcon->isVisible();
+}
+
+QString StatusItemController::iconPath(const QString& style)
+{
+    switch (SettingsItem::menuBarIcon(style).value_or(SettingsItem::MenuBarIcon::traditional)) {
+    case SettingsItem::MenuBarIcon::document:
+        return QStringLiteral(":/icons/vantrope-tray-document.svg");
+    case SettingsItem::MenuBarIcon::documentTilted:
+        return QStringLiteral(":/icons/vantrope-tray-document-tilted.svg");
+    case SettingsItem::MenuBarIcon::traditional:
+        break;
+    }
+    return QStringLiteral(":/icons/vantrope-tray.svg");
+}
+
+void StatusItemController::setIconStyle(const QString& style)
+{
+    m_trayIcon->setIcon(QIcon(iconPath(style)));
+}
+
+void StatusItemController::setHidden(bool hidden)
+{
+    if (hidden == m_hidden) {
+        return;
+    }
+    m_hidden = hidden;
+    if (hidden) {
+        m_trayIcon->hide();
+        qCInfo(lcApp) << "Tray item hidden";
+    } else if (m_shown) {
+        m_trayIcon->show();
+        qCInfo(lcApp) << "Tray item shown";
+    }
 }
 
 } // namespace Vantrope

@@ -18,11 +18,21 @@ public:
     explicit StatusItemController(QMenu& menu, QObject* parent = nullptr);
     ~StatusItemController() override;
 
+    // Shows the item unless the user chose to hide it.
     void show();
     bool isVisible() const;
 
+    // The stored icon style ("traditional", "document", "documentTilted"); anything else is the classic one.
+    void setIconStyle(const QString& style);
+    // A hidden item stays away until shown again; the program keeps running.
+    void setHidden(bool hidden);
+
+    static QString iconPath(const QString& style);
+
 private:
     QMenu& m_menu;
+    bool m_hidden = false;
+    bool m_shown = false;
     std::unique_ptr<QSystemTrayIcon> m_trayIcon;
 };
 

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // SPDX-FileCopyrightText: 2026 The Vantrope developers
 #include "AgentUnderTest.h"
+#include "App/StatusItemController.h"
 #include "support/TestSupport.h"
 
 #include <csignal>
@@ -71,6 +72,61 @@ private Q_SLOTS:
         }
         tray.kill();
         tray.waitForFinished();
+    }
+
+    // Hidden at start, shown and hidden again by `settings set`, with the program running throughout.
+    void followsTheTraySettings()
+    {
+        m_trayOutput.clear();
+        AgentUnderTest agent;
+        QVERIFY(writeFile(
+            agent.path(QStringLiteral("config/vantrope/preferences.json")),
+            "{\"PrefersHiddenStatusItem\": true, \"PreferredMenuBarIconIdentifier\": \"documentTilted\"}"));
+        QProcess tray;
+        tray.start(QStringLiteral(TRAY_HOST_BINARY), {});
+        QVERIFY(tray.waitForStarted());
+        QVERIFY(QTest::qWaitFor([&] { return trayOutput(tray).startsWith("ready\n"); }, 5000));
+        QVERIFY(agent.start());
+        QTRY_VERIFY_WITH_TIMEOUT(agent.log().contains("Tray item hidden, as the settings ask"), 10000);
+        QTest::qWait(500);
+        QVERIFY2(!trayOutput(tray).contains("docked"), m_trayOutput.constData());
+
+        const auto set = [&agent](const QString& value) {
+            return agent
+                .run({QStringLiteral("settings"), QStringLiteral("set"),
+                      QStringLiteral("PrefersHiddenStatusItem"), value})
+                .exitCode;
+        };
+        QCOMPARE(set(QStringLiteral("false")), 0);
+        QTRY_VERIFY_WITH_TIMEOUT(trayOutput(tray).contains("docked 0x"), 10000);
+        QCOMPARE(set(QStringLiteral("true")), 0);
+        QTRY_VERIFY_WITH_TIMEOUT(trayOutput(tray).contains("undocked 0x"), 10000);
+        QCOMPARE(agent.process().state(), QProcess::Running);
+        tray.kill();
+        tray.waitForFinished();
+    }
+
+    void everyIconStyleHasItsIcon_data()
+    {
+        QTest::addColumn<QString>("style");
+        QTest::addColumn<QString>("icon");
+        QTest::newRow("classic") << QStringLiteral("traditional")
+                                 << QStringLiteral(":/icons/vantrope-tray.svg");
+        QTest::newRow("document") << QStringLiteral("document")
+                                  << QStringLiteral(":/icons/vantrope-tray-document.svg");
+        QTest::newRow("tilted") << QStringLiteral("documentTilted")
+                                << QStringLiteral(":/icons/vantrope-tray-document-tilted.svg");
+        QTest::newRow("unknown falls back")
+            << QStringLiteral("sparkles") << QStringLiteral(":/icons/vantrope-tray.svg");
+    }
+
+    void everyIconStyleHasItsIcon()
+    {
+        QFETCH(QString, style);
+        QFETCH(QString, icon);
+        QCOMPARE(Vantrope::StatusItemController::iconPath(style), icon);
+        Q_INIT_RESOURCE(resources);
+        QVERIFY(readFile(icon).startsWith("<svg "));
     }
 
 private:

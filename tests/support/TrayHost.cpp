@@ -1,7 +1,8 @@
 // SPDX-License-Identifier: GPL-3.0-or-later
 // SPDX-FileCopyrightText: 2026 The Vantrope developers
 // A minimal system tray host for tests: owns the tray selection of screen 0 and embeds every icon that
-// asks to dock, printing "docked <window> <pid>" for each so a test can see who docked.
+// asks to dock, printing "docked <window> <pid>" for each so a test can see who docked, and "undocked
+// <window>" when one goes away.
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
@@ -38,7 +39,8 @@ int main()
     }
     xcb_screen_t* screen = xcb_setup_roots_iterator(xcb_get_setup(c)).data;
     const xcb_window_t tray = xcb_generate_id(c);
-    const uint32_t values[] = {screen->black_pixel, XCB_EVENT_MASK_STRUCTURE_NOTIFY};
+    const uint32_t values[] = {screen->black_pixel,
+                               XCB_EVENT_MASK_STRUCTURE_NOTIFY | XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY};
     xcb_create_window(c, XCB_COPY_FROM_PARENT, tray, screen->root, 0, 0, 200, 24, 0,
                       XCB_WINDOW_CLASS_INPUT_OUTPUT, screen->root_visual,
                       XCB_CW_BACK_PIXEL | XCB_CW_EVENT_MASK, values);
@@ -80,6 +82,13 @@ int main()
                 x += 24;
                 xcb_flush(c);
                 std::printf("docked 0x%x %u\n", icon, windowPid(c, icon, pidAtom));
+                std::fflush(stdout);
+            }
+        } else if ((event->response_type & 0x7f) == XCB_DESTROY_NOTIFY) {
+            // An icon that goes away: the program hid it or quit.
+            auto* destroyed = reinterpret_cast<xcb_destroy_notify_event_t*>(event);
+            if (destroyed->event == tray && destroyed->window != tray) {
+                std::printf("undocked 0x%x\n", destroyed->window);
                 std::fflush(stdout);
             }
         }
